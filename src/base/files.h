@@ -1,0 +1,48 @@
+#pragma once
+
+// The little of the file system that the program reads. Nothing here throws or reports why
+// something could not be read: absence is the answer.
+
+#include <cstddef>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillpost::files {
+
+/// The largest file that readSmallText takes, in bytes: far above any token or seat file, and low
+/// enough that a path that names a device or a huge file costs nothing.
+inline constexpr std::size_t smallFileLimit = std::size_t{1} << 20;
+
+/// The whole file. Nothing when it is missing, unreadable, not UTF-8 or above smallFileLimit.
+std::optional<std::string> readSmallText(const std::string& path);
+
+/// One entry of a directory.
+struct Entry {
+  std::string name;
+  /// Content-modification time; nothing when it cannot be read.
+  std::optional<timespec> modified;
+  bool isDirectory = false;
+};
+
+/// The entries of a directory in the system's own order, hidden ones (a leading ".") left out.
+/// Symbolic links are followed. Empty when the directory cannot be listed.
+std::vector<Entry> list(const std::string& directory);
+
+/// `directory` and `name` with one "/" between them.
+std::string joinPath(std::string_view directory, std::string_view name);
+
+/// The last component of a path: what follows the last "/".
+std::string_view lastComponent(std::string_view path);
+
+/// What stands before the last component, without the "/" between; "/" for a root entry, empty when
+/// the path has no "/".
+std::string_view parentPath(std::string_view path);
+
+/// The path with its last extension (the last dot of the last component and what follows) replaced
+/// by `extension`, which is given without a dot; appended when there is none.
+std::string withExtension(std::string_view path, std::string_view extension);
+
+}  // namespace quillpost::files

@@ -1,0 +1,68 @@
+#pragma once
+
+// Small text tools that know nothing of Unicode beyond bytes. What a reader sees as characters,
+// white space and case is in base/unicode.h.
+
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+namespace quillpost::text {
+
+/// Appends one piece: a text as it stands, an integer in decimal.
+inline void append(std::string& out, std::string_view piece) { out.append(piece); }
+void append(std::string& out, int64_t number);
+void append(std::string& out, uint64_t number);
+template <std::integral Number>
+requires(!std::same_as<Number, bool> && !std::same_as<Number, char> &&
+         !std::same_as<Number, int64_t> &&
+         !std::same_as<Number, uint64_t>) void append(std::string& out, Number number) {
+  if constexpr (std::is_signed_v<Number>) {
+    append(out, static_cast<int64_t>(number));
+  } else {
+    append(out, static_cast<uint64_t>(number));
+  }
+}
+void append(std::string& out, bool) = delete;
+void append(std::string& out, char) = delete;
+
+/// All pieces, texts and integers, one after the other.
+template <class... Pieces>
+std::string cat(const Pieces&... pieces) {
+  std::string out;
+  (append(out, pieces), ...);
+  return out;
+}
+
+/// The plural ending: "s", or nothing when `count` is exactly 1.
+constexpr std::string_view s(int64_t count) { return count == 1 ? "" : "s"; }
+
+/// "y" when `count` is exactly 1, else "ies".
+constexpr std::string_view yOrIes(int64_t count) { return count == 1 ? "y" : "ies"; }
+
+/// The pieces between the separators, empty ones kept: always at least one.
+std::vector<std::string_view> split(std::string_view whole, char separator);
+
+/// The pieces with `separator` between them; empty when there are none.
+std::string join(std::span<const std::string> pieces, std::string_view separator);
+
+/// A whole decimal integer: an optional "+" or "-", then digits only. Nothing when `digits` has
+/// anything else, no digit at all, or a value outside 64 bits.
+std::optional<int64_t> parseInteger(std::string_view digits);
+
+/// `a + b`, `a - b`, kept at the nearest 64-bit limit instead of overflowing.
+int64_t saturatingAdd(int64_t a, int64_t b);
+int64_t saturatingSubtract(int64_t a, int64_t b);
+
+/// The size of a container as the signed integer that texts and rules count with.
+template <class Container>
+int64_t countOf(const Container& container) {
+  return static_cast<int64_t>(container.size());
+}
+
+}  // namespace quillpost::text
