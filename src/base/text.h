@@ -16,6 +16,8 @@ namespace quillpost::text {
 
 /// Appends one piece: a text as it stands, an integer in decimal.
 inline void append(std::string& out, std::string_view piece) { out.append(piece); }
+// Without this one a literal would turn into a boolean, and be refused.
+inline void append(std::string& out, const char* piece) { out.append(piece); }
 void append(std::string& out, int64_t number);
 void append(std::string& out, uint64_t number);
 template <std::integral Number>
