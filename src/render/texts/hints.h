@@ -173,9 +173,7 @@ inline constexpr DiscussionWords taskDiscussion{
 /// The hint after open_discussion.
 inline std::string discussionOpened(std::string_view discussionID, const DiscussionWords& words) {
   return text::cat("Discussion ", discussionID,
-                   " is OPEN and your addressee(s) will be woken. "
-                   "Now ",
-                   words.openWait,
+                   " is OPEN and your addressee(s) will be woken. Now ", words.openWait,
                    "Answer volleys promptly and keep the exchange going until it RESOLVES; "
                    "don't idle out with it open (the board escalates to the human on its own "
                    "if the debate truly stalls, and until it resolves it holds back ",
@@ -199,8 +197,7 @@ inline std::string volleyPosted(const DiscussionWords& words) {
 /// How far a discussion is from the cap at which the board calls in the human.
 inline std::string roundBudget(int64_t volleysSinceHuman) {
   return text::cat(volleysSinceHuman,
-                   "/8"
-                   " volleys since last human input — escalates to the human at the cap");
+                   "/8 volleys since last human input — escalates to the human at the cap");
 }
 
 }  // namespace quillpost::texts

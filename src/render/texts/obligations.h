@@ -10,7 +10,9 @@
 
 namespace quillpost::texts {
 
-/// The phrases of the summary line, in its order, each for a count of 1 or more.
+// The phrases of the summary line, in its order, each for a count of 1 or more.
+
+/// Discussions in which it is this agent's turn.
 inline std::string repliesOwed(int64_t count) {
   return text::cat(count, " repl", text::yOrIes(count), " owed");
 }

@@ -15,8 +15,7 @@ namespace quillpost::texts {
 inline std::string quietNote(int64_t minutes) {
   return text::cat(
       "This seat has not made a call of its own for ", minutes,
-      "m. "
-      "Its terminal is open, so its lease keeps renewing, but nothing has come from the agent. "
+      "m. Its terminal is open, so its lease keeps renewing, but nothing has come from the agent. "
       "Do not wait on it: anything aimed at it is claimable by you.");
 }
 
