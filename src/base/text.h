@@ -47,6 +47,15 @@ constexpr std::string_view s(int64_t count) { return count == 1 ? "" : "s"; }
 /// "y" when `count` is exactly 1, else "ies".
 constexpr std::string_view yOrIes(int64_t count) { return count == 1 ? "y" : "ies"; }
 
+/// The text with A to Z made small. Enough wherever the words that are looked for hold no letter
+/// that some other script's capital folds to.
+inline std::string lowered(std::string_view whole) {
+  std::string out(whole);
+  for (char& letter : out)
+    if (letter >= 'A' && letter <= 'Z') letter = static_cast<char>(letter - 'A' + 'a');
+  return out;
+}
+
 /// The pieces between the separators, empty ones kept: always at least one.
 std::vector<std::string_view> split(std::string_view whole, char separator);
 

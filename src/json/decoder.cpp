@@ -1,0 +1,226 @@
+#include "json/decoder.h"
+
+#include <array>
+#include <boost/json/basic_parser_impl.hpp>
+#include <cmath>
+#include <exception>
+
+#include "json/numbers.h"
+
+namespace quillpost::json {
+namespace {
+
+using boost::system::error_code;
+
+/// Turns the parser's events into values of records. Every event answers whether reading may go
+/// on; a false answer ends it.
+class RecordReader {
+ public:
+  // What the parser asks of a handler: how large things may be. The text itself is the limit.
+  static constexpr std::size_t max_array_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_object_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
+  static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
+
+  RecordReader(const Shape& shape, void* target) : pending_{target, &shape, Presence::required} {}
+
+  bool on_document_begin(error_code& /*ec*/) { return true; }
+  bool on_document_end(error_code& /*ec*/) { return true; }
+
+  bool on_object_begin(error_code& ec) {
+    if (skipping()) return skipInto();
+    const Slot slot = takeSlot();
+    if (slot.shape->rows.empty()) return wrongType(ec);
+    return push({slot.target, slot.shape}, ec);
+  }
+  bool on_object_end(std::size_t /*members*/, error_code& ec) {
+    if (skipping()) return skipOut();
+    const Frame& frame = frames_[--depth_];
+    return (frame.seen & frame.shape->needed) == frame.shape->needed || wrongType(ec);
+  }
+  bool on_array_begin(error_code& ec) {
+    if (skipping()) return skipInto();
+    const Slot slot = takeSlot();
+    if (slot.shape->grow == nullptr) return wrongType(ec);
+    return push({slot.target, slot.shape}, ec);
+  }
+  bool on_array_end(std::size_t /*elements*/, error_code& /*ec*/) {
+    if (skipping()) return skipOut();
+    --depth_;
+    return true;
+  }
+
+  bool on_key_part(std::string_view part, std::size_t /*size*/, error_code& /*ec*/) {
+    pieces_.append(part);
+    return true;
+  }
+  bool on_key(std::string_view last, std::size_t /*size*/, error_code& /*ec*/) {
+    if (skippedDepth_ == 0) openRow(frames_[depth_ - 1], whole(last));
+    pieces_.clear();
+    return true;
+  }
+
+  bool on_string_part(std::string_view part, std::size_t /*size*/, error_code& /*ec*/) {
+    if (!skipping()) pieces_.append(part);
+    return true;
+  }
+  bool on_string(std::string_view last, std::size_t /*size*/, error_code& ec) {
+    if (skipping()) return skipValue();
+    const Slot slot = takeSlot();
+    const bool taken =
+        slot.shape->takeText != nullptr && slot.shape->takeText(slot.target, whole(last));
+    pieces_.clear();
+    return taken || wrongType(ec);
+  }
+
+  bool on_number_part(std::string_view /*part*/, error_code& /*ec*/) { return true; }
+  bool on_int64(int64_t number, std::string_view /*text*/, error_code& ec) {
+    if (skipping()) return skipValue();
+    return takeInteger(number, ec);
+  }
+  bool on_uint64(uint64_t /*number*/, std::string_view /*text*/, error_code& ec) {
+    // The parser gives unsigned numbers only above the signed range, which no field can hold.
+    return skipping() ? skipValue() : wrongType(ec);
+  }
+  bool on_double(double number, std::string_view /*text*/, error_code& ec) {
+    if (!std::isfinite(number)) return wrongType(ec);  // 1e400 makes the whole text not JSON
+    if (skipping()) return skipValue();
+    const std::optional<int64_t> integral = integralValue(number);
+    return integral ? takeInteger(*integral, ec) : wrongType(ec);
+  }
+  bool on_bool(bool flag, error_code& ec) {
+    if (skipping()) return skipValue();
+    const Slot slot = takeSlot();
+    if (slot.shape->takeFlag == nullptr) return wrongType(ec);
+    slot.shape->takeFlag(slot.target, flag);
+    return true;
+  }
+  bool on_null(error_code& ec) {
+    if (skipping()) return skipValue();
+    // An open row has not touched its member yet, so a null leaves it as if the key were missing.
+    if (pending_.row == nullptr || pending_.presence == Presence::required) return wrongType(ec);
+    pending_ = {};
+    return true;
+  }
+  bool on_comment_part(std::string_view /*part*/, error_code& /*ec*/) { return true; }
+  bool on_comment(std::string_view /*last*/, error_code& /*ec*/) { return true; }
+
+ private:
+  /// A record or list that is being filled.
+  struct Frame {
+    void* target = nullptr;
+    const Shape* shape = nullptr;
+    uint64_t seen = 0;
+    std::size_t expected = 0;  // the row after the last one met
+  };
+  /// Where the next value goes. Without a row it is the top of the text.
+  struct Pending {
+    void* target = nullptr;
+    const Shape* shape = nullptr;
+    Presence presence = Presence::required;
+    const Row* row = nullptr;
+    std::size_t bit = 0;
+  };
+  struct Slot {
+    void* target;
+    const Shape* shape;
+  };
+
+  // Records nest eight deep at most (a response's feed's tasks' discussions' volleys); a shape
+  // never contains itself, so this cannot run out.
+  static constexpr std::size_t frameLimit = 16;
+
+  bool push(const Frame& frame, error_code& ec) {
+    if (depth_ == frameLimit) return wrongType(ec);
+    frames_[depth_++] = frame;
+    return true;
+  }
+
+  /// Makes the row for a key the pending one, or notes that its value is to be skipped.
+  void openRow(Frame& frame, std::string_view key) {
+    const std::span<const Row> rows = frame.shape->rows;
+    // A sender writes every record's keys in one order of its own, nearly always the table's: the
+    // search starts at the row after the last one.
+    for (std::size_t tried = 0, at = frame.expected; tried < rows.size(); ++tried, ++at) {
+      if (at >= rows.size()) at = 0;
+      if (rows[at].key != key) continue;
+      frame.expected = at + 1;
+      pending_ = {frame.target, rows[at].shape, rows[at].presence, &rows[at], at};
+      return;
+    }
+    skipNext_ = true;
+  }
+
+  /// The place for the value that has come; its row counts as seen from here on.
+  Slot takeSlot() {
+    if (pending_.row != nullptr) {
+      Frame& frame = frames_[depth_ - 1];
+      frame.seen |= uint64_t{1} << pending_.bit;
+      const Slot slot = {pending_.row->open(frame.target), pending_.shape};
+      pending_ = {};
+      return slot;
+    }
+    if (depth_ == 0) return {pending_.target, pending_.shape};
+    const Frame& list = frames_[depth_ - 1];
+    return {list.shape->grow(list.target), list.shape->element};
+  }
+
+  bool takeInteger(int64_t number, error_code& ec) {
+    const Slot slot = takeSlot();
+    if (slot.shape->takeInteger == nullptr) return wrongType(ec);
+    slot.shape->takeInteger(slot.target, number);
+    return true;
+  }
+
+  bool skipping() const { return skipNext_ || skippedDepth_ > 0; }
+  bool skipValue() {
+    if (skippedDepth_ == 0) skipNext_ = false;
+    return true;
+  }
+  bool skipInto() {
+    skipNext_ = false;
+    ++skippedDepth_;
+    return true;
+  }
+  bool skipOut() {
+    --skippedDepth_;
+    return true;
+  }
+
+  /// The text whose last piece has come: the parser cuts at escapes.
+  std::string_view whole(std::string_view last) {
+    if (pieces_.empty()) return last;
+    pieces_.append(last);
+    return pieces_;
+  }
+
+  static bool wrongType(error_code& ec) {
+    ec = boost::json::error::exception;
+    return false;
+  }
+
+  std::array<Frame, frameLimit> frames_;
+  std::size_t depth_ = 0;
+  Pending pending_;
+  bool skipNext_ = false;
+  std::size_t skippedDepth_ = 0;
+  std::string pieces_;
+};
+
+}  // namespace
+
+namespace detail {
+
+bool decodeObject(std::string_view text, const Shape& shape, void* target) try {
+  boost::json::parse_options options;
+  options.max_depth = depthLimit;
+  boost::json::basic_parser<RecordReader> parser(options, shape, target);
+  error_code ec;
+  const std::size_t read = parser.write_some(false, text.data(), text.size(), ec);
+  return !ec && parser.done() && read == text.size();
+} catch (const std::exception&) {
+  return false;  // out of memory
+}
+
+}  // namespace detail
+}  // namespace quillpost::json

@@ -1,0 +1,121 @@
+#pragma once
+
+// Compact JSON written straight onto the end of a text. An Object or Array is open for as long as
+// it lives and closes itself; while a child is open, nothing may be added to its parent. Texts are
+// written as UTF-8, slashes are not escaped, and members stand in the order of adding.
+
+#include <concepts>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillpost::json {
+
+/// Appends the inside of a JSON string: `text`, which must be UTF-8, with its quotes, backslashes
+/// and control characters escaped. One pass, whatever the text holds.
+void appendEscaped(std::string& out, std::string_view text);
+
+/// Appends `text` as a whole JSON string, quotes included.
+void appendString(std::string& out, std::string_view text);
+
+/// Appends `number` in decimal.
+void appendInteger(std::string& out, int64_t number);
+
+/// An integer of any width, but neither a boolean nor a character.
+template <class T>
+concept Integer = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
+
+class Array;
+
+/// An object under construction at the end of `out`.
+class Object {
+ public:
+  explicit Object(std::string& out) : out_(out) { out_.push_back('{'); }
+  ~Object() { out_.push_back('}'); }
+  Object(const Object&) = delete;
+  Object& operator=(const Object&) = delete;
+
+  /// Adds a member. `key` is written as it stands: it must need no escaping.
+  Object& add(std::string_view key, std::string_view text);
+  // Without this overload a literal would quietly become a boolean.
+  Object& add(std::string_view key, const char* text) { return add(key, std::string_view(text)); }
+  Object& add(std::string_view key, const std::string& text) {
+    return add(key, std::string_view(text));
+  }
+  Object& add(std::string_view key, std::same_as<bool> auto flag) { return addFlag(key, flag); }
+  Object& add(std::string_view key, Integer auto number) {
+    return addInteger(key, static_cast<int64_t>(number));
+  }
+  Object& add(std::string_view key, const std::vector<std::string>& texts) {
+    return add(key, std::span<const std::string>(texts));
+  }
+  Object& add(std::string_view key, std::span<const std::string> texts);
+  /// Adds nothing when there is no value.
+  template <class T>
+  Object& add(std::string_view key, const std::optional<T>& value) {
+    return value ? add(key, *value) : *this;
+  }
+
+  /// Adds `true`, or nothing.
+  Object& addIf(std::string_view key, bool flag) { return flag ? addFlag(key, true) : *this; }
+  /// Adds a text that is there and not empty, or nothing.
+  Object& addText(std::string_view key, std::string_view text) {
+    return text.empty() ? *this : add(key, text);
+  }
+  Object& addText(std::string_view key, const std::optional<std::string>& text) {
+    return text ? addText(key, std::string_view(*text)) : *this;
+  }
+  /// Adds `null`.
+  Object& addNull(std::string_view key) { return addJson(key, "null"); }
+  /// Adds the value, or `null` when there is none.
+  template <class T>
+  Object& addOrNull(std::string_view key, const std::optional<T>& value) {
+    return value ? add(key, *value) : addNull(key);
+  }
+  /// Adds a value that is JSON text already.
+  Object& addJson(std::string_view key, std::string_view json);
+
+  /// Opens a child.
+  Object object(std::string_view key);
+  Array array(std::string_view key);
+
+ private:
+  friend class Array;
+  Object& addFlag(std::string_view key, bool flag);
+  Object& addInteger(std::string_view key, int64_t number);
+  void writeKey(std::string_view key);
+
+  std::string& out_;
+  bool empty_ = true;
+};
+
+/// An array under construction at the end of `out`.
+class Array {
+ public:
+  explicit Array(std::string& out) : out_(out) { out_.push_back('['); }
+  ~Array() { out_.push_back(']'); }
+  Array(const Array&) = delete;
+  Array& operator=(const Array&) = delete;
+
+  /// Adds an element.
+  Array& add(std::string_view text);
+  /// Adds a text in two pieces, one after the other, as one element.
+  Array& add(std::string_view begin, std::string_view rest);
+  /// Adds an element that is JSON text already.
+  Array& addJson(std::string_view json);
+
+  /// Opens a child.
+  Object object();
+
+ private:
+  friend class Object;
+  void separate();
+
+  std::string& out_;
+  bool empty_ = true;
+};
+
+}  // namespace quillpost::json

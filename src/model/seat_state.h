@@ -1,0 +1,44 @@
+#pragma once
+
+// What the process remembers between calls. It changes in the functions below and nowhere else,
+// before anything is rendered.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "model/client_profile.h"
+#include "model/obligations.h"
+#include "model/response.h"
+
+namespace quillpost {
+
+/// The memory of one seat.
+struct SeatState {
+  /// The board's revision last seen, the cursor of the next wait; 0 until one has been seen.
+  int64_t lastSeenRev = 0;
+  /// Whether lastSeenRev came from the app.
+  bool hasCursor = false;
+  /// The caller's own fingerprint and handle; nothing until the app has told them.
+  std::optional<std::string> selfFingerprint;
+  std::optional<std::string> selfHandle;
+  /// The last ones that came with a response; nothing until one has.
+  std::optional<TeamworkObligations> lastObligations;
+  std::optional<TeamworkAudience> lastAudience;
+  TeamworkClientProfile::Profile clientProfile = TeamworkClientProfile::Profile::unknown;
+  /// How many wait outcomes have been rendered, the one at hand included.
+  int64_t waitSeq = 0;
+};
+
+/// Takes what an ordinary call's answer says: the revision, the obligations, the audience, the
+/// caller's identity, and a count for an answer that will be rendered as a wait's outcome.
+void absorbAnswer(SeatState& state, const TeamworkResponse& answer);
+
+/// Takes what a poll's answer says: the feed's revision, the obligations and the audience. An
+/// answer without a feed changes nothing.
+void absorbFeed(SeatState& state, const TeamworkResponse& answer);
+
+/// Counts a wait whose outcome is about to be rendered.
+void absorbWaitEnd(SeatState& state);
+
+}  // namespace quillpost
