@@ -16,7 +16,8 @@ namespace quillpost::files {
 /// enough that a path that names a device or a huge file costs nothing.
 inline constexpr std::size_t smallFileLimit = std::size_t{1} << 20;
 
-/// The whole file. Nothing when it is missing, unreadable, not UTF-8 or above smallFileLimit.
+/// The whole file. Nothing when it is missing, unreadable, not UTF-8 or above smallFileLimit, and
+/// when it is no regular file (a FIFO or a device is never waited for).
 std::optional<std::string> readSmallText(const std::string& path);
 
 /// One entry of a directory.
@@ -31,7 +32,8 @@ struct Entry {
 /// Symbolic links are followed. Empty when the directory cannot be listed.
 std::vector<Entry> list(const std::string& directory);
 
-/// `directory` and `name` with one "/" between them.
+/// `directory` and `name` with exactly one "/" between them, however many stand there already; just
+/// `name` when `directory` is empty.
 std::string joinPath(std::string_view directory, std::string_view name);
 
 /// The last component of a path: what follows the last "/".
@@ -42,7 +44,9 @@ std::string_view lastComponent(std::string_view path);
 std::string_view parentPath(std::string_view path);
 
 /// The path with its last extension (the last dot of the last component and what follows) replaced
-/// by `extension`, which is given without a dot; appended when there is none.
+/// by `extension`, which is given without a dot; appended when there is none. A dot that begins the
+/// component starts no extension, a dot that ends it starts an empty one. A "/" at the end goes.
+/// A path without any component, "" or "/", has nothing to extend and stays as it is.
 std::string withExtension(std::string_view path, std::string_view extension);
 
 }  // namespace quillpost::files

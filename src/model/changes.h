@@ -23,10 +23,12 @@ struct TeamworkChange {
 
   static constexpr auto fields() {
     using Self = TeamworkChange;
+    // clang-format off
     return std::tuple{
-        json::required("kind", &Self::kind),
+        json::required("kind",   &Self::kind),
         json::optional("taskID", &Self::taskID),
     };
+    // clang-format on
   }
 };
 
@@ -42,12 +44,14 @@ struct TeamworkWakeReason {
 
   static constexpr auto fields() {
     using Self = TeamworkWakeReason;
+    // clang-format off
     return std::tuple{
-        json::required("kind", &Self::kind),
-        json::optional("taskID", &Self::taskID),
+        json::required("kind",    &Self::kind),
+        json::optional("taskID",  &Self::taskID),
         json::required("summary", &Self::summary),
-        json::optional("cause", &Self::cause),
+        json::optional("cause",   &Self::cause),
     };
+    // clang-format on
   }
 };
 
@@ -76,18 +80,20 @@ struct TeamworkChangeFeed {
 
   static constexpr auto fields() {
     using Self = TeamworkChangeFeed;
+    // clang-format off
     return std::tuple{
-        json::required("rev", &Self::rev),
-        json::required("changed", &Self::changed),
-        json::required("goal", &Self::goal),
-        json::required("goalComplete", &Self::goalComplete),
-        json::required("pendingGoalComplete", &Self::pendingGoalComplete),
-        json::required("changeKinds", &Self::changeKinds),
-        json::required("tasks", &Self::tasks),
-        json::defaulted("changes", &Self::changes),
-        json::defaulted("wakeReasons", &Self::wakeReasons),
-        json::defaulted("messages", &Self::messages),
+        json::required( "rev",                 &Self::rev),
+        json::required( "changed",             &Self::changed),
+        json::required( "goal",                &Self::goal),
+        json::required( "goalComplete",        &Self::goalComplete),
+        json::required( "pendingGoalComplete", &Self::pendingGoalComplete),
+        json::required( "changeKinds",         &Self::changeKinds),
+        json::required( "tasks",               &Self::tasks),
+        json::defaulted("changes",             &Self::changes),
+        json::defaulted("wakeReasons",         &Self::wakeReasons),
+        json::defaulted("messages",            &Self::messages),
     };
+    // clang-format on
   }
 };
 

@@ -25,11 +25,13 @@ struct TeamworkDiscussion {
 
     static constexpr auto fields() {
       using Self = Volley;
+      // clang-format off
       return std::tuple{
           json::required("author", &Self::author),
-          json::required("body", &Self::body),
-          json::required("atMs", &Self::atMs),
+          json::required("body",   &Self::body),
+          json::required("atMs",   &Self::atMs),
       };
+      // clang-format on
     }
   };
 
@@ -63,21 +65,23 @@ struct TeamworkDiscussion {
 
   static constexpr auto fields() {
     using Self = TeamworkDiscussion;
+    // clang-format off
     return std::tuple{
-        json::required("id", &Self::id),
-        json::optional("taskID", &Self::taskID),
-        json::required("question", &Self::question),
-        json::required("state", &Self::state),
-        json::required("openedBy", &Self::openedBy),
-        json::required("addressedTo", &Self::addressedTo),
-        json::required("volleys", &Self::volleys),
-        json::optional("resolution", &Self::resolution),
-        json::optional("resolvedBy", &Self::resolvedBy),
-        json::required("owingParties", &Self::owingParties),
-        json::required("volleysSinceHuman", &Self::volleysSinceHuman),
-        json::required("escalated", &Self::escalated),
-        json::defaulted("yourTurn", &Self::yourTurn),
+        json::required( "id",                &Self::id),
+        json::optional( "taskID",            &Self::taskID),
+        json::required( "question",          &Self::question),
+        json::required( "state",             &Self::state),
+        json::required( "openedBy",          &Self::openedBy),
+        json::required( "addressedTo",       &Self::addressedTo),
+        json::required( "volleys",           &Self::volleys),
+        json::optional( "resolution",        &Self::resolution),
+        json::optional( "resolvedBy",        &Self::resolvedBy),
+        json::required( "owingParties",      &Self::owingParties),
+        json::required( "volleysSinceHuman", &Self::volleysSinceHuman),
+        json::required( "escalated",         &Self::escalated),
+        json::defaulted("yourTurn",          &Self::yourTurn),
     };
+    // clang-format on
   }
 };
 

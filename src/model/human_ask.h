@@ -32,11 +32,15 @@ struct TeamworkHumanAsk {
     static constexpr auto fields() {
       using Self = Payload;
       // In the order of the sorted keys, which is how a marker is written.
+      // clang-format off
       return std::tuple{
-          json::optional("a", &Self::a), json::optional("c", &Self::c),
-          json::required("k", &Self::k), json::optional("o", &Self::o),
+          json::optional("a", &Self::a),
+          json::optional("c", &Self::c),
+          json::required("k", &Self::k),
+          json::optional("o", &Self::o),
           json::optional("s", &Self::s),
       };
+      // clang-format on
     }
   };
 };

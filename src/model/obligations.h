@@ -27,12 +27,14 @@ struct TeamworkObligations {
 
     static constexpr auto fields() {
       using Self = DebateRef;
+      // clang-format off
       return std::tuple{
           json::required("discussionID", &Self::discussionID),
-          json::optional("taskID", &Self::taskID),
-          json::required("question", &Self::question),
-          json::required("counterpart", &Self::counterpart),
+          json::optional("taskID",       &Self::taskID),
+          json::required("question",     &Self::question),
+          json::required("counterpart",  &Self::counterpart),
       };
+      // clang-format on
     }
   };
 
@@ -47,11 +49,13 @@ struct TeamworkObligations {
 
     static constexpr auto fields() {
       using Self = HeldRef;
+      // clang-format off
       return std::tuple{
-          json::required("taskID", &Self::taskID),
-          json::required("summaryBehindBy", &Self::summaryBehindBy),
+          json::required("taskID",                 &Self::taskID),
+          json::required("summaryBehindBy",        &Self::summaryBehindBy),
           json::required("wroteNothingSinceClaim", &Self::wroteNothingSinceClaim),
       };
+      // clang-format on
     }
   };
 
@@ -65,11 +69,13 @@ struct TeamworkObligations {
 
     static constexpr auto fields() {
       using Self = ReleaseAskRef;
+      // clang-format off
       return std::tuple{
-          json::required("taskID", &Self::taskID),
+          json::required("taskID",    &Self::taskID),
           json::required("requester", &Self::requester),
-          json::required("reason", &Self::reason),
+          json::required("reason",    &Self::reason),
       };
+      // clang-format on
     }
   };
 
@@ -86,12 +92,14 @@ struct TeamworkObligations {
 
     static constexpr auto fields() {
       using Self = UndeliveredRef;
+      // clang-format off
       return std::tuple{
-          json::required("verb", &Self::verb),
-          json::optional("taskID", &Self::taskID),
-          json::required("reason", &Self::reason),
+          json::required("verb",    &Self::verb),
+          json::optional("taskID",  &Self::taskID),
+          json::required("reason",  &Self::reason),
           json::required("refused", &Self::refused),
       };
+      // clang-format on
     }
   };
 
@@ -117,18 +125,20 @@ struct TeamworkObligations {
 
   static constexpr auto fields() {
     using Self = TeamworkObligations;
+    // clang-format off
     return std::tuple{
-        json::defaulted("oweReply", &Self::oweReply),
-        json::defaulted("awaitingReply", &Self::awaitingReply),
+        json::defaulted("oweReply",         &Self::oweReply),
+        json::defaulted("awaitingReply",    &Self::awaitingReply),
         json::defaulted("yourBlockersOpen", &Self::yourBlockersOpen),
         json::defaulted("mentionsToAnswer", &Self::mentionsToAnswer),
-        json::defaulted("tasksHeld", &Self::tasksHeld),
-        json::defaulted("staleSummaries", &Self::staleSummaries),
-        json::defaulted("idleHeld", &Self::idleHeld),
-        json::defaulted("releaseAsks", &Self::releaseAsks),
-        json::defaulted("undelivered", &Self::undelivered),
-        json::defaulted("clear", &Self::clear),
+        json::defaulted("tasksHeld",        &Self::tasksHeld),
+        json::defaulted("staleSummaries",   &Self::staleSummaries),
+        json::defaulted("idleHeld",         &Self::idleHeld),
+        json::defaulted("releaseAsks",      &Self::releaseAsks),
+        json::defaulted("undelivered",      &Self::undelivered),
+        json::defaulted("clear",            &Self::clear),
     };
+    // clang-format on
   }
 };
 
@@ -147,12 +157,14 @@ struct TeamworkAudience {
 
   static constexpr auto fields() {
     using Self = TeamworkAudience;
+    // clang-format off
     return std::tuple{
-        json::defaulted("shared", &Self::shared),
-        json::defaulted("otherDevices", &Self::otherDevices),
-        json::defaulted("otherPeople", &Self::otherPeople),
+        json::defaulted("shared",           &Self::shared),
+        json::defaulted("otherDevices",     &Self::otherDevices),
+        json::defaulted("otherPeople",      &Self::otherPeople),
         json::defaulted("otherLocalAgents", &Self::otherLocalAgents),
     };
+    // clang-format on
   }
 };
 

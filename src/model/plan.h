@@ -39,19 +39,21 @@ struct TeamworkPlan {
 
   static constexpr auto fields() {
     using Self = TeamworkPlan;
+    // clang-format off
     return std::tuple{
-        json::required("threadName", &Self::threadName),
-        json::required("goal", &Self::goal),
-        json::defaulted("charter", &Self::charter),
-        json::required("goalLocked", &Self::goalLocked),
-        json::required("dispatched", &Self::dispatched),
-        json::defaulted("shared", &Self::shared),
-        json::defaulted("otherLocalAgents", &Self::otherLocalAgents),
-        json::defaulted("otherDevices", &Self::otherDevices),
-        json::defaulted("goalComplete", &Self::goalComplete),
+        json::required( "threadName",          &Self::threadName),
+        json::required( "goal",                &Self::goal),
+        json::defaulted("charter",             &Self::charter),
+        json::required( "goalLocked",          &Self::goalLocked),
+        json::required( "dispatched",          &Self::dispatched),
+        json::defaulted("shared",              &Self::shared),
+        json::defaulted("otherLocalAgents",    &Self::otherLocalAgents),
+        json::defaulted("otherDevices",        &Self::otherDevices),
+        json::defaulted("goalComplete",        &Self::goalComplete),
         json::defaulted("pendingGoalComplete", &Self::pendingGoalComplete),
-        json::defaulted("discussions", &Self::discussions),
+        json::defaulted("discussions",         &Self::discussions),
     };
+    // clang-format on
   }
 };
 

@@ -93,28 +93,30 @@ struct TeamworkResponse {
 
   static constexpr auto fields() {
     using Self = TeamworkResponse;
+    // clang-format off
     return std::tuple{
-        json::required("kind", &Self::kind),
-        json::optional("agent", &Self::agent),
-        json::optional("agents", &Self::agents),
-        json::optional("tasks", &Self::tasks),
-        json::optional("task", &Self::task),
-        json::optional("plan", &Self::plan),
-        json::optional("message", &Self::message),
-        json::optional("changes", &Self::changes),
-        json::optional("discussion", &Self::discussion),
-        json::optional("obligations", &Self::obligations),
-        json::optional("audience", &Self::audience),
-        json::optional("rev", &Self::rev),
-        json::optional("threadTag", &Self::threadTag),
-        json::optional("wakePending", &Self::wakePending),
-        json::optional("notice", &Self::notice),
-        json::optional("messages", &Self::messages),
-        json::optional("squad", &Self::squad),
-        json::optional("panes", &Self::panes),
-        json::optional("macs", &Self::macs),
+        json::required("kind",           &Self::kind),
+        json::optional("agent",          &Self::agent),
+        json::optional("agents",         &Self::agents),
+        json::optional("tasks",          &Self::tasks),
+        json::optional("task",           &Self::task),
+        json::optional("plan",           &Self::plan),
+        json::optional("message",        &Self::message),
+        json::optional("changes",        &Self::changes),
+        json::optional("discussion",     &Self::discussion),
+        json::optional("obligations",    &Self::obligations),
+        json::optional("audience",       &Self::audience),
+        json::optional("rev",            &Self::rev),
+        json::optional("threadTag",      &Self::threadTag),
+        json::optional("wakePending",    &Self::wakePending),
+        json::optional("notice",         &Self::notice),
+        json::optional("messages",       &Self::messages),
+        json::optional("squad",          &Self::squad),
+        json::optional("panes",          &Self::panes),
+        json::optional("macs",           &Self::macs),
         json::optional("runningHelpers", &Self::runningHelpers),
     };
+    // clang-format on
   }
 };
 

@@ -48,25 +48,27 @@ struct TeamworkAgent {
 
   static constexpr auto fields() {
     using Self = TeamworkAgent;
+    // clang-format off
     return std::tuple{
-        json::required("id", &Self::id),
-        json::required("fingerprint", &Self::fingerprint),
-        json::required("name", &Self::name),
-        json::required("status", &Self::status),
-        json::required("leaseSecondsRemaining", &Self::leaseSecondsRemaining),
-        json::required("isSelf", &Self::isSelf),
-        json::defaulted("idle", &Self::idle),
-        json::optional("role", &Self::role),
-        json::defaulted("authority", &Self::authority),
-        json::required("canVerify", &Self::canVerify),
-        json::required("activeClaims", &Self::activeClaims),
-        json::optional("device", &Self::device),
-        json::optional("seatPresence", &Self::seatPresence),
-        json::optional("roleNote", &Self::roleNote),
-        json::defaulted("handle", &Self::handle),
-        json::optional("quietForSeconds", &Self::quietForSeconds),
-        json::defaulted("stoodDown", &Self::stoodDown),
+        json::required( "id",                    &Self::id),
+        json::required( "fingerprint",           &Self::fingerprint),
+        json::required( "name",                  &Self::name),
+        json::required( "status",                &Self::status),
+        json::required( "leaseSecondsRemaining", &Self::leaseSecondsRemaining),
+        json::required( "isSelf",                &Self::isSelf),
+        json::defaulted("idle",                  &Self::idle),
+        json::optional( "role",                  &Self::role),
+        json::defaulted("authority",             &Self::authority),
+        json::required( "canVerify",             &Self::canVerify),
+        json::required( "activeClaims",          &Self::activeClaims),
+        json::optional( "device",                &Self::device),
+        json::optional( "seatPresence",          &Self::seatPresence),
+        json::optional( "roleNote",              &Self::roleNote),
+        json::defaulted("handle",                &Self::handle),
+        json::optional( "quietForSeconds",       &Self::quietForSeconds),
+        json::defaulted("stoodDown",             &Self::stoodDown),
     };
+    // clang-format on
   }
 };
 
@@ -78,9 +80,11 @@ struct TeamworkPane {
 
   static constexpr auto fields() {
     using Self = TeamworkPane;
+    // clang-format off
     return std::tuple{
         json::required("handle", &Self::handle),
     };
+    // clang-format on
   }
 };
 
@@ -99,13 +103,15 @@ struct TeamworkMac {
 
   static constexpr auto fields() {
     using Self = TeamworkMac;
+    // clang-format off
     return std::tuple{
-        json::required("tag", &Self::tag),
-        json::required("name", &Self::name),
+        json::required("tag",         &Self::tag),
+        json::required("name",        &Self::name),
         json::required("addressable", &Self::addressable),
-        json::required("awake", &Self::awake),
-        json::optional("lead", &Self::lead),
+        json::required("awake",       &Self::awake),
+        json::optional("lead",        &Self::lead),
     };
+    // clang-format on
   }
 };
 

@@ -26,13 +26,15 @@ struct TeamworkSquadMessage {
 
   static constexpr auto fields() {
     using Self = TeamworkSquadMessage;
+    // clang-format off
     return std::tuple{
-        json::required("id", &Self::id),
-        json::required("from", &Self::from),
-        json::required("fromName", &Self::fromName),
-        json::required("text", &Self::text),
+        json::required("id",         &Self::id),
+        json::required("from",       &Self::from),
+        json::required("fromName",   &Self::fromName),
+        json::required("text",       &Self::text),
         json::required("ageSeconds", &Self::ageSeconds),
     };
+    // clang-format on
   }
 };
 
@@ -47,11 +49,13 @@ struct TeamworkLead {
 
   static constexpr auto fields() {
     using Self = TeamworkLead;
+    // clang-format off
     return std::tuple{
-        json::required("name", &Self::name),
+        json::required("name",                 &Self::name),
         json::required("runsWithoutApprovals", &Self::runsWithoutApprovals),
-        json::required("paused", &Self::paused),
+        json::required("paused",               &Self::paused),
     };
+    // clang-format on
   }
 };
 
@@ -67,12 +71,14 @@ struct TeamworkHelper {
 
   static constexpr auto fields() {
     using Self = TeamworkHelper;
+    // clang-format off
     return std::tuple{
-        json::required("name", &Self::name),
-        json::required("explanation", &Self::explanation),
+        json::required("name",                 &Self::name),
+        json::required("explanation",          &Self::explanation),
         json::required("runsWithoutApprovals", &Self::runsWithoutApprovals),
-        json::required("quillpostTools", &Self::quillpostTools),
+        json::required("quillpostTools",       &Self::quillpostTools),
     };
+    // clang-format on
   }
 };
 
@@ -94,15 +100,17 @@ struct TeamworkSquadState {
 
   static constexpr auto fields() {
     using Self = TeamworkSquadState;
+    // clang-format off
     return std::tuple{
-        json::required("mode", &Self::mode),
-        json::required("canAddress", &Self::canAddress),
-        json::required("canSpawn", &Self::canSpawn),
-        json::optional("helpers", &Self::helpers),
-        json::optional("lead", &Self::lead),
-        json::optional("helperLimit", &Self::helperLimit),
+        json::required("mode",           &Self::mode),
+        json::required("canAddress",     &Self::canAddress),
+        json::required("canSpawn",       &Self::canSpawn),
+        json::optional("helpers",        &Self::helpers),
+        json::optional("lead",           &Self::lead),
+        json::optional("helperLimit",    &Self::helperLimit),
         json::optional("helpersRunning", &Self::helpersRunning),
     };
+    // clang-format on
   }
 };
 
@@ -127,16 +135,18 @@ struct TeamworkHelperRun {
 
   static constexpr auto fields() {
     using Self = TeamworkHelperRun;
+    // clang-format off
     return std::tuple{
-        json::required("handle", &Self::handle),
-        json::required("helper", &Self::helper),
-        json::required("state", &Self::state),
-        json::required("askedBy", &Self::askedBy),
+        json::required("handle",            &Self::handle),
+        json::required("helper",            &Self::helper),
+        json::required("state",             &Self::state),
+        json::required("askedBy",           &Self::askedBy),
         json::optional("runningForSeconds", &Self::runningForSeconds),
-        json::optional("detail", &Self::detail),
-        json::required("yours", &Self::yours),
-        json::optional("kind", &Self::kind),
+        json::optional("detail",            &Self::detail),
+        json::required("yours",             &Self::yours),
+        json::optional("kind",              &Self::kind),
     };
+    // clang-format on
   }
 };
 

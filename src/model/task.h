@@ -26,12 +26,14 @@ struct TeamworkTaskWatcher {
 
   static constexpr auto fields() {
     using Self = TeamworkTaskWatcher;
+    // clang-format off
     return std::tuple{
-        json::required("kind", &Self::kind),
+        json::required("kind",        &Self::kind),
         json::optional("fingerprint", &Self::fingerprint),
-        json::optional("name", &Self::name),
-        json::required("auto", &Self::isAuto),
+        json::optional("name",        &Self::name),
+        json::required("auto",        &Self::isAuto),
     };
+    // clang-format on
   }
 };
 
@@ -102,44 +104,46 @@ struct TeamworkTask {
 
   static constexpr auto fields() {
     using Self = TeamworkTask;
+    // clang-format off
     return std::tuple{
-        json::required("id", &Self::id),
-        json::required("title", &Self::title),
-        json::required("body", &Self::body),
-        json::required("state", &Self::state),
-        json::optional("ownerFingerprint", &Self::ownerFingerprint),
-        json::optional("claimLeaseSecondsRemaining", &Self::claimLeaseSecondsRemaining),
-        json::required("log", &Self::log),
-        json::defaulted("blocked", &Self::blocked),
-        json::optional("blockerQuestion", &Self::blockerQuestion),
-        json::optional("blockerAnswer", &Self::blockerAnswer),
-        json::defaulted("blockerEscalated", &Self::blockerEscalated),
-        json::defaulted("priority", &Self::priority),
-        json::optional("type", &Self::type),
-        json::defaulted("thrashing", &Self::thrashing),
-        json::defaulted("claimAttempts", &Self::claimAttempts),
-        json::required("resources", &Self::resources),
-        json::optional("reviewState", &Self::reviewState),
-        json::optional("reviewRequestedFromFingerprint", &Self::reviewRequestedFromFingerprint),
-        json::optional("reviewNote", &Self::reviewNote),
-        json::optional("reviewByFingerprint", &Self::reviewByFingerprint),
-        json::optional("parkedReason", &Self::parkedReason),
-        json::optional("assignedRole", &Self::assignedRole),
-        json::optional("routedToFingerprint", &Self::routedToFingerprint),
-        json::defaulted("routedToLive", &Self::routedToLive),
-        json::optional("reportsToHandle", &Self::reportsToHandle),
-        json::defaulted("waitsOn", &Self::waitsOn),
-        json::defaulted("ready", &Self::ready),
-        json::optional("unresolvedWaitsOn", &Self::unresolvedWaitsOn),
-        json::optional("pendingReleaseReason", &Self::pendingReleaseReason),
-        json::defaulted("mentionsYou", &Self::mentionsYou),
-        json::defaulted("openDiscussions", &Self::openDiscussions),
-        json::defaulted("escalatedDiscussions", &Self::escalatedDiscussions),
-        json::defaulted("discussions", &Self::discussions),
-        json::defaulted("pendingDelete", &Self::pendingDelete),
-        json::optional("pendingDeleteReason", &Self::pendingDeleteReason),
-        json::defaulted("watchers", &Self::watchers),
+        json::required( "id",                             &Self::id),
+        json::required( "title",                          &Self::title),
+        json::required( "body",                           &Self::body),
+        json::required( "state",                          &Self::state),
+        json::optional( "ownerFingerprint",               &Self::ownerFingerprint),
+        json::optional( "claimLeaseSecondsRemaining",     &Self::claimLeaseSecondsRemaining),
+        json::required( "log",                            &Self::log),
+        json::defaulted("blocked",                        &Self::blocked),
+        json::optional( "blockerQuestion",                &Self::blockerQuestion),
+        json::optional( "blockerAnswer",                  &Self::blockerAnswer),
+        json::defaulted("blockerEscalated",               &Self::blockerEscalated),
+        json::defaulted("priority",                       &Self::priority),
+        json::optional( "type",                           &Self::type),
+        json::defaulted("thrashing",                      &Self::thrashing),
+        json::defaulted("claimAttempts",                  &Self::claimAttempts),
+        json::required( "resources",                      &Self::resources),
+        json::optional( "reviewState",                    &Self::reviewState),
+        json::optional( "reviewRequestedFromFingerprint", &Self::reviewRequestedFromFingerprint),
+        json::optional( "reviewNote",                     &Self::reviewNote),
+        json::optional( "reviewByFingerprint",            &Self::reviewByFingerprint),
+        json::optional( "parkedReason",                   &Self::parkedReason),
+        json::optional( "assignedRole",                   &Self::assignedRole),
+        json::optional( "routedToFingerprint",            &Self::routedToFingerprint),
+        json::defaulted("routedToLive",                   &Self::routedToLive),
+        json::optional( "reportsToHandle",                &Self::reportsToHandle),
+        json::defaulted("waitsOn",                        &Self::waitsOn),
+        json::defaulted("ready",                          &Self::ready),
+        json::optional( "unresolvedWaitsOn",              &Self::unresolvedWaitsOn),
+        json::optional( "pendingReleaseReason",           &Self::pendingReleaseReason),
+        json::defaulted("mentionsYou",                    &Self::mentionsYou),
+        json::defaulted("openDiscussions",                &Self::openDiscussions),
+        json::defaulted("escalatedDiscussions",           &Self::escalatedDiscussions),
+        json::defaulted("discussions",                    &Self::discussions),
+        json::defaulted("pendingDelete",                  &Self::pendingDelete),
+        json::optional( "pendingDeleteReason",            &Self::pendingDeleteReason),
+        json::defaulted("watchers",                       &Self::watchers),
     };
+    // clang-format on
   }
 };
 
