@@ -2,6 +2,7 @@
 
 // The app as a door: one request, perhaps one response.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -20,6 +21,9 @@ struct Bridge {
   /// Sends one request once and waits for its answer. Nothing when no answer came, or one that is
   /// not a response.
   virtual std::optional<TeamworkResponse> send(const TeamworkRequest& request) = 0;
+
+  /// How many bytes the answer to the last send() had; 0 when none came.
+  virtual std::size_t lastReplyBytes() const = 0;
 };
 
 }  // namespace quillpost

@@ -1,0 +1,152 @@
+#include "server/stdio_server.h"
+
+#include <algorithm>
+#include <boost/json/monotonic_resource.hpp>
+#include <cstddef>
+#include <memory>
+#include <span>
+#include <utility>
+
+#include "base/memory.h"
+#include "base/text.h"
+#include "json/writer.h"
+#include "model/verbs.h"
+#include "render/texts/waiting.h"
+#include "server/catalogue.h"
+#include "server/instructions.h"
+#include "server/line_splitter.h"
+#include "server/tool_call.h"
+#include "server/wait.h"
+
+namespace quillpost {
+namespace {
+
+// As much as a pipe holds: a flood of requests then costs one read for each of its fillings.
+constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
+
+// An ordinary request's tree fits here, so that reading one allocates nothing.
+constexpr std::size_t treeScratchBytes = std::size_t{8} << 10;
+
+// After an answer of this size the memory it took is worth giving back at once.
+constexpr std::size_t largeReplyBytes = std::size_t{1} << 20;
+
+const json::TreeObject& emptyObject() {
+  static const json::TreeObject empty;
+  return empty;
+}
+
+const json::TreeObject& orEmpty(const json::TreeObject* object) {
+  return object != nullptr ? *object : emptyObject();
+}
+
+std::string initializeResult() {
+  std::string text;
+  {
+    json::Object result(text);
+    result.add("protocolVersion", "2024-11-05");
+    result.object("capabilities").object("tools").add("listChanged", false);
+    result.object("serverInfo").add("name", "quillpost-teamwork").add("version", "1.0.0");
+    result.add("instructions", texts::serverInstructions);
+  }
+  return text;
+}
+
+}  // namespace
+
+// clang-format off
+constexpr std::array<TeamworkStdioServer::Method, 6> TeamworkStdioServer::methods = {{
+    {"initialize",                &TeamworkStdioServer::answerInitialize},
+    {"notifications/initialized", &TeamworkStdioServer::ignoreNotification},
+    {"notifications/cancelled",   &TeamworkStdioServer::ignoreNotification},
+    {"ping",                      &TeamworkStdioServer::answerPing},
+    {"tools/list",                &TeamworkStdioServer::answerToolsList},
+    {"tools/call",                &TeamworkStdioServer::answerToolsCall},
+}};
+// clang-format on
+
+TeamworkStdioServer::TeamworkStdioServer(std::string sessionID, const SeatDoors& doors,
+                                         Output& output)
+    : seat_{.doors = doors, .sessionID = std::move(sessionID), .state = {}}, writer_(output) {}
+
+void TeamworkStdioServer::run(Input& input) {
+  const auto chunk = std::make_unique_for_overwrite<char[]>(inputChunkBytes);
+  LineSplitter lines;
+  while (const std::size_t count = input.read({chunk.get(), inputChunkBytes})) {
+    lines.feed({chunk.get(), count});
+    while (const std::optional<std::string_view> line = lines.next()) {
+      handle(*line);
+      if (!writer_.connected()) return;
+    }
+  }
+  if (const std::optional<std::string_view> last = lines.rest()) handle(*last);
+}
+
+void TeamworkStdioServer::handle(std::string_view line) {
+  if (line.empty()) return;
+  std::array<unsigned char, treeScratchBytes> scratch;  // NOLINT: written before it is read
+  boost::json::monotonic_resource memory(scratch.data(), scratch.size());
+  const std::optional<json::Tree> tree = json::parse(line, &memory);
+  const json::TreeObject* object = tree ? tree->if_object() : nullptr;
+  if (object == nullptr) return;
+
+  const Message message = {.id = json::find(*object, "id"),
+                           .params = json::findObject(*object, "params")};
+  const std::string_view name = json::findText(*object, "method").value_or("");
+  const auto* method = std::ranges::find(methods, name, &Method::name);
+  if (method != methods.end()) {
+    (this->*method->answer)(message);
+  } else if (message.id != nullptr) {
+    writer_.sendError(message.id, methodNotFound, text::cat("Method not found: ", name));
+  }
+}
+
+void TeamworkStdioServer::answerInitialize(const Message& message) {
+  const json::TreeObject* client = json::findObject(orEmpty(message.params), "clientInfo");
+  const std::optional<std::string_view> name = json::findText(orEmpty(client), "name");
+  if (name) seat_.state.clientProfile = TeamworkClientProfile::fromName(*name);
+  writer_.sendResult(message.id, initializeResult());
+}
+
+void TeamworkStdioServer::answerPing(const Message& message) {
+  writer_.sendResult(message.id, "{}");
+}
+
+void TeamworkStdioServer::answerToolsList(const Message& message) {
+  const TeamworkClientProfile::Profile profile = seat_.state.clientProfile;
+  std::string& list = toolLists_[hasLongWaitEnding(profile) ? 1 : 0];
+  if (list.empty()) list = toolListResult(profile);
+  writer_.sendResult(message.id, list);
+}
+
+void TeamworkStdioServer::answerToolsCall(const Message& message) {
+  const json::TreeObject& params = orEmpty(message.params);
+  const std::string_view name = json::findText(params, "name").value_or("");
+  const bool waits = name == waitForChanges || name == waitForTasks;
+  if (!waits && !isBoardMethod(name)) {
+    writer_.sendError(message.id, invalidParams, text::cat("Unknown tool: ", name));
+    return;
+  }
+  {
+    const ToolReply reply = callTool(name, params);
+    writer_.sendText(message.id, reply.text, reply.threadTag);
+  }
+  if (seat_.doors.bridge.lastReplyBytes() >= largeReplyBytes) returnFreeMemory();
+}
+
+void TeamworkStdioServer::ignoreNotification(const Message& /*message*/) {}
+
+ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeObject& params) {
+  const Arguments arguments(orEmpty(json::findObject(params, "arguments")));
+  if (isBoardMethod(name)) return callBoard(name, arguments, seat_);
+
+  const json::Tree* token = json::find(orEmpty(json::findObject(params, "_meta")), "progressToken");
+  ProgressReport progress;
+  if (token != nullptr) {
+    progress = [this, token](int64_t count) {
+      return writer_.sendProgress(*token, count, texts::listening);
+    };
+  }
+  return runWait(arguments, seat_, progress);
+}
+
+}  // namespace quillpost
