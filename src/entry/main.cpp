@@ -1,0 +1,80 @@
+// The program: an MCP server on standard input and output, or, asked for by its one argument, the
+// stop hook. The real doors are made here, and here alone the process writes and ends.
+
+#include "base/clock.h"
+#include "base/environment.h"
+#include "bridge/transport.h"
+#include "entry/settings.h"
+#include "entry/stop_hook.h"
+#include "server/output.h"
+#include "server/stdio_server.h"
+
+#include <algorithm>
+#include <csignal>
+#include <span>
+#include <string_view>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace quillpost {
+namespace {
+
+constexpr std::string_view hookArgument = "--wake-stop-hook";
+
+/// A standard descriptor that was closed at start becomes the null device: the first socket would
+/// get its number otherwise, and what is meant for a reader would go to the app.
+void fillStandardDescriptors() {
+  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
+    if (::fcntl(fd, F_GETFD) < 0) ::open("/dev/null", O_RDWR | O_NOCTTY);
+}
+
+SocketBridge bridgeFor(const Settings& settings) {
+  return SocketBridge({.socketPath = settings.socketPath,
+                       .tokenFilePath = settings.tokenFilePath,
+                       .startToken = settings.token});
+}
+
+int runHook(const Settings& settings) {
+  FdInput input(STDIN_FILENO);
+  drain(input);
+  SocketBridge bridge = bridgeFor(settings);
+  const HookResult result = runStopHook(settings.sessionID, bridge);
+  if (!result.line.empty()) {
+    // The status is what keeps the agent going, and must come even when nobody reads the line.
+    std::signal(SIGPIPE, SIG_IGN);
+    FdOutput(STDERR_FILENO).write(result.line);
+  }
+  return result.status;
+}
+
+int runServer(const Settings& settings, const Environment& environment) {
+  SteadyClock clock;
+  SocketBridge bridge = bridgeFor(settings);
+  FdInput input(STDIN_FILENO);
+  FdOutput output(STDOUT_FILENO);
+  TeamworkStdioServer server(settings.sessionID, {clock, environment, bridge}, output);
+  server.run(input);
+  return 0;
+}
+
+int run(std::span<char*> arguments) {
+  const ProcessEnvironment environment;
+  DiskDiscovery discovery(environment);
+  const Settings settings = readSettings(environment, discovery);
+  const bool isHook = std::ranges::find(arguments, hookArgument) != arguments.end();
+  return isHook ? runHook(settings) : runServer(settings, environment);
+}
+
+}  // namespace
+}  // namespace quillpost
+
+int main(int count, char** arguments) {
+  quillpost::fillStandardDescriptors();
+  try {
+    return quillpost::run({arguments, static_cast<std::size_t>(count)});
+  } catch (...) {
+    // What a library throws when memory runs out; the client sees its input end, the agent stops.
+    return 0;
+  }
+}

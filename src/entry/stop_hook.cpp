@@ -1,0 +1,44 @@
+#include "entry/stop_hook.h"
+
+#include "entry/stop_hook_text.h"
+#include "model/verbs.h"
+
+#include <array>
+#include <optional>
+
+namespace quillpost {
+
+namespace {
+
+/// Bytes read at a time: what a pipe holds.
+constexpr std::size_t readSize = 65'536;
+
+/// The statuses that the harness of an agent understands.
+constexpr int letStop = 0;
+constexpr int keepGoing = 2;
+
+bool isWake(const std::optional<TeamworkResponse>& response) {
+  return response && response->kind == TeamworkResponse::Kind::wake &&
+         response->wakePending.value_or(false);
+}
+
+}  // namespace
+
+void drain(Input& input) {
+  std::array<char, readSize> ignored;
+  while (input.read(ignored) > 0) {
+  }
+}
+
+HookResult runStopHook(const std::string& sessionID, Bridge& bridge) {
+  if (sessionID.empty()) return {letStop, {}};
+  TeamworkRequest request;
+  request.token = bridge.currentToken();
+  if (request.token.empty()) return {letStop, {}};
+  request.sessionID = sessionID;
+  request.method = wakeQuery;
+  if (!isWake(bridge.send(request))) return {letStop, {}};
+  return {keepGoing, texts::stopHookLine};
+}
+
+}  // namespace quillpost
