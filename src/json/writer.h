@@ -65,6 +65,10 @@ class Object {
   Object& addText(std::string_view key, std::string_view text) {
     return text.empty() ? *this : add(key, text);
   }
+  // Without this overload a std::string would fit the two others equally well.
+  Object& addText(std::string_view key, const std::string& text) {
+    return addText(key, std::string_view(text));
+  }
   Object& addText(std::string_view key, const std::optional<std::string>& text) {
     return text ? addText(key, std::string_view(*text)) : *this;
   }
