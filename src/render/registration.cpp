@@ -1,0 +1,46 @@
+#include "render/registration.h"
+
+#include <string_view>
+
+#include "render/roster.h"
+#include "render/squad.h"
+#include "render/texts/registration.h"
+
+namespace quillpost {
+namespace {
+
+void addRules(json::Object& out) {
+  json::Array rules = out.array("rules");
+  for (const std::string_view rule : texts::rules) rules.add(rule);
+}
+
+void addSquadNotes(json::Object& out, const std::optional<TeamworkSquadState>& squad) {
+  if (!squad) return;
+  {
+    json::Object child = out.object("squad");
+    addSquad(child, *squad);
+  }
+  out.add("squadNote", squadParagraph(squad->mode));
+  out.add("helpersNote", helpersHereParagraph(squad));
+}
+
+}  // namespace
+
+void addRegistration(json::Object& out, const std::optional<TeamworkSquadState>& squad,
+                     const SeatState& state) {
+  out.add("nextStep", texts::registeredNextStep);
+  out.add("protocol", texts::boardProtocol);
+  out.add("access", texts::access);
+  addRules(out);
+  // What waits cost is said at length in the description of the tool that waits, for this client
+  // alone.
+  const bool toldElsewhere = state.clientProfile == TeamworkClientProfile::Profile::claude;
+  out.add("commandLine", commandLineNote(toldElsewhere));
+  if (state.selfHandle) {
+    out.add("yourHandle", *state.selfHandle);
+    out.add("handleNote", texts::handleNote);
+  }
+  addSquadNotes(out, squad);
+}
+
+}  // namespace quillpost

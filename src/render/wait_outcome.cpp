@@ -1,0 +1,153 @@
+#include "render/wait_outcome.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
+#include "base/text.h"
+#include "json/writer.h"
+#include "render/delivery.h"
+#include "render/obligations.h"
+#include "render/task.h"
+#include "render/texts/plan.h"
+#include "render/texts/waiting.h"
+
+namespace quillpost {
+namespace {
+
+constexpr std::string_view claimExpiringKind = "claimExpiring";
+constexpr std::string_view claimExpiredKind = "claimExpired";
+constexpr std::string_view taskWatchedKind = "taskWatched";
+constexpr std::string_view youWereTaggedKind = "youWereTagged";
+
+using WakeReasons = std::span<const TeamworkWakeReason>;
+
+WakeReasons wakeReasonsOf(const TeamworkChangeFeed* feed) {
+  return feed ? WakeReasons(feed->wakeReasons) : WakeReasons();
+}
+
+bool hasKind(WakeReasons reasons, std::string_view kind) {
+  return std::ranges::find(reasons, kind, &TeamworkWakeReason::kind) != reasons.end();
+}
+
+bool goalIsComplete(const WaitOutcome& outcome) {
+  return outcome.feed && outcome.feed->goalComplete;
+}
+
+bool wasTagged(const TeamworkChangeFeed& feed) {
+  return std::ranges::find(feed.changeKinds, youWereTaggedKind) != feed.changeKinds.end() ||
+         std::ranges::any_of(feed.tasks, &TeamworkTask::mentionsYou);
+}
+
+std::string_view quietTurn(const SeatState& state) {
+  if (state.clientProfile == TeamworkClientProfile::Profile::claude) return texts::quietCheaperWait;
+  return texts::quietTurns[static_cast<uint64_t>(state.waitSeq) % std::size(texts::quietTurns)];
+}
+
+std::string quietText(const WaitOutcome& outcome, const SeatState& state) {
+  std::string text(quietTurn(state));
+  if (outcome.cannotHoldLong) text += texts::quickReturn;
+  if (!areClear(state.lastObligations))
+    text += texts::quietButOwing(summaryLine(*state.lastObligations));
+  return text;
+}
+
+/// What to do now, without regard to tags and to replies that are owed.
+std::string mainStep(const WaitOutcome& outcome, const SeatState& state) {
+  const TeamworkChangeFeed* const feed = outcome.feed;
+  const WakeReasons reasons = wakeReasonsOf(feed);
+  if (goalIsComplete(outcome) && !areClear(state.lastObligations))
+    return texts::goalCompleteButOwing(summaryLine(*state.lastObligations));
+  if (goalIsComplete(outcome)) return std::string(texts::goalConfirmed);
+  if (hasKind(reasons, claimExpiringKind)) return std::string(texts::claimExpiring);
+  if (hasKind(reasons, claimExpiredKind)) return std::string(texts::claimExpired);
+  const auto watched = [](const TeamworkWakeReason& one) { return one.kind == taskWatchedKind; };
+  if (!reasons.empty())
+    return std::string(std::ranges::all_of(reasons, watched) ? texts::watchedTasksMoved
+                                                             : texts::woken);
+  if (outcome.timedOut) return quietText(outcome, state);
+  if (feed && feed->pendingGoalComplete) return std::string(texts::completionAwaited);
+  return std::string(texts::boardMoved);
+}
+
+std::string owedDiscussions(const TeamworkObligations& obligations) {
+  std::string ids;
+  for (const TeamworkObligations::DebateRef& debate : obligations.oweReply) {
+    if (&debate != &obligations.oweReply.front()) ids += ", ";
+    ids += debate.discussionID;
+  }
+  return ids;
+}
+
+std::string nextStepAfterWait(const WaitOutcome& outcome, const SeatState& state) {
+  std::string step;
+  if (state.lastObligations && !state.lastObligations->oweReply.empty())
+    step += texts::youOweReplies(owedDiscussions(*state.lastObligations));
+  if (outcome.feed && wasTagged(*outcome.feed)) step += texts::youWereTagged;
+  return step + mainStep(outcome, state);
+}
+
+void addWatching(json::Object& out, std::span<const std::string> watching) {
+  if (watching.empty()) {
+    out.add("watching", texts::entireBacklog);
+  } else {
+    out.add("watching", watching);
+  }
+}
+
+void addTasks(json::Object& out, std::span<const TeamworkTask> tasks) {
+  json::Array list = out.array("tasks");
+  for (const TeamworkTask& task : tasks) {
+    json::Object child = list.object();
+    addTask(child, task);
+  }
+}
+
+void addHold(json::Object& out, const WaitOutcome& outcome) {
+  if (!outcome.shortenedFrom) return;
+  out.add("heldForSeconds", outcome.heldSeconds);
+  out.add("heldForSecondsNote", texts::heldForSecondsNote({.asked = *outcome.shortenedFrom,
+                                                           .granted = outcome.heldSeconds}));
+}
+
+void addWakeReasons(json::Object& out, WakeReasons reasons) {
+  json::Array list = out.array("wakeReasons");
+  for (const TeamworkWakeReason& reason : reasons) {
+    json::Object child = list.object();
+    child.add("kind", reason.kind).add("summary", reason.summary);
+    child.addText("taskID", reason.taskID).addText("cause", reason.cause);
+  }
+}
+
+void addOutcome(json::Object& out, const WaitOutcome& outcome, const SeatState& state) {
+  const TeamworkChangeFeed* const feed = outcome.feed;
+  out.add("waitSeq", state.waitSeq);
+  if (feed) out.add("rev", feed->rev);
+  addWatching(out, outcome.watching);
+  if (feed) addTasks(out, feed->tasks);
+  addHold(out, outcome);
+  if (feed) {
+    out.add("pendingGoalComplete", feed->pendingGoalComplete).add("changed", feed->changed);
+    out.add("goalComplete", feed->goalComplete);
+  }
+  addWakeReasons(out, wakeReasonsOf(feed));
+  if (feed) addDelivery(out, feed->messages);
+  out.add("resolved", goalIsComplete(outcome) && areClear(state.lastObligations));
+  out.add("nextStep", nextStepAfterWait(outcome, state));
+  if (!state.lastObligations) return;
+  json::Object obligations = out.object("obligations");
+  addObligations(obligations, *state.lastObligations, state.lastAudience);
+}
+
+}  // namespace
+
+std::string waitOutcome(const WaitOutcome& outcome, const SeatState& state) {
+  std::string out;
+  {
+    json::Object object(out);
+    addOutcome(object, outcome, state);
+  }
+  return out;
+}
+
+}  // namespace quillpost
