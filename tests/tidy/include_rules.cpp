@@ -1,0 +1,138 @@
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "tidy/rules.h"
+
+namespace quillpost::tidy {
+namespace {
+
+/// An include directive.
+struct Include {
+  std::size_t line = 0;
+  std::string path;
+  bool isQuoted = false;
+};
+
+std::vector<Include> includesOf(const Source& source) {
+  std::vector<Include> includes;
+  if (!source.isCode()) return includes;
+  constexpr std::string_view word = "#include ";
+  for (std::size_t i = 0; i < source.lines.size(); ++i) {
+    const std::string& line = source.lines[i];
+    if (!line.starts_with(word) || line.size() < word.size() + 2) continue;
+    const std::size_t end = line.find_first_of("\">", word.size() + 1);
+    includes.push_back(
+        {i + 1, line.substr(word.size() + 1, end - word.size() - 1), line[word.size()] == '"'});
+  }
+  return includes;
+}
+
+/// What a folder may include of ours: folders with a "/" at the end, or single files. The first row
+/// that fits a file is its own.
+struct FolderRow {
+  std::string_view folder;
+  std::array<std::string_view, 7> mayInclude;
+};
+
+// clang-format off
+constexpr FolderRow folderTable[] = {
+    {"src/base/",         {"base/"}},
+    {"src/json/",         {"json/", "base/"}},
+    {"src/model/",        {"model/", "json/", "base/"}},
+    {"src/bridge/",       {"bridge/", "model/", "json/", "base/"}},
+    {"src/render/texts/", {"render/texts/", "base/text.h"}},
+    {"src/render/",       {"render/", "model/", "json/", "base/"}},
+    {"src/server/",       {"server/", "render/", "model/", "json/", "base/", "bridge/bridge.h"}},
+    {"src/entry/",        {"entry/", "server/", "render/", "bridge/", "model/", "json/", "base/"}},
+    {"devboard/",         {"devboard/", "model/", "json/", "base/", "bridge/unix_socket.h"}},
+};
+// clang-format on
+
+bool mayInclude(const FolderRow& row, std::string_view path) {
+  return std::ranges::any_of(row.mayInclude, [&](std::string_view allowed) {
+    if (allowed.empty()) return false;
+    return allowed.ends_with('/') ? path.starts_with(allowed) : path == allowed;
+  });
+}
+
+/// A system header and the only files of the programs that may include it.
+struct HeaderRow {
+  std::string_view header;
+  std::array<std::string_view, 3> onlyIn;
+};
+
+// clang-format off
+constexpr HeaderRow headerTable[] = {
+    {"sys/socket.h", {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "devboard/"}},
+    {"sys/un.h",     {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "devboard/"}},
+    {"netinet/in.h", {}},
+    {"arpa/inet.h",  {}},
+    {"netdb.h",      {}},
+    {"iostream",     {"devboard/"}},
+    {"mutex",        {"devboard/"}},
+    {"atomic",       {"devboard/"}},
+    {"future",       {}},
+    {"typeinfo",     {}},
+};
+// clang-format on
+
+bool isProgram(const Source& source) { return source.isIn("src/") || source.isIn("devboard/"); }
+
+}  // namespace
+
+Findings checkFolders(const Tree& tree) {
+  Findings findings;
+  for (const Source& source : tree) {
+    const auto* const row = std::ranges::find_if(
+        folderTable, [&](const FolderRow& candidate) { return source.isIn(candidate.folder); });
+    for (const Include& include : includesOf(source)) {
+      if (!include.isQuoted) continue;
+      if (include.path.starts_with(".") || include.path.find('/') == std::string::npos) {
+        findings.push_back(
+            {source.path, include.line, "a path starts at the folder of the sources"});
+      } else if (row != std::end(folderTable) && !mayInclude(*row, include.path)) {
+        findings.push_back({source.path, include.line,
+                            std::string(row->folder) + " may not include " + include.path});
+      }
+    }
+  }
+  return findings;
+}
+
+Findings checkSystemHeaders(const Tree& tree) {
+  Findings findings;
+  for (const Source& source : tree) {
+    if (!isProgram(source)) continue;
+    for (const Include& include : includesOf(source)) {
+      const auto* const row = std::ranges::find(headerTable, include.path, &HeaderRow::header);
+      if (include.isQuoted || row == std::end(headerTable)) continue;
+      const bool allowed = std::ranges::any_of(row->onlyIn, [&](std::string_view place) {
+        return !place.empty() && source.isIn(place);
+      });
+      if (!allowed) {
+        findings.push_back(
+            {source.path, include.line, "<" + include.path + "> is kept out of here"});
+      }
+    }
+  }
+  return findings;
+}
+
+Findings checkOwnHeaderFirst(const Tree& tree) {
+  Findings findings;
+  for (const Source& source : tree) {
+    if (!isProgram(source) || source.isHeader() || !source.isCode()) continue;
+    const std::string header = source.path.substr(0, source.path.rfind('.')) + ".h";
+    if (std::ranges::find(tree, header, &Source::path) == tree.end()) continue;
+    const std::string own = source.isIn("src/") ? header.substr(4) : header;
+    const std::vector<Include> includes = includesOf(source);
+    if (includes.empty() || includes.front().path != own) {
+      const std::size_t line = includes.empty() ? 1 : includes.front().line;
+      findings.push_back({source.path, line, "the first include is the own header, " + own});
+    }
+  }
+  return findings;
+}
+
+}  // namespace quillpost::tidy

@@ -1,0 +1,300 @@
+// The house rules that can be checked, held against the whole tree; and each rule held against
+// small trees that break it or keep it. A finding is printed as file:line: what is wrong.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <ostream>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tidy/rules.h"
+#include "tidy/source.h"
+
+namespace quillpost::tidy {
+
+/// How a failing test shows its parameter.
+static void PrintTo(const Rule& rule, std::ostream* out) { *out << rule.name; }
+
+namespace {
+
+const Tree& wholeTree() {
+  static const Tree tree = readTree(QUILLPOST_SOURCE_DIR);
+  return tree;
+}
+
+std::string nameOf(const ::testing::TestParamInfo<Rule>& info) {
+  return std::string(info.param.name);
+}
+
+class HouseRule : public ::testing::TestWithParam<Rule> {};
+
+TEST_P(HouseRule, IsKeptByTheWholeTree) {
+  for (const Finding& finding : GetParam().check(wholeTree())) ADD_FAILURE() << finding;
+}
+
+INSTANTIATE_TEST_SUITE_P(Tidy, HouseRule, ::testing::ValuesIn(rules().begin(), rules().end()),
+                         nameOf);
+
+TEST(Tidy, LooksAtEveryKindOfFile) {
+  for (const std::string path : {"CMakeLists.txt", ".ci/run", "scripts/test", "src/base/clock.h",
+                                 "src/base/text.cpp", "tests/tidy_test.cpp"}) {
+    EXPECT_NE(std::ranges::find(wholeTree(), path, &Source::path), wholeTree().end()) << path;
+  }
+  for (const Source& source : wholeTree()) {
+    EXPECT_FALSE(source.isIn("build/") || source.isIn(".git/")) << source.path;
+  }
+}
+
+/// A small tree, and where a rule finds something in it.
+struct Sample {
+  std::string_view rule;
+  std::string name;
+  std::vector<std::pair<std::string, std::string>> files;
+  std::vector<std::string> found;
+};
+
+std::string lines(int count, const std::string& line) {
+  std::string text;
+  for (int i = 0; i < count; ++i) text += line + "\n";
+  return text;
+}
+
+std::string fenced(const std::string& text) {
+  return "// clang-format off\n" + text + "// clang-format on\n";
+}
+
+std::vector<Sample> includeSamples() {
+  return {
+      {"folders", "along the arrows", {{"src/server/a.cpp", "#include \"render/a.h\"\n"}}, {}},
+      {"folders",
+       "against the arrows",
+       {{"src/model/a.h", "#pragma once\n\n#include \"render/a.h\"\n"}},
+       {"src/model/a.h:3"}},
+      {"folders",
+       "the server and the one header of the bridge",
+       {{"src/server/a.cpp", "#include \"bridge/bridge.h\"\n#include \"bridge/transport.h\"\n"}},
+       {"src/server/a.cpp:2"}},
+      {"folders",
+       "the words",
+       {{"src/render/texts/a.h", "#include \"base/text.h\"\n#include \"base/clock.h\"\n"},
+        {"src/render/a.h", "#include \"base/clock.h\"\n"}},
+       {"src/render/texts/a.h:2"}},
+      {"folders",
+       "the other program",
+       {{"devboard/a.cpp", "#include \"bridge/unix_socket.h\"\n#include \"server/tools.h\"\n"}},
+       {"devboard/a.cpp:2"}},
+      {"folders",
+       "a path from elsewhere",
+       {{"tests/base/a_test.cpp", "#include \"../a.h\"\n#include \"a.h\"\n#include <a.h>\n"}},
+       {"tests/base/a_test.cpp:1", "tests/base/a_test.cpp:2"}},
+      {"systemHeaders",
+       "sockets",
+       {{"src/bridge/transport.cpp", "#include <sys/socket.h>\n"},
+        {"src/bridge/discovery.cpp", "#include <sys/socket.h>\n"},
+        {"src/base/a.h", "#include <vector>\n"},
+        {"tests/harness/a.cpp", "#include <sys/socket.h>\n"}},
+       {"src/bridge/discovery.cpp:1"}},
+      {"systemHeaders",
+       "streams that are built before main",
+       {{"src/entry/main.cpp", "#include <iostream>\n"}},
+       {"src/entry/main.cpp:1"}},
+      {"ownHeaderFirst",
+       "first or not",
+       {{"src/base/a.h", ""},
+        {"src/base/a.cpp", "#include \"base/a.h\"\n#include <vector>\n"},
+        {"src/base/b.h", ""},
+        {"src/base/b.cpp", "#include <vector>\n#include \"base/b.h\"\n"},
+        {"src/base/c.cpp", "#include <vector>\n"},
+        {"devboard/d.h", ""},
+        {"devboard/d.cpp", "// Why.\n"}},
+       {"src/base/b.cpp:1", "devboard/d.cpp:1"}},
+  };
+}
+
+std::vector<Sample> shapeSamples() {
+  const std::string hundred(100, 'x');
+  return {
+      {"pragmaOnce",
+       "first line or not",
+       {{"src/base/a.h", "#pragma once\n"},
+        {"src/base/b.h", "// Why.\n#pragma once\n"},
+        {"src/base/c.cpp", ""},
+        {"src/base/d.h", ""}},
+       {"src/base/b.h:1", "src/base/d.h:1"}},
+      {"columns",
+       "code and comments",
+       {{"src/base/a.h", hundred + "\n" + hundred + "x\n// " + hundred + "\n"}},
+       {"src/base/a.h:2", "src/base/a.h:3"}},
+      {"columns",
+       "characters, not bytes",
+       {{"src/base/a.h", "// —" + std::string(96, 'x') + "\n"}},
+       {}},
+      {"columns",
+       "tables and words",
+       {{"src/base/a.h", fenced(hundred + "xx\n") + "    \"" + hundred + "\",\n" +
+                             "auto x = R\"(\n" + hundred + "x\n)\";\nauto y = \"" + hundred +
+                             "\";\n"}},
+       {"src/base/a.h:8"}},
+      {"columns", "other files", {{"README.md", hundred + "xx\n"}}, {}},
+      {"fileLengths",
+       "headers and sources",
+       {{"src/base/a.h", lines(200, "//")},
+        {"src/base/b.h", lines(201, "//")},
+        {"src/base/a.cpp", lines(400, "//")},
+        {"devboard/b.cpp", lines(401, "//")}},
+       {"src/base/b.h:201", "devboard/b.cpp:401"}},
+      {"fileLengths",
+       "tables, words and tests",
+       {{"src/base/a.h", fenced(lines(300, "//"))},
+        {"src/server/tools.h", lines(700, "//")},
+        {"src/render/texts/a.h", lines(300, "//")},
+        {"tests/base/a_test.cpp", lines(500, "//")}},
+       {}},
+      {"functionLengths",
+       "sixty lines and one more",
+       {{"src/base/a.cpp", "namespace a {\nint f(int x = {}) {\n" + lines(58, "  g({1});") + "}\n" +
+                               "int h() {\n" + lines(59, "  g();") + "}\n}\n"}},
+       {"src/base/a.cpp:62"}},
+      {"functionLengths",
+       "members, tables and tests",
+       {{"src/base/a.h",
+         "class A {\n public:\n  void f() {\n" + lines(60, "    g();") + "  }\n};\n"},
+        {"src/base/b.h", "void f() {\n" + fenced(lines(90, "  {1},")) + "}\n"},
+        {"src/base/c.h", "constexpr int a[] = {\n" + lines(90, "  1,") + "};\n"},
+        {"tests/base/a_test.cpp", "TEST(A, B) {\n" + lines(90, "  g();") + "}\n"}},
+       {"src/base/a.h:3"}},
+      {"documentation",
+       "types and functions of headers",
+       {{"src/base/a.h",
+         "namespace a {\n\nstruct Known;\n\n/// Why.\nstruct A {\n  int x() const;\n};\n\n"
+         "struct B {};\n\n/// Why.\nint f();\nint g(bool x = true);\n\nint h();\n\n"
+         "// Not for the reader.\ntemplate <class T>\nvoid k(T x) {}\n\n"
+         "/// Why.\ntemplate <class T>\nvoid l(T x) {}\n\nenum class E { a };\n"
+         "\ntemplate <>\nstruct a::Names<E> {};\n\nnamespace detail {\nint m();\n}\n"
+         "\nstruct D : B<E> {};\n"
+         "using X = int;\nconstexpr int limit = f(1);\n}  // namespace a\n"},
+        {"src/base/a.cpp", "int f() { return 1; }\n"}},
+       {"src/base/a.h:10", "src/base/a.h:16", "src/base/a.h:19", "src/base/a.h:26",
+        "src/base/a.h:35"}},
+      {"globals",
+       "outside functions",
+       {{"src/base/a.cpp",
+         "namespace {\nint count = 0;\nconst std::string name = f();\n"
+         "constexpr int limit = 1'000;\ninline constexpr Row rows[] = {\n  {f, 1},\n};\n"
+         "int x{};\nstruct A {\n  int x = 1;\n};\nint f() {\n  int x = 1;\n  return x;\n}\n"
+         "using B = A;\nbool operator==(A a, A b);\n}\n"}},
+       {"src/base/a.cpp:2", "src/base/a.cpp:3", "src/base/a.cpp:8"}},
+      {"testPerSource",
+       "with and without",
+       {{"src/base/a.cpp", ""},
+        {"src/base/b.cpp", ""},
+        {"src/base/c.h", ""},
+        {"src/entry/main.cpp", ""},
+        {"devboard/rules/d.cpp", ""},
+        {"devboard/rules/e.cpp", ""},
+        {"tests/base/a_test.cpp", ""},
+        {"tests/devboard/d_test.cpp", ""}},
+       {"src/base/b.cpp:1", "devboard/rules/e.cpp:1"}},
+      {"targets",
+       "built or not",
+       {{"tests/a_test.cpp", ""},
+        {"tests/a/rows.cpp", ""},
+        {"tests/b/rows.cpp", ""},
+        {"tests/base/a_test.cpp", ""},
+        {"tests/base/rows.cpp", ""},
+        {"tests/base/deep/a_test.cpp", ""},
+        {"tests/harness/app.cpp", ""},
+        {"tests/strange/a_test.cpp", ""}},
+       {"tests/b/rows.cpp:1", "tests/base/rows.cpp:1", "tests/base/deep/a_test.cpp:1",
+        "tests/strange/a_test.cpp:1"}},
+  };
+}
+
+std::vector<Sample> wordSamples() {
+  return {
+      {"words",
+       "code",
+       {{"src/base/a.cpp",
+         "std::cout << 1;\nint printfLike;\nif (x) throw y;\n// throw\nsay(\"throw\");\n"
+         "f('\"'); std::exit(1);\n/* throw\n throw */ dynamic_cast<A*>(b);\nexitStatus();\n"}},
+       {"src/base/a.cpp:1", "src/base/a.cpp:3", "src/base/a.cpp:6", "src/base/a.cpp:8"}},
+      {"words",
+       "doors",
+       {{"src/base/clock.h", "std::chrono::steady_clock::now(); std::this_thread::sleep_for(x);\n"},
+        {"src/server/a.cpp",
+         "std::chrono::steady_clock::now();\nstd::this_thread::sleep_for(x);\n"},
+        {"src/base/environment.h", "std::getenv(name);\n"},
+        {"src/entry/main.cpp", "std::getenv(name);\nstd::exit(2);\n"},
+        {"tests/base/a_test.cpp", "std::this_thread::sleep_for(x);\n"}},
+       {"src/server/a.cpp:1", "src/server/a.cpp:2", "src/entry/main.cpp:1",
+        "tests/base/a_test.cpp:1"}},
+      {"words",
+       "namespaces",
+       {{"tests/base/a_test.cpp", "using namespace std::chrono_literals;\nusing namespace std;\n"}},
+       {"tests/base/a_test.cpp:2"}},
+      {"words",
+       "reminders",
+       {{"src/base/a.cpp",
+         "// TO"
+         "DO: more\n// TO"
+         "DOS\nsay(\"FIX"
+         "ME\");\n"}},
+       {"src/base/a.cpp:1", "src/base/a.cpp:3"}},
+      {"words",
+       "tests that cannot fail",
+       {{"tests/base/a_test.cpp",
+         "GTEST"
+         "_SKIP();\nTEST(A, DISABLED"
+         "_B) {}\nSUCC"
+         "EED();\n"}},
+       {"tests/base/a_test.cpp:1", "tests/base/a_test.cpp:2", "tests/base/a_test.cpp:3"}},
+      {"words",
+       "machines and plans",
+       {{"README.md",
+         "cd /wo"
+         "rk/main\nPa"
+         "rt 2.1 of it\nParts 7.1\nthe spec"
+         "ification\n"},
+        {"docs/a.md", "party 2.1, our specific words, homework/\n"}},
+       {"README.md:1", "README.md:4", "README.md:2"}},
+  };
+}
+
+std::vector<Sample> samples() {
+  std::vector<Sample> all = includeSamples();
+  for (const std::vector<Sample>& more : {shapeSamples(), wordSamples()}) {
+    all.insert(all.end(), more.begin(), more.end());
+  }
+  return all;
+}
+
+std::vector<std::string> sorted(std::vector<std::string> places) {
+  std::ranges::sort(places);
+  return places;
+}
+
+TEST(Tidy, EachRuleFindsWhatBreaksItAndNothingElse) {
+  for (const Sample& sample : samples()) {
+    Tree tree;
+    for (const auto& [path, text] : sample.files) tree.push_back(readSource(path, text));
+    std::vector<std::string> places;
+    for (const Finding& finding : check(sample.rule, tree)) {
+      places.push_back(finding.path + ":" + std::to_string(finding.line));
+    }
+    EXPECT_EQ(sorted(places), sorted(sample.found)) << sample.rule << ", " << sample.name;
+  }
+}
+
+TEST(Tidy, EachRuleHasASampleThatBreaksIt) {
+  for (const Rule& rule : rules()) {
+    const std::vector<Sample> all = samples();
+    EXPECT_TRUE(std::ranges::any_of(all, [&](const Sample& sample) {
+      return sample.rule == rule.name && !sample.found.empty();
+    })) << rule.name;
+  }
+}
+
+}  // namespace
+}  // namespace quillpost::tidy
