@@ -172,12 +172,13 @@ std::vector<Sample> shapeSamples() {
          "struct B {};\n\n/// Why.\nint f();\nint g(bool x = true);\n\nint h();\n\n"
          "// Not for the reader.\ntemplate <class T>\nvoid k(T x) {}\n\n"
          "/// Why.\ntemplate <class T>\nvoid l(T x) {}\n\nenum class E { a };\n"
-         "\ntemplate <>\nstruct a::Names<E> {};\n\nnamespace detail {\nint m();\n}\n"
+         "\ntemplate <>\nstruct a::Names<E> {};\n\nint A::x() const { return 1; }\n\nnamespace "
+         "detail {\nint m();\n}\n"
          "\nstruct D : B<E> {};\n"
          "using X = int;\nconstexpr int limit = f(1);\n}  // namespace a\n"},
         {"src/base/a.cpp", "int f() { return 1; }\n"}},
        {"src/base/a.h:10", "src/base/a.h:16", "src/base/a.h:19", "src/base/a.h:26",
-        "src/base/a.h:35"}},
+        "src/base/a.h:37"}},
       {"globals",
        "outside functions",
        {{"src/base/a.cpp",

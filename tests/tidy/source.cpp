@@ -226,7 +226,7 @@ class Walker {
     result.hasBody = hasBody;
     result.atNamespaceScope = std::all_of(
         open_.begin(), open_.end(), [](const Declaration& d) { return d.kind == Kind::space; });
-    result.isDetail = isSpecialisation(result) ||
+    result.isDetail = isSpecialisation(result) || isQualified(result) ||
                       std::any_of(open_.begin(), open_.end(), [](const Declaration& d) {
                         return d.head == "namespace detail";
                       });
@@ -236,6 +236,14 @@ class Walker {
   static bool isSpecialisation(const Declaration& declaration) {
     const std::string_view name = withoutPrefixes(declaration.head);
     return declaration.kind == Kind::type && name.find('<') < name.find(" : ");
+  }
+
+  /// Whether it defines a function that stands in a class or namespace above.
+  static bool isQualified(const Declaration& declaration) {
+    const std::string_view head = std::string_view(declaration.head);
+    const std::string_view name = head.substr(0, head.find('('));
+    return declaration.kind == Kind::function &&
+           name.substr(name.rfind(' ') + 1).find("::") != std::string_view::npos;
   }
 
   static bool isAccess(std::string_view head) {
