@@ -16,9 +16,9 @@ struct BriefingView {
   /// Whether finished and declined tasks are listed and not only counted.
   bool includeAll = false;
   /// Who the caller is; nothing before it has registered.
-  std::optional<std::string_view> fingerprint;
+  std::optional<std::string_view> fingerprint = std::nullopt;
   /// The handle that tasks may be routed to; an empty one stands for none.
-  std::optional<std::string_view> handle;
+  std::optional<std::string_view> handle = std::nullopt;
 };
 
 /// Adds the members of the briefing: every task in exactly one of the lists yours, forYou,

@@ -24,15 +24,15 @@ std::string_view cleanSummary(std::string_view text);
 struct AskMarker {
   /// "decision", "approval", "secret", "review" or "respond"; "respond" when only the rest is
   /// given.
-  std::optional<std::string> kind;
+  std::optional<std::string> kind = std::nullopt;
   /// What the person may answer; the first 4 are kept, each up to 80 characters.
-  std::vector<std::string> options;
+  std::vector<std::string> options = {};
   /// The exact name of the secret to be filled in.
-  std::optional<std::string> secretName;
+  std::optional<std::string> secretName = std::nullopt;
   /// What is to be looked at.
-  std::optional<std::string> artifact;
+  std::optional<std::string> artifact = std::nullopt;
   /// What follows from the answer, kept up to 200 characters.
-  std::optional<std::string> consequence;
+  std::optional<std::string> consequence = std::nullopt;
 };
 
 /// The question behind its ask marker. The question alone when nothing else was given, or when a

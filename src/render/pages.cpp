@@ -10,8 +10,8 @@
 namespace quillpost {
 namespace {
 
-// Pages and lines are cut so that one result stays small beside what else the agent must keep in
-// mind: a body is read whole in most cases, of a log only the end matters.
+// Limits that keep one result small beside all else that the agent has in mind: most bodies are
+// shown whole, of a log the end matters, and a longer line is data rather than prose.
 constexpr int64_t bodyPageLines = 2000;
 constexpr int64_t logPageLines = 30;
 constexpr std::size_t bodyLineCharacters = 2000;

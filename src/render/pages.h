@@ -15,9 +15,9 @@ namespace quillpost {
 /// Which lines were asked for. Any number will do.
 struct Page {
   /// The first line, counted from 1.
-  std::optional<int64_t> offset;
+  std::optional<int64_t> offset = std::nullopt;
   /// How many lines; less than 1 counts as 1.
-  std::optional<int64_t> limit;
+  std::optional<int64_t> limit = std::nullopt;
 };
 
 /// The lines of the page, each behind its number, and a foot when the page is not the whole body.
