@@ -2,7 +2,6 @@
 
 #include <array>
 #include <boost/json/basic_parser_impl.hpp>
-#include <cmath>
 #include <exception>
 
 #include "json/numbers.h"
@@ -82,10 +81,11 @@ class RecordReader {
     // The parser gives unsigned numbers only above the signed range, which no field can hold.
     return skipping() ? skipValue() : wrongType(ec);
   }
-  bool on_double(double number, std::string_view /*text*/, error_code& ec) {
-    if (!std::isfinite(number)) return wrongType(ec);  // 1e400 makes the whole text not JSON
+  bool on_double(double /*number*/, std::string_view text, error_code& ec) {
+    const std::optional<double> number = nearestDouble(text);
+    if (!number) return wrongType(ec);  // 1e400 makes the whole text not JSON
     if (skipping()) return skipValue();
-    const std::optional<int64_t> integral = integralValue(number);
+    const std::optional<int64_t> integral = integralValue(*number);
     return integral ? takeInteger(*integral, ec) : wrongType(ec);
   }
   bool on_bool(bool flag, error_code& ec) {

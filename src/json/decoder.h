@@ -29,20 +29,24 @@ struct Shape;
 /// One row of a record as the reader sees it.
 struct Row {
   std::string_view key;
+  /// What a missing key means.
   Presence presence;
-  /// Where in a record the value goes; an optional member is given a value by this.
+  /// Where in a record the value goes; an optional member is given an empty value by this.
   void* (*open)(void* record);
+  /// How the value is taken.
   const Shape* shape;
 };
 
-/// How a value of one type is taken from JSON. Exactly one kind of event fits each shape; any
-/// other is a wrong type.
+/// How a value of one type is taken from JSON. Each shape has what one kind of value needs and
+/// nothing else; a value of any other kind is a wrong type.
 struct Shape {
   /// Takes a text; false when it is none of the words of a vocabulary.
   bool (*takeText)(void* target, std::string_view text) = nullptr;
+  /// Takes an integer.
   void (*takeInteger)(void* target, int64_t number) = nullptr;
+  /// Takes a boolean.
   void (*takeFlag)(void* target, bool flag) = nullptr;
-  /// Appends an element to a list and says where it is.
+  /// Appends an element to a list and says where it is, and the shape of every element.
   void* (*grow)(void* list) = nullptr;
   const Shape* element = nullptr;
   /// The rows of a record, and which of them must come (bit by row).
@@ -157,7 +161,7 @@ bool decodeObject(std::string_view text, const Shape& shape, void* target);
 /// The record that `text` holds as one JSON object; nothing when the text is not JSON, a required
 /// key is missing or a value has the wrong type. Unknown keys are passed over, whatever they hold.
 /// An integer may be written with a fraction or an exponent as long as its value is integral; a
-/// boolean is never an integer. Of two equal keys the later counts, lists being joined.
+/// boolean is never an integer. Which of two equal keys counts is not promised.
 template <Record T>
 std::optional<T> decode(std::string_view text) {
   std::optional<T> record(std::in_place);

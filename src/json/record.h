@@ -63,10 +63,13 @@ constexpr Field<Owner, Value> defaulted(std::string_view key, Value Owner::*memb
 
 namespace detail {
 
-/// Stands for a member of any type while members are counted; never converted at run time.
+/// Stands for a member of any type while members are counted; never converted at run time. It has
+/// a body only for records of a single source file, whose types no other file could define it for.
 struct AnyMember {
   template <class T>
-  operator T() const;  // NOLINT(google-explicit-constructor)
+  operator T() const {  // NOLINT(google-explicit-constructor)
+    return T();
+  }
 };
 
 template <class T, class... Members>

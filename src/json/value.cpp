@@ -4,20 +4,21 @@
 #include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/serializer.hpp>
 #include <boost/json/value_stack.hpp>
-#include <cmath>
 #include <cstdint>
 #include <exception>
 #include <utility>
 
 #include "json/decoder.h"
+#include "json/numbers.h"
 
 namespace quillpost::json {
 namespace {
 
 using boost::system::error_code;
 
-/// Builds the tree as the library's own parser does, except that a number which overflows to
-/// infinity ends it: written back, it would not be JSON.
+/// Builds the tree as the library's own parser does, except for its doubles: they are the nearest
+/// ones, and a number that is too large for one ends it, since infinity is not JSON when written
+/// back.
 class TreeBuilder {
  public:
   static constexpr std::size_t max_array_size = boost::json::array::max_size();
@@ -69,12 +70,13 @@ class TreeBuilder {
     stack_.push_uint64(number);
     return true;
   }
-  bool on_double(double number, std::string_view /*text*/, error_code& ec) {
-    if (!std::isfinite(number)) {
+  bool on_double(double /*number*/, std::string_view text, error_code& ec) {
+    const std::optional<double> number = nearestDouble(text);
+    if (!number) {
       ec = boost::json::error::exponent_overflow;
       return false;
     }
-    stack_.push_double(number);
+    stack_.push_double(*number);
     return true;
   }
   bool on_bool(bool flag, error_code& /*ec*/) {

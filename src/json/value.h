@@ -16,8 +16,9 @@ using Tree = boost::json::value;
 using TreeObject = boost::json::object;
 
 /// The tree of one whole JSON text, its memory taken from `storage`, which must outlive it. Nothing
-/// when the text is not valid JSON in valid UTF-8, nests deeper than depthLimit, or has a number
-/// too large for a double. Integers keep all their digits.
+/// when the text is not valid JSON in valid UTF-8, nests deeper than json::depthLimit, or has a
+/// number too large for a double. Integers of 64 bits, signed or not, keep all their digits; every
+/// other number becomes the nearest double.
 std::optional<Tree> parse(std::string_view text, boost::json::storage_ptr storage = {});
 
 /// Appends a tree as compact JSON text.

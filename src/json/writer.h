@@ -24,7 +24,8 @@ void appendString(std::string& out, std::string_view text);
 /// Appends `number` in decimal.
 void appendInteger(std::string& out, int64_t number);
 
-/// An integer of any width, but neither a boolean nor a character.
+/// An integer of any width, but neither a boolean nor a character. Its value must fit a signed
+/// 64-bit number.
 template <class T>
 concept Integer = std::integral<T> && !std::same_as<T, bool> && !std::same_as<T, char>;
 
@@ -33,18 +34,16 @@ class Array;
 /// An object under construction at the end of `out`.
 class Object {
  public:
+  /// Opens the object; the text must outlive it.
   explicit Object(std::string& out) : out_(out) { out_.push_back('{'); }
   ~Object() { out_.push_back('}'); }
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
 
-  /// Adds a member. `key` is written as it stands: it must need no escaping.
+  /// Adds a member: a text, a flag, a signed 64-bit integer, a list of texts. `key` is written as
+  /// it stands, so it must need no escaping.
   Object& add(std::string_view key, std::string_view text);
-  // Without this overload a literal would quietly become a boolean.
-  Object& add(std::string_view key, const char* text) { return add(key, std::string_view(text)); }
-  Object& add(std::string_view key, const std::string& text) {
-    return add(key, std::string_view(text));
-  }
+  // Nothing but a bool is a flag: a plain bool parameter would quietly take literals too.
   Object& add(std::string_view key, std::same_as<bool> auto flag) { return addFlag(key, flag); }
   Object& add(std::string_view key, Integer auto number) {
     return addInteger(key, static_cast<int64_t>(number));
@@ -65,11 +64,9 @@ class Object {
   Object& addText(std::string_view key, std::string_view text) {
     return text.empty() ? *this : add(key, text);
   }
-  // Without this overload a std::string would fit the two others equally well.
-  Object& addText(std::string_view key, const std::string& text) {
-    return addText(key, std::string_view(text));
-  }
-  Object& addText(std::string_view key, const std::optional<std::string>& text) {
+  // A template, so that a text never turns into an optional one on its way here.
+  template <class Text>
+  Object& addText(std::string_view key, const std::optional<Text>& text) {
     return text ? addText(key, std::string_view(*text)) : *this;
   }
   /// Adds `null`.
@@ -82,7 +79,7 @@ class Object {
   /// Adds a value that is JSON text already.
   Object& addJson(std::string_view key, std::string_view json);
 
-  /// Opens a child.
+  /// Opens a child, which must close before anything else is added here.
   Object object(std::string_view key);
   Array array(std::string_view key);
 
@@ -99,6 +96,7 @@ class Object {
 /// An array under construction at the end of `out`.
 class Array {
  public:
+  /// Opens the array; the text must outlive it.
   explicit Array(std::string& out) : out_(out) { out_.push_back('['); }
   ~Array() { out_.push_back(']'); }
   Array(const Array&) = delete;
@@ -111,7 +109,7 @@ class Array {
   /// Adds an element that is JSON text already.
   Array& addJson(std::string_view json);
 
-  /// Opens a child.
+  /// Opens a child, which must close before anything else is added here.
   Object object();
 
  private:
