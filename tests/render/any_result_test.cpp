@@ -1,0 +1,185 @@
+// Whatever the app answers, the result is valid UTF-8, and JSON where it is meant to be.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <limits>
+#include <random>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
+
+#include "base/unicode.h"
+#include "json/record.h"
+#include "json/value.h"
+#include "model/coding.h"
+#include "model/verbs.h"
+#include "render/result.h"
+#include "render/wait_outcome.h"
+
+namespace quillpost {
+namespace {
+
+using Kind = TeamworkResponse::Kind;
+using Profile = TeamworkClientProfile::Profile;
+
+constexpr std::array<std::string_view, 24> words = {"",
+                                                    "on",
+                                                    "off",
+                                                    "KQ3",
+                                                    "kq3",
+                                                    "#a3f9",
+                                                    "claimed",
+                                                    "done",
+                                                    "error",
+                                                    "exited",
+                                                    "terminal",
+                                                    "working",
+                                                    "taskWatched",
+                                                    "claimExpired",
+                                                    "youWereTagged",
+                                                    "[[gist]] g",
+                                                    "[[for]] f",
+                                                    "a\nb\n",
+                                                    "\"\\/\b\f\r\t",
+                                                    "\x01\x1f\x7f",
+                                                    "\u2028 \u2029\u00a0",
+                                                    "e\u0301\U0001F469\u200D\U0001F4BB",
+                                                    "{{x}} (thread T-1)",
+                                                    "\r\n\n"};
+
+constexpr std::array<int64_t, 9> numbers = {
+    std::numeric_limits<int64_t>::min(), -61, -1, 0, 1, 2, 59, 2001,
+    std::numeric_limits<int64_t>::max()};
+
+/// Fills values of any type that a record holds.
+class Dice {
+ public:
+  explicit Dice(uint64_t seed) : engine_(seed) {}
+
+  std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine_() % limit); }
+  bool flip() { return below(2) == 1; }
+
+  void fill(std::string& text) {
+    text = words.at(below(words.size()));
+    if (below(4) == 0) text += words.at(below(words.size()));
+  }
+  void fill(int64_t& number) { number = numbers.at(below(numbers.size())); }
+  void fill(bool& flag) { flag = flip(); }
+  template <json::Named Word>
+  void fill(Word& word) {
+    word = json::Names<Word>::rows.at(below(json::Names<Word>::rows.size())).value;
+  }
+  template <class Value>
+  void fill(std::optional<Value>& value) {
+    value.reset();
+    if (flip()) fill(value.emplace());
+  }
+  template <class Element>
+  void fill(std::vector<Element>& list) {
+    list.clear();
+    for (std::size_t left = below(4); left > 0; --left) fill(list.emplace_back());
+  }
+  template <json::Record Value>
+  void fill(Value& record) {
+    json::forEachField<Value>([&](const auto& field) { fill(record.*field.member); });
+  }
+
+ private:
+  std::mt19937_64 engine_;
+};
+
+SeatState anyState(Dice& dice) {
+  SeatState state;
+  dice.fill(state.selfFingerprint);
+  dice.fill(state.selfHandle);
+  dice.fill(state.lastObligations);
+  dice.fill(state.lastAudience);
+  dice.fill(state.waitSeq);
+  constexpr std::array profiles = {Profile::claude, Profile::codex, Profile::antigravity,
+                                   Profile::cursor, Profile::unknown};
+  state.clientProfile = profiles.at(dice.below(profiles.size()));
+  return state;
+}
+
+bool isObject(const TeamworkResponse& response) {
+  switch (response.kind) {
+    case Kind::registered:
+      return response.agent.has_value();
+    case Kind::tasks:
+      return response.tasks && !response.tasks->empty();
+    case Kind::task:
+      return response.task.has_value();
+    case Kind::plan:
+      return response.plan.has_value();
+    case Kind::changes:
+      return true;
+    case Kind::discussion:
+      return response.discussion.has_value();
+    default:
+      return false;
+  }
+}
+
+void expectObject(const std::string& text) {
+  const std::optional<json::Tree> tree = json::parse(text);
+  ASSERT_TRUE(tree.has_value()) << text;
+  EXPECT_TRUE(tree->is_object()) << text;
+}
+
+TEST(AnyResult, IsValidTextAndJsonWhereItIsMeantToBe) {
+  Dice dice(20240607);
+  int objects = 0;
+  for (int turn = 0; turn < 2000; ++turn) {
+    TeamworkResponse response;
+    dice.fill(response);
+    response.kind = json::Names<Kind>::rows.at(static_cast<std::size_t>(turn) % 11).value;
+    SeatState state = anyState(dice);
+    absorbAnswer(state, response);
+    ResultRequest request;
+    request.tool = listedTools.at(dice.below(listedTools.size()));
+    for (std::optional<int64_t>* number :
+         {&request.body.offset, &request.body.limit, &request.log.offset, &request.log.limit})
+      dice.fill(*number);
+    request.includeAll = dice.flip();
+
+    const std::string text = composeResult(response, request, state);
+    ASSERT_TRUE(unicode::isValid(text)) << encodeResponse(response).value_or("");
+    if (isObject(response)) {
+      ++objects;
+      expectObject(text);
+    } else {
+      const bool owes = response.obligations && !response.obligations->clear;
+      EXPECT_EQ(text.find("\n\nobligations: ") != std::string::npos, owes) << text;
+    }
+    if (::testing::Test::HasFailure()) return;
+  }
+  EXPECT_GT(objects, 500);
+}
+
+TEST(AnyWaitOutcome, IsAJsonObject) {
+  Dice dice(7);
+  for (int turn = 0; turn < 2000; ++turn) {
+    TeamworkChangeFeed feed;
+    dice.fill(feed);
+    std::vector<std::string> watching;
+    dice.fill(watching);
+    WaitOutcome outcome;
+    if (dice.flip()) outcome.feed = &feed;
+    outcome.watching = watching;
+    dice.fill(outcome.heldSeconds);
+    dice.fill(outcome.shortenedFrom);
+    outcome.timedOut = dice.flip();
+    outcome.cannotHoldLong = dice.flip();
+
+    const std::string text = waitOutcome(outcome, anyState(dice));
+    ASSERT_TRUE(unicode::isValid(text)) << text;
+    expectObject(text);
+    if (::testing::Test::HasFailure()) return;
+  }
+}
+
+}  // namespace
+}  // namespace quillpost
