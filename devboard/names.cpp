@@ -1,0 +1,52 @@
+#include "devboard/names.h"
+
+#include <string_view>
+
+#include "base/text.h"
+
+namespace quillpost::devboard {
+
+namespace {
+
+constexpr std::string_view letters = "ABCDEFGHJKLMNPQRSTUVWXYZ";
+constexpr std::string_view digits = "23456789";
+constexpr std::string_view hexDigits = "0123456789abcdef";
+constexpr std::string_view tagLetters = "abcdefghjkmnpqrstuvwxyz23456789";
+
+char pick(const Random& random, std::string_view from) { return from[random() % from.size()]; }
+
+std::string pickAll(const Random& random, std::string_view from, int count) {
+  std::string picked;
+  for (int i = 0; i < count; ++i) picked += pick(random, from);
+  return picked;
+}
+
+std::string quoted(std::string_view value) {
+  std::string out = "'";
+  for (const char letter : value) {
+    if (letter == '\'') {
+      out += "'\\''";
+    } else {
+      out += letter;
+    }
+  }
+  return out + "'";
+}
+
+}  // namespace
+
+std::string mintTag(const Random& random) { return "T-" + pickAll(random, tagLetters, 6); }
+
+std::string mintHandle(const Random& random) {
+  return pickAll(random, letters, 2) + pick(random, digits);
+}
+
+std::string mintSecret(const Random& random) { return pickAll(random, hexDigits, 32); }
+
+std::string environmentLines(const SeatEnvironment& seat) {
+  return text::cat("export QUILLPOST_SESSION_ID=", quoted(seat.sessionID), "\n",
+                   "export QUILLPOST_COLLAB_TOKEN_FILE=", quoted(seat.tokenPath), "\n",
+                   "export QUILLPOST_COLLAB_SOCKET=", quoted(seat.socketPath), "\n");
+}
+
+}  // namespace quillpost::devboard

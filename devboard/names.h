@@ -1,0 +1,30 @@
+#pragma once
+
+// Names and secrets that the board gives out, and how a shell is told of them.
+
+#include <string>
+
+#include "devboard/methods.h"
+
+namespace quillpost::devboard {
+
+/// A Thread's tag: "T-" and six characters.
+std::string mintTag(const Random& random);
+
+/// A handle that can be read out: two letters and a digit, none that looks like another.
+std::string mintHandle(const Random& random);
+
+/// A secret of 128 bits as 32 digits.
+std::string mintSecret(const Random& random);
+
+/// What a terminal's environment holds for its seat.
+struct SeatEnvironment {
+  std::string sessionID;
+  std::string tokenPath;
+  std::string socketPath;
+};
+
+/// The lines that put a seat into a shell's environment, quoted so that any path survives.
+std::string environmentLines(const SeatEnvironment& seat);
+
+}  // namespace quillpost::devboard

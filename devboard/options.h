@@ -1,0 +1,38 @@
+#pragma once
+
+// The command line of quillpost-devboard.
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "devboard/rules/leases.h"
+#include "model/request.h"
+
+namespace quillpost::devboard {
+
+/// What `--help` prints.
+extern const std::string_view usage;
+
+/// What was asked for.
+struct Options {
+  /// "serve", "help", or a command of the person's.
+  std::string command = "serve";
+  /// The scan directory; empty for the default.
+  std::string directory;
+  /// The file of boards; empty for the default.
+  std::string database;
+  /// Which board of the directory; when serving, "dev" if it is not given.
+  std::optional<std::string> suffix;
+  int64_t leaseMs = defaultLeaseMs;
+  /// For a command of the person's: what it asks of the board.
+  TeamworkRequest request;
+};
+
+/// Reads the arguments, the program's name not among them. Nothing when they make no sense: then
+/// `why` says so in words.
+std::optional<Options> readOptions(std::span<const std::string> arguments, std::string& why);
+
+}  // namespace quillpost::devboard

@@ -1,0 +1,54 @@
+#pragma once
+
+// A board made known: its socket and its tokens as files in a directory where agents look for them.
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "base/unique_fd.h"
+#include "devboard/methods.h"
+
+namespace quillpost::devboard {
+
+/// The files of one board in a directory.
+struct BoardFiles {
+  std::string socket;
+  /// What agents present. Beside the socket and of the same name.
+  std::string token;
+  /// What the person's commands present; readable by nobody else, and named to no agent.
+  std::string personToken;
+};
+
+/// The files of the board of that suffix.
+BoardFiles filesIn(std::string_view directory, std::string_view suffix);
+
+/// A board that is being served; its files are removed at the end of this object.
+class Publication {
+ public:
+  /// Binds the socket and writes new tokens, in files that only this user can read. What a board
+  /// that was killed has left is replaced. Nothing when that fails or when another board is served
+  /// there: then `why` says so in words.
+  static std::optional<Publication> open(const std::string& directory, const std::string& suffix,
+                                         const Random& random, std::string& why);
+
+  Publication(Publication&& other) noexcept;
+  Publication& operator=(Publication&&) = delete;
+  ~Publication();
+
+  /// The listening socket, given away.
+  UniqueFd takeSocket() { return std::move(socket_); }
+
+  const BoardFiles& files() const { return files_; }
+  const std::string& token() const { return token_; }
+  const std::string& personToken() const { return personToken_; }
+
+ private:
+  Publication(UniqueFd socket, BoardFiles files, const Random& random);
+
+  UniqueFd socket_;
+  BoardFiles files_;
+  std::string token_, personToken_;
+};
+
+}  // namespace quillpost::devboard
