@@ -1,0 +1,75 @@
+// The pages of docs/ that tables of the program print. A page holds prose by hand and blocks
+// between
+// "<!-- generated: name -->" and "<!-- end -->"; the blocks are made here from the tables and
+// compared. UPDATE_GOLDEN=1 rewrites them in place.
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "base/text.h"
+#include "docs/blocks.h"
+#include "docs/protocol_page.h"
+#include "docs/tools_page.h"
+#include "harness/golden.h"
+#include "harness/temp_dir.h"
+
+namespace quillpost::docs {
+namespace {
+
+using testing::matchesGolden;
+using testing::readFile;
+
+std::string pathOf(std::string_view page) { return text::cat(QUILLPOST_SOURCE_DIR "/docs/", page); }
+
+TEST(Docs, TheProtocolPageIsWhatTheFieldTablesSay) {
+  const std::string path = pathOf("protocol.md");
+  EXPECT_TRUE(matchesGolden(path, filled(readFile(path), protocolBlocks())));
+}
+
+TEST(Docs, TheToolsPageIsWhatTheCatalogueSays) {
+  const std::string path = pathOf("tools.md");
+  EXPECT_TRUE(matchesGolden(path, filled(readFile(path), toolBlocks())));
+}
+
+TEST(Docs, EveryBlockHasItsPlaceOnItsPage) {
+  for (const auto& [name, ignored] : protocolBlocks())
+    EXPECT_EQ(countOf(readFile(pathOf("protocol.md")), name), 1) << name;
+  for (const auto& [name, ignored] : toolBlocks())
+    EXPECT_EQ(countOf(readFile(pathOf("tools.md")), name), 1) << name;
+}
+
+TEST(Docs, EveryMemberOfARequestSaysWhatItMeans) {
+  EXPECT_EQ(protocolBlocks().at("TeamworkRequest").find("|  |\n"), std::string::npos);
+}
+
+TEST(DocsBlocks, OnlyWhatStandsBetweenTheMarksIsReplaced) {
+  const Blocks blocks = {{"a", "new a\n"}};
+  EXPECT_EQ(filled("x\n<!-- generated: a -->\nold\n<!-- end -->\ny\n", blocks),
+            "x\n<!-- generated: a -->\nnew a\n<!-- end -->\ny\n");
+  EXPECT_EQ(filled("x\n<!-- generated: b -->\nold\n<!-- end -->\n", blocks),
+            "x\n<!-- generated: b -->\nold\n<!-- end -->\n");
+  EXPECT_EQ(filled("x\n<!-- generated: a -->\nno end\n", blocks),
+            "x\n<!-- generated: a -->\nno end\n");
+}
+
+TEST(DocsBlocks, AMemberIsExplainedByTheCommentAboveIt) {
+  const std::string_view source =
+      "struct Seat {\n"
+      "  /// What it is\n"
+      "  /// called.\n"
+      "  std::string name;\n"
+      "  int64_t age = 0;\n"
+      "  static constexpr auto fields() {\n"
+      "struct Other {\n"
+      "  /// Not this.\n"
+      "  int64_t age = 0;\n";
+  EXPECT_EQ(memberComment(source, "Seat", "name"), "What it is called.");
+  EXPECT_EQ(memberComment(source, "Seat", "age"), "");
+  EXPECT_EQ(memberComment(source, "Other", "age"), "Not this.");
+}
+
+}  // namespace
+}  // namespace quillpost::docs
