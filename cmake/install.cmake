@@ -1,0 +1,93 @@
+# What `cmake --install` puts where, and what `cpack` packs: the component "teamwork". The component
+# "devboard" is a development tool and is installed only when it is named.
+
+include(GNUInstallDirs)
+set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
+
+install(TARGETS quillpost-teamwork RUNTIME COMPONENT teamwork)
+if(TARGET quillpost-devboard)
+  install(TARGETS quillpost-devboard RUNTIME COMPONENT devboard EXCLUDE_FROM_ALL)
+endif()
+
+install(FILES man/quillpost-teamwork.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
+
+file(GLOB pages CONFIGURE_DEPENDS *.md)
+install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT teamwork)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT teamwork
+  FILES_MATCHING PATTERN "*.md")
+foreach(harness claude codex cursor antigravity)
+  install(DIRECTORY contrib/${harness} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
+    COMPONENT teamwork USE_SOURCE_PERMISSIONS)
+endforeach()
+
+# --- The licences of what is linked in, as the installed packages have them ----------------------
+
+# Finds the licence of one library among `candidates`, patterns of paths; -DQUILLPOST_LICENCE_<NAME>
+# names it where none fits. Without one the program is still built, and who packs it is told.
+function(quillpost_licence name candidates)
+  set(variable QUILLPOST_LICENCE_${name})
+  string(TOUPPER ${variable} variable)
+  if(NOT DEFINED ${variable})
+    file(GLOB found ${candidates})
+    list(LENGTH found count)
+    if(count GREATER 0)
+      list(GET found 0 first)
+      file(REAL_PATH ${first} first)
+      set(${variable} ${first} CACHE FILEPATH "The licence of ${name}")
+    endif()
+  endif()
+  if(${variable})
+    install(FILES ${${variable}} DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${name}
+      COMPONENT teamwork)
+  else()
+    message(WARNING "No licence of ${name} found; name it with -D${variable}=FILE before packing")
+  endif()
+endfunction()
+
+get_filename_component(utf8procPrefix ${UTF8PROC_INCLUDE_DIR} DIRECTORY)
+list(GET Boost_INCLUDE_DIRS 0 boostInclude)
+get_filename_component(boostPrefix ${boostInclude} DIRECTORY)
+quillpost_licence(boost "${boostPrefix}/share/doc/libboost-json*-dev/copyright;\
+${boostPrefix}/opt/boost/LICENSE*;${boostPrefix}/LICENSE*")
+# Its file covers the Unicode data that is compiled into it too.
+quillpost_licence(utf8proc "${utf8procPrefix}/share/doc/libutf8proc-dev/copyright;\
+${utf8procPrefix}/opt/utf8proc/LICENSE*;${utf8procPrefix}/LICENSE*")
+if(NOT APPLE)
+  # The C++ runtime is linked in too; on macOS it belongs to the system.
+  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libstdc++.a
+    OUTPUT_VARIABLE runtime OUTPUT_STRIP_TRAILING_WHITESPACE)
+  set(gcc "*")
+  if(runtime MATCHES "/gcc/[^/]+/([0-9]+)/")
+    set(gcc ${CMAKE_MATCH_1})
+  endif()
+  quillpost_licence(libstdc++ "/usr/share/doc/gcc-${gcc}-base/copyright")
+endif()
+
+# --- Packages -------------------------------------------------------------------------------------
+
+set(CPACK_PACKAGE_NAME quillpost-teamwork)
+set(CPACK_PACKAGE_VENDOR Quillpost)
+set(CPACK_PACKAGE_CONTACT "Quillpost <teamwork@quillpost.invalid>")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Seat on a shared work board for an AI coding agent")
+set(CPACK_PACKAGE_FILE_NAME
+  quillpost-teamwork-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
+set(CPACK_VERBATIM_VARIABLES ON)
+set(CPACK_COMPONENTS_ALL teamwork)
+set(CPACK_COMPONENTS_GROUPING ALL_COMPONENTS_IN_ONE)
+set(CPACK_ARCHIVE_COMPONENT_INSTALL ON)
+set(CPACK_COMPONENT_INCLUDE_TOPLEVEL_DIRECTORY ON)
+set(CPACK_DEB_COMPONENT_INSTALL ON)
+set(CPACK_GENERATOR TGZ)
+find_program(DPKG_DEB dpkg-deb)
+if(DPKG_DEB)
+  list(APPEND CPACK_GENERATOR DEB)
+  set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+  set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+  find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
+  if(DPKG_SHLIBDEPS)
+    set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+  else()
+    set(CPACK_DEBIAN_PACKAGE_DEPENDS libc6)
+  endif()
+endif()
+include(CPack)

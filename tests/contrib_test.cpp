@@ -1,0 +1,276 @@
+// The ready configuration files in contrib/, each read as its harness reads it and the command in
+// it started as its harness starts it.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "base/text.h"
+#include "contrib/toml.h"
+#include "harness/process.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+#include "json/value.h"
+#include "model/coding.h"
+
+namespace quillpost::contrib {
+namespace {
+
+using testing::Command;
+using ::testing::HasSubstr;
+using testing::Process;
+using testing::readFile;
+using testing::ScriptedApp;
+using testing::TempDir;
+
+using Variables = std::map<std::string, std::string>;
+
+constexpr std::string_view program = "/usr/local/bin/quillpost-teamwork";
+constexpr std::string_view shared = "/usr/local/share/quillpost-teamwork/";
+constexpr std::string_view hookLine =
+    "Quillpost hook, automatic: board changed, call wait_for_changes, act on wakeReasons, then "
+    "keep listening";
+
+std::string contribFile(std::string_view name) {
+  return readFile(text::cat(QUILLPOST_SOURCE_DIR "/contrib/", name));
+}
+
+std::string replaced(std::string whole, std::string_view old, std::string_view fresh) {
+  for (std::size_t at = whole.find(old); at != std::string::npos;
+       at = whole.find(old, at + fresh.size()))
+    whole.replace(at, old.size(), fresh);
+  return whole;
+}
+
+/// A command with the installed paths replaced by those of the build and of the sources.
+std::string here(std::string command) {
+  return replaced(replaced(std::move(command), program, QUILLPOST_PROGRAM), shared,
+                  QUILLPOST_SOURCE_DIR "/contrib/");
+}
+
+/// A value in a JSON file by its path of keys and list positions; null when there is none.
+const json::Tree* at(const json::Tree& tree, const std::vector<std::string_view>& path) {
+  const json::Tree* here = &tree;
+  for (const std::string_view step : path) {
+    if (const auto* list = here->if_array()) {
+      here = list->empty() ? nullptr : &list->front();
+    } else if (const auto* object = here->if_object()) {
+      here = json::find(*object, step);
+    } else {
+      here = nullptr;
+    }
+    if (here == nullptr) return nullptr;
+  }
+  return here;
+}
+
+std::string textAt(const std::string& source, const std::vector<std::string_view>& path) {
+  const std::optional<json::Tree> tree = json::parse(source);
+  const json::Tree* found = tree ? at(*tree, path) : nullptr;
+  const auto* words = found != nullptr ? found->if_string() : nullptr;
+  return words != nullptr ? std::string(*words) : std::string();
+}
+
+/// What a harness starts, and the environment it hands on of the terminal's.
+struct Start {
+  std::string command;
+  Variables environment;
+};
+
+/// What the app sets in a terminal that it opens on a Thread.
+Variables terminal(const std::string& socketPath) {
+  return {{"HOME", "/nonexistent"},
+          {"QUILLPOST_SESSION_ID", "S1"},
+          {"QUILLPOST_COLLAB_TOKEN", "start"},
+          {"QUILLPOST_COLLAB_SOCKET", socketPath},
+          {"QUILLPOST_COLLAB_TOKEN_FILE", "/nonexistent/token"}};
+}
+
+/// The whole environment is inherited, with nothing of the file's own.
+Start inheriting(const std::string& source, const Variables& environment) {
+  const std::optional<json::Tree> tree = json::parse(source);
+  EXPECT_TRUE(tree && at(*tree, {"mcpServers", "teamwork", "env"}) == nullptr);
+  return {textAt(source, {"mcpServers", "teamwork", "command"}), environment};
+}
+
+/// Only the variables that the file lists are handed on, each under its own name.
+Start listed(const std::string& source, const Variables& environment) {
+  const std::optional<json::Tree> tree = json::parse(source);
+  const json::Tree* env = tree ? at(*tree, {"mcpServers", "teamwork", "env"}) : nullptr;
+  Start start = {textAt(source, {"mcpServers", "teamwork", "command"}), {}};
+  if (env == nullptr || !env->is_object()) return start;
+  for (const auto& member : env->get_object()) {
+    const std::string name(member.key());
+    EXPECT_EQ(member.value(), json::Tree(text::cat("${env:", name, "}")));
+    const auto value = environment.find(name);
+    if (value != environment.end()) start.environment.insert(*value);
+  }
+  return start;
+}
+
+Start fromToml(const std::string& source, const Variables& environment) {
+  const std::optional<Toml> toml = parseToml(source);
+  if (!toml) return {};
+  Start start = {std::get<std::string>(toml->at("mcp_servers.teamwork.command")), {}};
+  for (const std::string& name :
+       std::get<std::vector<std::string>>(toml->at("mcp_servers.teamwork.env_vars"))) {
+    const auto value = environment.find(name);
+    if (value != environment.end()) start.environment.insert(*value);
+  }
+  return start;
+}
+
+/// One harness and its file.
+struct ServerFile {
+  std::string name;
+  std::string_view file;
+  std::string_view clientName;
+  Start (*read)(const std::string& source, const Variables& environment);
+};
+
+void PrintTo(const ServerFile& file, std::ostream* out) { *out << file.name; }
+
+class ServerConfiguration : public ::testing::TestWithParam<ServerFile> {};
+
+TEST_P(ServerConfiguration, StartsAServerThatKnowsItsSeat) {
+  const TempDir home;
+  const Start start =
+      GetParam().read(contribFile(GetParam().file), terminal(home.pathOf("nobody.sock")));
+  ASSERT_EQ(start.command, program);
+
+  Process server({here(start.command), {}, start.environment});
+  server.writeLine(
+      text::cat(R"({"jsonrpc":"2.0","id":1,"method":"initialize","params":{"clientInfo":{"name":")",
+                GetParam().clientName, R"("}}})"));
+  EXPECT_THAT(server.readLine().value_or(""), HasSubstr(R"("name":"quillpost-teamwork")"));
+
+  // With a session and a token it asks the app, and only then finds nobody there.
+  server.writeLine(
+      R"({"jsonrpc":"2.0","id":2,"method":"tools/call","params":{"name":"list_tasks"}})");
+  EXPECT_THAT(server.readLine().value_or(""), HasSubstr("Couldn't reach the Quillpost app"));
+  server.closeInput();
+  EXPECT_EQ(server.waitForExit(), 0);
+}
+
+std::string nameOf(const ::testing::TestParamInfo<ServerFile>& info) { return info.param.name; }
+
+// clang-format off
+INSTANTIATE_TEST_SUITE_P(Contrib, ServerConfiguration, ::testing::Values(
+    ServerFile{"claude",      "claude/mcp.json",             "claude-code",        inheriting},
+    ServerFile{"codex",       "codex/config.toml",           "codex-mcp-client",   fromToml},
+    ServerFile{"cursor",      "cursor/mcp.json",             "cursor-vscode",      listed},
+    ServerFile{"antigravity", "antigravity/mcp_config.json", "antigravity-client", inheriting}),
+    nameOf);
+// clang-format on
+
+TEST(ServerConfigurations, ThatListVariablesListEveryOneOfThem) {
+  for (const std::string_view file : {"codex/config.toml", "cursor/mcp.json"}) {
+    for (const std::string_view name :
+         {"QUILLPOST_SESSION_ID", "QUILLPOST_COLLAB_TOKEN", "QUILLPOST_COLLAB_SOCKET",
+          "QUILLPOST_COLLAB_TOKEN_FILE", "QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS",
+          "QUILLPOST_COLLAB_WAIT_MAX_SECONDS"})
+      EXPECT_THAT(contribFile(file), HasSubstr(text::cat("\"", name, "\""))) << file;
+  }
+}
+
+TEST(ServerConfigurations, LetCodexWaitLongerThanAWaitAndOneAnswerTake) {
+  const std::optional<Toml> toml = parseToml(contribFile("codex/config.toml"));
+  ASSERT_TRUE(toml);
+  EXPECT_GE(std::get<int>(toml->at("mcp_servers.teamwork.tool_timeout_sec")), 30 + 40);
+}
+
+/// One harness's stop hook, and what it says to the harness.
+struct HookFile {
+  std::string name;
+  std::string_view file;
+  std::vector<std::string_view> path;
+  int wakeStatus;
+  std::string wakeOutput, wakeErrors;
+  std::string quietOutput;
+};
+
+void PrintTo(const HookFile& file, std::ostream* out) { *out << file.name; }
+
+class HookConfiguration : public ::testing::TestWithParam<HookFile> {
+ protected:
+  /// Runs the file's command as a shell does.
+  void expectHook(const Variables& environment, int status, const std::string& output,
+                  const std::string& errors) const {
+    const std::string command = textAt(contribFile(GetParam().file), GetParam().path);
+    ASSERT_THAT(command, HasSubstr(program));
+    Variables variables = environment;
+    variables["PATH"] = "/usr/bin:/bin";
+    Process hook({"/bin/sh", {"-c", here(command)}, variables});
+    hook.write(R"({"hook_event_name":"Stop"})");
+    hook.closeInput();
+    EXPECT_EQ(hook.waitForExit(), status);
+    EXPECT_EQ(hook.restOfOutput(), output);
+    EXPECT_EQ(hook.errors(), errors);
+  }
+};
+
+TEST_P(HookConfiguration, KeepsTheAgentGoingWhenTheBoardHasSomething) {
+  const TempDir home;
+  ScriptedApp app(home.pathOf("a.sock"));
+  app.play(testing::reply(R"({"kind":"wake","wakePending":true})"));
+  expectHook(terminal(app.path()), GetParam().wakeStatus, GetParam().wakeOutput,
+             GetParam().wakeErrors);
+}
+
+TEST_P(HookConfiguration, LetsTheAgentStopWhenTheBoardIsQuiet) {
+  const TempDir home;
+  ScriptedApp app(home.pathOf("a.sock"));
+  app.play(testing::reply(R"({"kind":"wake","wakePending":false})"));
+  expectHook(terminal(app.path()), 0, GetParam().quietOutput, "");
+}
+
+TEST_P(HookConfiguration, LetsTheAgentStopOutsideAThread) {
+  expectHook({}, 0, GetParam().quietOutput, "");
+}
+
+std::string hookName(const ::testing::TestParamInfo<HookFile>& info) { return info.param.name; }
+
+const std::vector<std::string_view> nested = {"hooks", "Stop", "0", "hooks", "0", "command"};
+
+INSTANTIATE_TEST_SUITE_P(
+    Contrib, HookConfiguration,
+    ::testing::Values(
+        HookFile{"claude", "claude/settings.json", nested, 2, "", text::cat(hookLine, "\n"), ""},
+        HookFile{"codex", "codex/hooks.json", nested, 2, "", text::cat(hookLine, "\n"), ""},
+        HookFile{"cursor",
+                 "cursor/hooks.json",
+                 {"hooks", "stop", "0", "command"},
+                 0,
+                 text::cat(R"({"followup_message":")", hookLine, "\"}\n"),
+                 "",
+                 "{}\n"},
+        HookFile{"antigravity",
+                 "antigravity/hooks.json",
+                 {"quillpost-teamwork", "Stop", "0", "command"},
+                 0,
+                 text::cat(R"({"decision":"continue","reason":")", hookLine, "\"}\n"),
+                 "",
+                 "{\"decision\":\"stop\"}\n"}),
+    hookName);
+
+TEST(Toml, IsReadAsFarAsAConfigurationNeedsIt) {
+  const std::optional<Toml> toml =
+      parseToml("# note\n[a.b]\ntext = \"x\"\nnumber = 90\nlist = [\n  \"p\",\n  \"q\",\n]\n");
+  ASSERT_TRUE(toml);
+  EXPECT_EQ(toml->at("a.b.text"), TomlValue("x"));
+  EXPECT_EQ(toml->at("a.b.number"), TomlValue(90));
+  EXPECT_EQ(toml->at("a.b.list"), TomlValue(std::vector<std::string>{"p", "q"}));
+  for (const std::string_view wrong :
+       {"word\n", "a = b\n", "a = \"x\n", "a = [\"x\"\n", "a = [x]\n", "a = \"\\n\"\n"})
+    EXPECT_FALSE(parseToml(wrong)) << wrong;
+}
+
+}  // namespace
+}  // namespace quillpost::contrib

@@ -1,0 +1,162 @@
+// What lands where: an installation into an empty root, and the packages that are made of it. The
+// build that runs the tests is the one that is installed and packed.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/text.h"
+#include "harness/process.h"
+#include "harness/temp_dir.h"
+
+namespace quillpost {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsSupersetOf;
+using ::testing::Not;
+using testing::Process;
+using testing::readFile;
+using ::testing::StartsWith;
+using testing::TempDir;
+
+/// Packing waits for the disk and for the tools of the system.
+constexpr Duration packingPatience = std::chrono::seconds(110);
+
+std::string buildDirectory() {
+  return std::filesystem::path(QUILLPOST_PROGRAM).parent_path().string();
+}
+
+/// A tool as the build system found it; its plain name when it did not say.
+std::string toolOf(std::string_view variable, std::string_view plain) {
+  const std::string mark = text::cat("\n", variable, ":INTERNAL=");
+  const std::string cache = readFile(buildDirectory() + "/CMakeCache.txt");
+  const std::size_t at = cache.find(mark);
+  if (at == std::string::npos) return std::string(plain);
+  const std::size_t start = at + mark.size();
+  return cache.substr(start, cache.find('\n', start) - start);
+}
+
+/// Runs a tool to its end; what it said, on a failure.
+void run(const std::string& program, std::vector<std::string> arguments, const TempDir& home,
+         std::map<std::string, std::string> more = {}) {
+  more["PATH"] = "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin";
+  more["HOME"] = home.path();
+  Process process({program, std::move(arguments), std::move(more)});
+  process.closeInput();
+  const std::optional<int> status = process.waitForExit(packingPatience);
+  const std::string said = process.restOfOutput() + process.errors();
+  ASSERT_EQ(status, 0) << program << ": " << said;
+}
+
+/// Every file below a directory, by its path from there.
+std::set<std::string> filesIn(const std::string& directory) {
+  std::set<std::string> files;
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(directory))
+    if (entry.is_regular_file())
+      files.insert(std::filesystem::relative(entry.path(), directory).string());
+  return files;
+}
+
+bool isExecutable(const std::string& path) {
+  struct stat status {};
+  return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXOTH) != 0;
+}
+
+/// What an installation has, below its prefix.
+std::vector<std::string> expectedFiles() {
+  const std::string doc = "share/doc/quillpost-teamwork/", own = "share/quillpost-teamwork/";
+  std::vector<std::string> files = {"bin/quillpost-teamwork",
+                                    "share/man/man1/quillpost-teamwork.1",
+                                    doc + "README.md",
+                                    doc + "ARCHITECTURE.md",
+                                    doc + "CONTRIBUTING.md",
+                                    doc + "CHANGELOG.md",
+                                    doc + "docs/protocol.md",
+                                    doc + "docs/tools.md",
+                                    doc + "docs/porting.md",
+                                    doc + "docs/setup-claude.md",
+                                    doc + "docs/setup-codex.md",
+                                    doc + "docs/setup-antigravity.md",
+                                    doc + "docs/setup-cursor.md",
+                                    doc + "licences/utf8proc",
+                                    own + "claude/mcp.json",
+                                    own + "claude/settings.json",
+                                    own + "codex/config.toml",
+                                    own + "codex/hooks.json",
+                                    own + "cursor/mcp.json",
+                                    own + "cursor/hooks.json",
+                                    own + "cursor/stop-hook",
+                                    own + "antigravity/mcp_config.json",
+                                    own + "antigravity/hooks.json",
+                                    own + "antigravity/stop-hook"};
+#ifndef __APPLE__
+  files.push_back(doc + "licences/boost");
+  files.push_back(doc + "licences/libstdc++");
+#endif
+  return files;
+}
+
+/// Holds an installation to what it must and must not have.
+void expectInstallation(const std::string& prefix) {
+  const std::set<std::string> files = filesIn(prefix);
+  EXPECT_THAT(files, IsSupersetOf(expectedFiles()));
+  for (const std::string& file : files) EXPECT_THAT(file, Not(HasSubstr("devboard")));
+  EXPECT_TRUE(isExecutable(prefix + "/bin/quillpost-teamwork"));
+  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/cursor/stop-hook"));
+  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/antigravity/stop-hook"));
+  EXPECT_THAT(readFile(prefix + "/share/doc/quillpost-teamwork/licences/utf8proc"),
+              HasSubstr("Unicode"));
+
+  Process program({prefix + "/bin/quillpost-teamwork", {}, {}});
+  program.writeLine(R"({"jsonrpc":"2.0","id":1,"method":"ping"})");
+  program.closeInput();
+  EXPECT_EQ(program.readLine(), R"({"jsonrpc":"2.0","result":{},"id":1})");
+  EXPECT_EQ(program.waitForExit(), 0);
+}
+
+/// The one file in a directory whose name ends so; empty when there is none.
+std::string fileEnding(const std::string& directory, std::string_view ending) {
+  for (const std::string& file : filesIn(directory))
+    if (file.ends_with(ending)) return directory + "/" + file;
+  return {};
+}
+
+TEST(Install, PutsTheProgramAndItsPapersIntoAnEmptyRoot) {
+  const TempDir root;
+  run(toolOf("CMAKE_COMMAND", "cmake"),
+      {"--install", buildDirectory(), "--prefix", "/opt/quillpost"}, root,
+      {{"DESTDIR", root.path()}});
+  expectInstallation(root.pathOf("opt/quillpost"));
+}
+
+TEST(Install, PacksWhatItInstalls) {
+  const TempDir root;
+  const std::string packages = root.makeDirectory("packages");
+  run(toolOf("CMAKE_CPACK_COMMAND", "cpack"),
+      {"--config", buildDirectory() + "/CPackConfig.cmake", "-B", packages}, root);
+
+  const std::string archive = fileEnding(packages, ".tar.gz");
+  run("tar", {"xzf", archive, "-C", root.makeDirectory("archive")}, root);
+  const std::string top = std::filesystem::path(archive).stem().stem().string();
+  EXPECT_THAT(top, StartsWith("quillpost-teamwork-1.0.0-"));
+  expectInstallation(root.pathOf("archive/" + top));
+
+#ifndef __APPLE__
+  run("dpkg-deb", {"--extract", fileEnding(packages, ".deb"), root.makeDirectory("deb")}, root);
+  expectInstallation(root.pathOf("deb/usr"));
+#endif
+}
+
+}  // namespace
+}  // namespace quillpost
