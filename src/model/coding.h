@@ -12,19 +12,22 @@
 
 namespace quillpost {
 
-/// The request as one compact JSON object. Nothing when a text in it is not UTF-8, as one that came
-/// from the environment may not be.
+/// The request as one compact JSON object. Nothing when a text in it is not UTF-8, which one that
+/// came from the environment need not be.
 std::optional<std::string> encodeRequest(const TeamworkRequest& request);
 
 /// The response that one reply holds; nothing when it is not JSON, its kind is unknown, a required
 /// key is missing or a value has the wrong type, anywhere.
 std::optional<TeamworkResponse> decodeResponse(std::string_view reply);
 
-/// The other two directions, for a program that plays the app.
+/// The request that one line holds, for a program that plays the app; nothing when it is not one.
 std::optional<TeamworkRequest> decodeRequest(std::string_view line);
+
+/// The response as one compact JSON object, for a program that plays the app. Nothing when a text
+/// in it is not UTF-8.
 std::optional<std::string> encodeResponse(const TeamworkResponse& response);
 
-/// An ask's payload as compact JSON with its keys sorted.
+/// An ask's payload as compact JSON with its keys sorted. Its texts must be UTF-8.
 std::string encodeHumanAsk(const TeamworkHumanAsk::Payload& payload);
 
 }  // namespace quillpost

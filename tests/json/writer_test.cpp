@@ -203,8 +203,9 @@ std::string objectWith(const Values& values) {
 
 TEST(Objects, LeaveOutWhatHasNoValue) {
   EXPECT_EQ(objectWith({}), "{}");
-  EXPECT_EQ(objectWith({.text = "", .number = 0, .flag = false, .texts = std::vector<std::string>()}),
-            R"({"text":"","number":0,"flag":false,"texts":[]})");
+  EXPECT_EQ(
+      objectWith({.text = "", .number = 0, .flag = false, .texts = std::vector<std::string>()}),
+      R"({"text":"","number":0,"flag":false,"texts":[]})");
 }
 
 TEST(Objects, AddAFlagOnlyWhenItIsSet) {
