@@ -123,11 +123,12 @@ std::vector<Cells> discussionRows(const Board& board) {
 
 std::string showBoard(const Board& board, Moment at) {
   const Thread& thread = board.thread();
-  std::string_view state = thread.goal.empty() ? "none yet" : thread.goal;
+  const std::string_view goal =
+      thread.goal.empty() ? std::string_view("none yet") : std::string_view(thread.goal);
   std::string out = text::cat("Thread ", thread.name, " (", thread.id, "), revision ", thread.rev,
                               ", squad ", thread.squadOn ? "on" : "off", "\n");
   if (!thread.charter.empty()) out += text::cat("Charter: ", thread.charter, "\n");
-  out += text::cat("Goal: ", state, "\n");
+  out += text::cat("Goal: ", goal, "\n");
   if (thread.goalComplete) out += "The goal is complete.\n";
   if (!thread.goalProposedBy.empty()) {
     out += text::cat("PROPOSED as complete by ", calling(board, thread.goalProposedBy),

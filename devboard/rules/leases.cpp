@@ -56,12 +56,13 @@ void lapseSeats(Board& board, Moment at) {
 }
 
 void lapseClaim(Board& board, const Task& task, Moment at) {
-  if (const Seat* holder = seatOf(board, task.owner)) {
+  const std::string former = task.owner;
+  if (const Seat* holder = seatOf(board, former)) {
     takeBackWakes(board, *holder, "claimExpiring", task.id);
-    wake(board, *holder,
-         {0, "claimExpired", task.id, text::cat("Your claim on ", named(task), " lapsed"), ""});
   }
-  giveUpClaim(board, task, {"taskLapsed", task.id, ""}, at);
+  const Notice notices[] = {
+      {former, "claimExpired", text::cat("Your claim on ", named(task), " lapsed")}};
+  giveUpClaim(board, task, {"taskLapsed", task.id, ""}, at, notices);
 }
 
 void warnHolder(Board& board, const Task& task, Moment at) {
@@ -121,10 +122,11 @@ void takeClaim(Board& board, const Task& task, const Seat& seat, Moment at) {
   takeBackWakes(board, seat, "claimExpired", task.id);
 }
 
-bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at) {
+bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at,
+                 std::span<const Notice> notices) {
   if (handOver(board, task, move.by, at)) return true;
   dropClaim(board, task);
-  announce(board, move);
+  announce(board, move, notices);
   return false;
 }
 

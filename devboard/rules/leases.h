@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -48,8 +49,10 @@ void renewClaim(Board& board, const Task& task, Moment at);
 void takeClaim(Board& board, const Task& task, const Seat& seat, Moment at);
 
 /// Takes the task from its holder, for a move of that kind: it goes to the first agent here who has
-/// asked for its release, and back to the pool when nobody has. Whether somebody got it.
-bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at);
+/// asked for its release, and back to the pool when nobody has; `notices` are for the latter.
+/// Whether somebody got it.
+bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at,
+                 std::span<const Notice> notices = {});
 
 /// Hands the task over if its holder is blocked or parked and somebody here has asked for it. `by`
 /// is whose doing that is, who needs not be told; empty when both are to be told. Whether it was
