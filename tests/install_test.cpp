@@ -47,12 +47,13 @@ std::string toolOf(std::string_view variable, std::string_view plain) {
   return cache.substr(start, cache.find('\n', start) - start);
 }
 
-/// Runs a tool to its end; what it said, on a failure.
+/// Runs a tool, found on the path, to its end; what it said, on a failure.
 void run(const std::string& program, std::vector<std::string> arguments, const TempDir& home,
          std::map<std::string, std::string> more = {}) {
   more["PATH"] = "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin";
   more["HOME"] = home.path();
-  Process process({program, std::move(arguments), std::move(more)});
+  arguments.insert(arguments.begin(), program);
+  Process process({"/usr/bin/env", std::move(arguments), std::move(more)});
   process.closeInput();
   const std::optional<int> status = process.waitForExit(packingPatience);
   const std::string said = process.restOfOutput() + process.errors();
@@ -125,10 +126,10 @@ void expectInstallation(const std::string& prefix) {
   EXPECT_EQ(program.waitForExit(), 0);
 }
 
-/// The one file in a directory whose name ends so; empty when there is none.
-std::string fileEnding(const std::string& directory, std::string_view ending) {
-  for (const std::string& file : filesIn(directory))
-    if (file.ends_with(ending)) return directory + "/" + file;
+/// The one package in a directory whose name ends so; empty when there is none.
+std::string packageIn(const std::string& directory, std::string_view ending) {
+  for (const auto& entry : std::filesystem::directory_iterator(directory))
+    if (entry.path().string().ends_with(ending)) return entry.path().string();
   return {};
 }
 
@@ -146,14 +147,14 @@ TEST(Install, PacksWhatItInstalls) {
   run(toolOf("CMAKE_CPACK_COMMAND", "cpack"),
       {"--config", buildDirectory() + "/CPackConfig.cmake", "-B", packages}, root);
 
-  const std::string archive = fileEnding(packages, ".tar.gz");
+  const std::string archive = packageIn(packages, ".tar.gz");
   run("tar", {"xzf", archive, "-C", root.makeDirectory("archive")}, root);
   const std::string top = std::filesystem::path(archive).stem().stem().string();
   EXPECT_THAT(top, StartsWith("quillpost-teamwork-1.0.0-"));
   expectInstallation(root.pathOf("archive/" + top));
 
 #ifndef __APPLE__
-  run("dpkg-deb", {"--extract", fileEnding(packages, ".deb"), root.makeDirectory("deb")}, root);
+  run("dpkg-deb", {"--extract", packageIn(packages, ".deb"), root.makeDirectory("deb")}, root);
   expectInstallation(root.pathOf("deb/usr"));
 #endif
 }
