@@ -12,6 +12,7 @@ import contextlib
 import json
 import os
 import re
+import select
 import shlex
 import shutil
 import signal
@@ -147,7 +148,9 @@ class Board:
         said = done.stdout + done.stderr
         check(done.returncode == 0 and expect in said, expect, said)
         for line in said.rstrip().split("\n"):
-            print(f"           {line}"[:width].rstrip(), flush=True)
+            fits = words[0] == "seat" or len(line) <= width - 11
+            shown = line if fits else line[: width - 12] + "…"
+            print(f"           {shown}".rstrip(), flush=True)
         return said
 
     def seat(self, *words):
@@ -160,7 +163,8 @@ class Board:
 
     def close(self):
         self.process.terminate()
-        check(self.process.wait(PATIENCE) == 0, "the board to end with 0", self.process.returncode)
+        status = self.process.wait(PATIENCE)
+        check(status == 0, "the board to end with 0", status)
 
 
 class Seat:
@@ -212,12 +216,15 @@ class Seat:
         check(answer.get("id") == self.lastID and "result" in answer, "a result", answer)
         return show(who, answer["result"]["content"][0]["text"], expect)
 
-    def listen(self):
-        """Begins a wait. Whoever asks for progress is told that the program listens by now."""
+    def listen(self, quietFor=0):
+        """Begins a wait, and sees that it holds for as long as nothing happens. Whoever asks for
+        progress is told that the program listens by now."""
         self.begin("wait_for_changes", {"timeoutSeconds": 25}, {"_meta": {"progressToken": "w"}})
         note = self.receive()
         check(note.get("method") == "notifications/progress", "a sign of progress", note)
         say("", "…", note["params"]["message"], "dim")
+        early, _, _ = select.select([self.process.stdout], [], [], quietFor)
+        check(not quietFor or not early, "a wait that holds", "an answer before anything happened")
 
     def wake(self, expect):
         """Ends the wait that listen() began."""
@@ -239,7 +246,8 @@ class Seat:
     def close(self):
         """The program ends with its input."""
         self.process.stdin.close()
-        check(self.process.wait(PATIENCE) == 0, "the program to end with 0", self.process.returncode)
+        status = self.process.wait(PATIENCE)
+        check(status == 0, "the program to end with 0", status)
 
 
 # --- The session ----------------------------------------------------------------------------------
@@ -288,7 +296,7 @@ def play(board, ada, bo):
     bo.call("update_task", hours, taskID=hours, blocked=True, blockerKind="decision",
             blockerQuestion="Which day is the bakery closed?",
             blockerOptions=["Monday", "Tuesday"])
-    bo.listen()
+    bo.listen(quietFor=1)
     board.command("show", expect="Which day")
     board.command("answer", hours, "2", expect="Answered")
     bo.wake({"wakeReasons": ["blockerAnswered"]})
@@ -314,7 +322,7 @@ def play(board, ada, bo):
     title("7. What is done makes more READY",
           "Bo has nothing to do and listens. Ada's completion opens the task that waited for it.")
     bo.stop(NOTHING_WAITS)
-    bo.listen()
+    bo.listen(quietFor=1)
     ada.call("complete_task", f"Completed {bread}", taskID=bread,
              summary="bread.json holds what is left, every minute. Compared with the till.")
     bo.wake({"changed": True, "goalComplete": False})
@@ -338,15 +346,13 @@ def play(board, ada, bo):
 
 def serve(board, program):
     """Leaves the board to the person, on a thread where nothing has happened yet."""
-    title("The board runs on, until Ctrl-C", "To put an agent of yours on a thread of its own:")
-    _, variables = board.seat("--thread", "yours")
-    print("\n# 1. in the terminal that starts the agent")
-    for name, value in variables.items():
-        print(f"export {name}={shlex.quote(value)}")
-    print("\n# 2. in the harness's MCP configuration")
+    title("The board runs on, until Ctrl-C",
+          "An agent of yours gets a thread of its own. In the terminal that starts it, these lines:")
+    board.seat("--thread", "yours")
+    print("\nIn the harness's MCP configuration:\n")
     print(json.dumps({"mcpServers": {"teamwork": {"command": program}}}, indent=2))
-    print("\n# 3. as the harness's stop hook\n" + shlex.join([program, "--wake-stop-hook"]))
-    print("\n# and to look at the thread\n"
+    print("\nAs the harness's stop hook:\n\n" + shlex.join([program, "--wake-stop-hook"]))
+    print("\nAnd this shows the thread:\n\n"
           + shlex.join([board.program, "--dir", board.folder, "--thread", "yours", "show"]),
           flush=True)
     signal.alarm(0)
