@@ -347,7 +347,7 @@ def play(board, ada, bo):
 def serve(board, program):
     """Leaves the board to the person, on a thread where nothing has happened yet."""
     title("The board runs on, until Ctrl-C",
-          "An agent of yours gets a thread of its own. In the terminal that starts it, these lines:")
+          "An agent of yours gets a thread of its own. Its terminal needs these lines:")
     board.seat("--thread", "yours")
     print("\nIn the harness's MCP configuration:\n")
     print(json.dumps({"mcpServers": {"teamwork": {"command": program}}}, indent=2))
