@@ -106,7 +106,7 @@ TEST(BlockerQuestion, FromElsewhereIsCutToTheLimit) {
   for (const std::string_view source : {"progress", "summary"}) {
     for (const Character& character : characters) {
       const std::string full = times(blockerQuestionLimit, character.bytes);
-      for (const std::size_t more : {0, 1, 160}) {
+      for (const std::size_t more : {0u, 1u, 160u}) {
         const BlockerQuestion question =
             compose(text::cat("{\"", source, "\":\"", full, times(more, character.bytes), "\"}"));
         EXPECT_EQ(question.text, full) << source << " of " << character.name << " + " << more;

@@ -458,7 +458,7 @@ TEST_F(Server, AnswersTheSameHoweverTheBytesArrive) {
   const std::string input = text::cat(ping("1"), "\n\n", ping("2"), "\r\nnot json\n[1]\n",
                                       ping(R"("é…😀")"), "\n", ping("4"));
   const Messages expected = {pong("1"), pong("2"), pong(R"("é…😀")"), pong("4")};
-  for (const std::size_t pieceBytes : {1, 2, 3, 7, 50, 1000})
+  for (const std::size_t pieceBytes : {1u, 2u, 3u, 7u, 50u, 1000u})
     EXPECT_EQ(answersToInput(FakeInput(input, pieceBytes)), expected) << pieceBytes;
   EXPECT_EQ(answersToInput(FakeInput({ping("1") + "\n" + ping("2"), "\n"})),
             (Messages{pong("1"), pong("2")}));
