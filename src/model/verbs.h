@@ -62,7 +62,7 @@ struct ToolName {
   std::string_view text;
 
   // Implicit, so that a row of a table can spell the tool as plain text.
-  consteval ToolName(const char* name) : text(name) {
+  consteval ToolName(const char* name) : text(name) {  // NOLINT(google-explicit-constructor)
     if (std::ranges::find(listedTools, text) == listedTools.end()) noSuchTool();
   }
 
