@@ -5,8 +5,8 @@
 #include "harness/golden.h"
 #include "json/decoder.h"
 #include "json/value.h"
-#include "samples.h"
-#include "wire_table.h"
+#include "model/samples.h"
+#include "model/wire_table.h"
 
 namespace quillpost {
 namespace {
