@@ -1,7 +1,6 @@
 #include "server/blocker.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 #include <utility>
 

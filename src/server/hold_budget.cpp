@@ -10,7 +10,7 @@ namespace {
 
 using Profile = TeamworkClientProfile::Profile;
 
-// Seconds. Thirty is what every client is known to stand, and more than some stand.
+// Seconds. Thirty is what every client is known to stand.
 constexpr int64_t defaultHold = 30;
 constexpr int64_t shortestBudget = 15;
 constexpr int64_t shortestMaximum = 110;

@@ -4,7 +4,6 @@
 #include <boost/json/monotonic_resource.hpp>
 #include <cstddef>
 #include <memory>
-#include <span>
 #include <utility>
 
 #include "base/memory.h"

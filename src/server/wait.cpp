@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <utility>
 
-#include "base/text.h"
 #include "model/verbs.h"
 #include "render/obligations.h"
 #include "render/texts/replies.h"
