@@ -4,14 +4,12 @@
 
 #include <array>
 #include <cstdint>
-#include <limits>
-#include <random>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "base/unicode.h"
+#include "harness/dice.h"
 #include "json/record.h"
 #include "json/value.h"
 #include "model/coding.h"
@@ -25,71 +23,7 @@ namespace {
 using Kind = TeamworkResponse::Kind;
 using Profile = TeamworkClientProfile::Profile;
 
-constexpr std::array<std::string_view, 24> words = {"",
-                                                    "on",
-                                                    "off",
-                                                    "KQ3",
-                                                    "kq3",
-                                                    "#a3f9",
-                                                    "claimed",
-                                                    "done",
-                                                    "error",
-                                                    "exited",
-                                                    "terminal",
-                                                    "working",
-                                                    "taskWatched",
-                                                    "claimExpired",
-                                                    "youWereTagged",
-                                                    "[[gist]] g",
-                                                    "[[for]] f",
-                                                    "a\nb\n",
-                                                    "\"\\/\b\f\r\t",
-                                                    "\x01\x1f\x7f",
-                                                    "\u2028 \u2029\u00a0",
-                                                    "e\u0301\U0001F469\u200D\U0001F4BB",
-                                                    "{{x}} (thread T-1)",
-                                                    "\r\n\n"};
-
-constexpr std::array<int64_t, 9> numbers = {
-    std::numeric_limits<int64_t>::min(), -61, -1, 0, 1, 2, 59, 2001,
-    std::numeric_limits<int64_t>::max()};
-
-/// Fills values of any type that a record holds.
-class Dice {
- public:
-  explicit Dice(uint64_t seed) : engine_(seed) {}
-
-  std::size_t below(std::size_t limit) { return static_cast<std::size_t>(engine_() % limit); }
-  bool flip() { return below(2) == 1; }
-
-  void fill(std::string& text) {
-    text = words.at(below(words.size()));
-    if (below(4) == 0) text += words.at(below(words.size()));
-  }
-  void fill(int64_t& number) { number = numbers.at(below(numbers.size())); }
-  void fill(bool& flag) { flag = flip(); }
-  template <json::Named Word>
-  void fill(Word& word) {
-    word = json::Names<Word>::rows.at(below(json::Names<Word>::rows.size())).value;
-  }
-  template <class Value>
-  void fill(std::optional<Value>& value) {
-    value.reset();
-    if (flip()) fill(value.emplace());
-  }
-  template <class Element>
-  void fill(std::vector<Element>& list) {
-    list.clear();
-    for (std::size_t left = below(4); left > 0; --left) fill(list.emplace_back());
-  }
-  template <json::Record Value>
-  void fill(Value& record) {
-    json::forEachField<Value>([&](const auto& field) { fill(record.*field.member); });
-  }
-
- private:
-  std::mt19937_64 engine_;
-};
+using testing::Dice;
 
 SeatState anyState(Dice& dice) {
   SeatState state;

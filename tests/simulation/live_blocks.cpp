@@ -1,0 +1,54 @@
+#include "simulation/live_blocks.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+
+namespace quillpost::simulation {
+namespace {
+
+// The binary has one thread.
+int64_t blocks = 0;
+bool counting = false;
+
+/// In front of every block; as large as the strictest alignment, so that the block keeps it.
+struct alignas(std::max_align_t) Mark {
+  bool counted;
+};
+
+}  // namespace
+
+int64_t watchedBlocks() { return blocks; }
+
+BlockWatch::BlockWatch(bool counts) : before_(counting) { counting = counts; }
+BlockWatch::~BlockWatch() { counting = before_; }
+
+/// A block of `size` bytes behind its mark; null when there is no memory.
+static void* take(std::size_t size) {
+  void* whole = std::malloc(sizeof(Mark) + size);
+  if (whole == nullptr) return nullptr;
+  Mark* mark = ::new (whole) Mark{counting};
+  if (counting) ++blocks;
+  return mark + 1;
+}
+
+/// Gives a block back.
+static void give(void* block) {
+  if (block == nullptr) return;
+  Mark* mark = static_cast<Mark*>(block) - 1;
+  if (mark->counted) --blocks;
+  std::free(mark);
+}
+
+}  // namespace quillpost::simulation
+
+// The C++ runtime finds these before its own, and its forms for arrays and with sizes end in them.
+void* operator new(std::size_t size) {
+  void* block = quillpost::simulation::take(size);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+void operator delete(void* block) noexcept { quillpost::simulation::give(block); }
+void operator delete(void* block, std::size_t /*size*/) noexcept {
+  quillpost::simulation::give(block);
+}

@@ -1,0 +1,17 @@
+#pragma once
+
+// One whole session: a client, the server and an app, in one thread, on virtual time, by chance.
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "simulation/judge.h"
+
+namespace quillpost::simulation {
+
+/// Plays the session of a seed. Gives what was wrong, or nothing; `trace`, when there is one,
+/// takes what happened.
+std::optional<std::string> playSession(uint64_t seed, Tally& tally, std::string* trace = nullptr);
+
+}  // namespace quillpost::simulation
