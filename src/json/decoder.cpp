@@ -85,6 +85,8 @@ class RecordReader {
     const std::optional<double> number = nearestDouble(text);
     if (!number) return wrongType(ec);  // 1e400 makes the whole text not JSON
     if (skipping()) return skipValue();
+    // Digits alone come here only when they do not fit 64 bits, though their double may seem to.
+    if (text.find_first_of(".eE") == std::string_view::npos) return wrongType(ec);
     const std::optional<int64_t> integral = integralValue(*number);
     return integral ? takeInteger(*integral, ec) : wrongType(ec);
   }

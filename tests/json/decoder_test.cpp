@@ -245,6 +245,7 @@ TEST(Integers, MayBeWrittenInAnyFormThatIsIntegral) {
            Row{"-0.5", std::nullopt},
            Row{"5e-1", std::nullopt},
            Row{"9223372036854775808", std::nullopt},
+           Row{"-9223372036854775809", std::nullopt},
            Row{"18446744073709551615", std::nullopt},
            Row{"18446744073709551616", std::nullopt},
            Row{"-9223372036854775809000", std::nullopt},

@@ -77,6 +77,7 @@ TEST(ArgumentsInteger, IsTakenFromANumberOrFromItsDigits) {
            Row{"9223372036854775807", highest},
            Row{"-9223372036854775808", lowest},
            Row{"9223372036854775808", std::nullopt},
+           Row{"-9223372036854775809", std::nullopt},
            Row{"18446744073709551615", std::nullopt},
            Row{"18446744073709551616", std::nullopt},
            Row{"-9223372036854777856", std::nullopt},
