@@ -6,7 +6,8 @@
 // start: from before a program is started to its LINES-th line of output, or to its end when it has
 //        said less; with 0 lines, to its end after its input was closed. BATCH is not used.
 // talk:  each program is started once. From writing the input to the LINES-th line of output, BATCH
-//        times in a row, divided by BATCH.
+//        times in a row, divided by BATCH. Before that once untimed, because the programs whose
+//        turn it was have left the caches full of theirs.
 //
 // Goes on for SECONDS, at least `fewest_turns` and at most `most_turns` turns. Prints one line for
 // each sample: the program's place in the list, counted from 0, and nanoseconds.
@@ -225,12 +226,7 @@ int main(int count, char** arguments) {
   signal(SIGPIPE, SIG_IGN);
   alarm((unsigned)work.seconds + grace_seconds);
 
-  if (!work.starts) {
-    for (int i = 0; i < side_count; i++) {
-      start(&sides[i]);
-      if (!converse(&sides[i], &work)) fail(sides[i].arguments[0]);
-    }
-  }
+  for (int i = 0; i < side_count && !work.starts; i++) start(&sides[i]);
   take_turns(&work);
   for (int i = 0; i < side_count; i++) {
     if (sides[i].process != 0) finish(&sides[i]);
