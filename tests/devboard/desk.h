@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <random>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,7 +25,7 @@ namespace quillpost::devboard {
 
 /// Random numbers that are the same in every run.
 inline Random countingRandom() {
-  return [state = uint32_t{7}]() mutable { return state = state * 1664525 + 1013904223; };
+  return [engine = std::mt19937(7)]() mutable { return static_cast<uint32_t>(engine()); };
 }
 
 /// A request of that session with those members, each written as in JSON; a test failure when that

@@ -1,0 +1,122 @@
+#include "devboard/publication.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+#include <filesystem>
+
+#include "desk.h"
+#include "devboard/client.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
+namespace quillpost::devboard {
+namespace {
+
+using ::testing::HasSubstr;
+using testing::TempDir;
+
+mode_t modeOf(const std::string& path) {
+  struct stat status {};
+  EXPECT_EQ(::stat(path.c_str(), &status), 0) << path;
+  return status.st_mode & 0777;
+}
+
+std::optional<Publication> publish(const std::string& directory, const std::string& suffix) {
+  std::string why;
+  auto publication = Publication::open(directory, suffix, countingRandom(), why);
+  EXPECT_TRUE(publication) << why;
+  return publication;
+}
+
+TEST(Publication, MakesAllItsFilesPrivateAndRemovesThem) {
+  const TempDir dir;
+  {
+    const auto publication = publish(dir.path(), "dev");
+    EXPECT_EQ(publication->files().socket, dir.pathOf("teamwork-dev.sock"));
+    EXPECT_EQ(publication->files().token, dir.pathOf("teamwork-dev.token"));
+    EXPECT_EQ(modeOf(publication->files().socket), 0600u);
+    EXPECT_EQ(modeOf(publication->files().token), 0600u);
+    EXPECT_EQ(modeOf(publication->files().personToken), 0600u);
+    EXPECT_EQ(testing::readFile(publication->files().token), publication->token() + "\n");
+    EXPECT_NE(publication->token(), publication->personToken());
+    EXPECT_TRUE(testing::connectTo(publication->files().socket));
+  }
+  EXPECT_TRUE(std::filesystem::is_empty(dir.path()));
+}
+
+TEST(Publication, ReplacesWhatAKilledBoardHasLeft) {
+  const TempDir dir;
+  dir.write("teamwork-dev.sock", "");
+  dir.write("teamwork-dev.token", "old");
+  const auto publication = publish(dir.path(), "dev");
+  EXPECT_EQ(testing::readFile(publication->files().token), publication->token() + "\n");
+}
+
+TEST(Publication, LeavesABoardThatIsServedAlone) {
+  const TempDir dir;
+  const auto first = publish(dir.path(), "dev");
+  std::string why;
+  EXPECT_FALSE(Publication::open(dir.path(), "dev", countingRandom(), why));
+  EXPECT_THAT(why, HasSubstr("another board"));
+  EXPECT_EQ(testing::readFile(first->files().token), first->token() + "\n");
+}
+
+TEST(Publication, SaysWhatIsWrongWithAPath) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_FALSE(Publication::open(dir.path(), std::string(100, 'x'), countingRandom(), why));
+  EXPECT_THAT(why, HasSubstr("too long"));
+  EXPECT_FALSE(Publication::open(dir.pathOf("missing"), "dev", countingRandom(), why));
+  EXPECT_THAT(why, HasSubstr("missing"));
+}
+
+TEST(Finding, TakesTheOneBoardThatIsServed) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_THAT(why, HasSubstr("no board"));
+  const auto first = publish(dir.path(), "one");
+  dir.write("teamwork-dead.sock", "");
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), "one");
+  const auto second = publish(dir.path(), "two");
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_THAT(why, HasSubstr("--suffix"));
+  EXPECT_EQ(findServed(dir.path(), "two", why), "two");
+  EXPECT_EQ(findServed(dir.path(), "dead", why), std::nullopt);
+}
+
+TEST(Asking, BringsThePersonsTokenAndTheAnswerBack) {
+  const TempDir dir;
+  dir.write("person-dev.token", "secret\n");
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::reply(R"({"kind":"written","message":"Done."})"));
+  std::string why;
+  TeamworkRequest request;
+  request.method = personShow;
+  const auto response = askBoard(dir.path(), "dev", request, why);
+  ASSERT_TRUE(response) << why;
+  EXPECT_EQ(response->message, "Done.");
+  ASSERT_EQ(app.requests().size(), 1u);
+  EXPECT_THAT(app.requests().front(), HasSubstr(R"("token":"secret")"));
+}
+
+TEST(Asking, SaysThatABoardDidNotAnswer) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_FALSE(askBoard(dir.path(), "dev", {}, why));
+  EXPECT_THAT(why, HasSubstr("cannot reach"));
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::closeWithoutReply());
+  EXPECT_FALSE(askBoard(dir.path(), "dev", {}, why));
+  EXPECT_THAT(why, HasSubstr("did not answer"));
+  TeamworkRequest request;
+  request.body = "\xff";
+  EXPECT_FALSE(askBoard(dir.path(), "dev", request, why));
+  EXPECT_THAT(why, HasSubstr("UTF-8"));
+}
+
+}  // namespace
+}  // namespace quillpost::devboard
