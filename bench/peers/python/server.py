@@ -77,10 +77,10 @@ def briefing(tasks):
     for task in sorted(tasks, key=lambda task: -task.get("priority", 0)):
         if task["state"] in ("done", "rejected"):
             hidden += 1
-        elif not task.get("ownerFingerprint") and not task.get("blocked") and task.get("ready", True):
-            board["readyToClaim"].append(compact_task(task))
-        else:
-            board["waiting"].append(compact_task(task))
+            continue
+        free = not task.get("ownerFingerprint") and not task.get("blocked")
+        bucket = "readyToClaim" if free and task.get("ready", True) else "waiting"
+        board[bucket].append(compact_task(task))
     if hidden:
         board["hint"] = f"{hidden} finished tasks hidden"
     return board
