@@ -11,6 +11,7 @@ namespace {
 constexpr std::string_view letters = "ABCDEFGHJKLMNPQRSTUVWXYZ";
 constexpr std::string_view digits = "23456789";
 constexpr std::string_view hexDigits = "0123456789abcdef";
+constexpr int secretLength = 32;
 constexpr std::string_view tagLetters = "abcdefghjkmnpqrstuvwxyz23456789";
 
 char pick(const Random& random, std::string_view from) { return from[random() % from.size()]; }
@@ -41,7 +42,11 @@ std::string mintHandle(const Random& random) {
   return pickAll(random, letters, 2) + pick(random, digits);
 }
 
-std::string mintSecret(const Random& random) { return pickAll(random, hexDigits, 32); }
+std::string mintSecret(const Random& random) { return pickAll(random, hexDigits, secretLength); }
+
+bool isSecret(std::string_view text) {
+  return text.size() == std::size_t{secretLength} && text.find_first_not_of(hexDigits) == text.npos;
+}
 
 std::string environmentLines(const SeatEnvironment& seat) {
   return text::cat("export QUILLPOST_SESSION_ID=", quoted(seat.sessionID), "\n",

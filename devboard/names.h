@@ -3,6 +3,7 @@
 // Names and secrets that the board gives out, and how a shell is told of them.
 
 #include <string>
+#include <string_view>
 
 #include "devboard/methods.h"
 
@@ -16,6 +17,8 @@ std::string mintHandle(const Random& random);
 
 /// A secret of 128 bits as 32 digits.
 std::string mintSecret(const Random& random);
+/// Whether a text has the form of such a secret.
+bool isSecret(std::string_view text);
 
 /// What a terminal's environment holds for its seat.
 struct SeatEnvironment {

@@ -12,6 +12,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "base/unicode.h"
 #include "bridge/unix_socket.h"
 #include "devboard/names.h"
 
@@ -46,6 +47,17 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   ::unlink(fresh.c_str());
   const UniqueFd file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privately));
   return file && writeWhole(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0;
+}
+
+/// The secret in a file that only this user can have written; nothing when there is none.
+std::optional<std::string> leftSecret(const std::string& path) {
+  struct stat status {};
+  if (::lstat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (status.st_uid != ::geteuid() || (status.st_mode & (S_IRWXG | S_IRWXO)) != 0) {
+    return std::nullopt;
+  }
+  const std::string text(unicode::trim(files::readSmallText(path).value_or("")));
+  return isSecret(text) ? std::optional(text) : std::nullopt;
 }
 
 std::string reason() {
@@ -95,8 +107,8 @@ std::optional<Publication> Publication::open(const std::string& directory,
 Publication::Publication(UniqueFd socket, BoardFiles files, const Random& random)
     : socket_(std::move(socket)),
       files_(std::move(files)),
-      token_(mintSecret(random)),
-      personToken_(mintSecret(random)) {}
+      token_(leftSecret(files_.token).value_or(mintSecret(random))),
+      personToken_(leftSecret(files_.personToken).value_or(mintSecret(random))) {}
 
 Publication::Publication(Publication&& other) noexcept
     : socket_(std::move(other.socket_)),

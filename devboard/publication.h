@@ -26,8 +26,9 @@ BoardFiles filesIn(std::string_view directory, std::string_view suffix);
 /// A board that is being served; its files are removed at the end of this object.
 class Publication {
  public:
-  /// Binds the socket and writes new tokens, in files that only this user can read. What a board
-  /// that was killed has left is replaced. Nothing when that fails or when another board is served
+  /// Binds the socket and writes random tokens, in files that only this user can read. The socket
+  /// that a killed board has left is replaced; its tokens are kept, so that a request that was on
+  /// its way is still good. Nothing when that fails or when another board is served
   /// there: then `why` says so in words.
   static std::optional<Publication> open(const std::string& directory, const std::string& suffix,
                                          const Random& random, std::string& why);

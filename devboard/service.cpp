@@ -60,8 +60,8 @@ Answer Service::answer(const TeamworkRequest& request) {
     return {answerPerson(request), {}};
   }
   if (request.token != settings_.token) {
-    return {refused("The collaboration token is not this board's. It changes whenever the board "
-                    "starts; read it anew from the token file."),
+    return {refused("The collaboration token is not this board's. Read it anew from the "
+                    "token file."),
             {}};
   }
   Board* board = boardOf(request.sessionID);

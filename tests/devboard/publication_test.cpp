@@ -55,6 +55,17 @@ TEST(Publication, ReplacesWhatAKilledBoardHasLeft) {
   EXPECT_EQ(testing::readFile(publication->files().token), publication->token() + "\n");
 }
 
+TEST(Publication, KeepsTheTokensOfAKilledBoardUnlessOthersCouldHaveReadThem) {
+  const std::string left(32, 'a');
+  for (const mode_t mode : {0600u, 0640u}) {
+    const TempDir dir;
+    ::chmod(dir.write("teamwork-dev.token", left + "\n").c_str(), mode);
+    const auto publication = publish(dir.path(), "dev");
+    EXPECT_EQ(publication->token() == left, mode == 0600u);
+    EXPECT_EQ(modeOf(publication->files().token), 0600u);
+  }
+}
+
 TEST(Publication, LeavesABoardThatIsServedAlone) {
   const TempDir dir;
   const auto first = publish(dir.path(), "dev");
