@@ -10,6 +10,7 @@
 
 #include "base/unicode.h"
 #include "harness/dice.h"
+#include "harness/result_shape.h"
 #include "json/record.h"
 #include "json/value.h"
 #include "model/coding.h"
@@ -38,25 +39,6 @@ SeatState anyState(Dice& dice) {
   return state;
 }
 
-bool isObject(const TeamworkResponse& response) {
-  switch (response.kind) {
-    case Kind::registered:
-      return response.agent.has_value();
-    case Kind::tasks:
-      return response.tasks && !response.tasks->empty();
-    case Kind::task:
-      return response.task.has_value();
-    case Kind::plan:
-      return response.plan.has_value();
-    case Kind::changes:
-      return true;
-    case Kind::discussion:
-      return response.discussion.has_value();
-    default:
-      return false;
-  }
-}
-
 void expectObject(const std::string& text) {
   const std::optional<json::Tree> tree = json::parse(text);
   ASSERT_TRUE(tree.has_value()) << text;
@@ -81,7 +63,7 @@ TEST(AnyResult, IsValidTextAndJsonWhereItIsMeantToBe) {
 
     const std::string text = composeResult(response, request, state);
     ASSERT_TRUE(unicode::isValid(text)) << encodeResponse(response).value_or("");
-    if (isObject(response)) {
+    if (testing::isObjectResult(response)) {
       ++objects;
       expectObject(text);
     } else {

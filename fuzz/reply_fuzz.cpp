@@ -1,0 +1,116 @@
+// A reply from the app: decoded, put into words for every tool and as a wait's end, and read again
+// where it is JSON. Bytes that do not begin as an object are taken for the values of a response
+// instead, so that the words are reached without hitting upon valid JSON.
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "base/unicode.h"
+#include "fuzz/input.h"
+#include "harness/dice.h"
+#include "harness/result_shape.h"
+#include "json/record.h"
+#include "json/value.h"
+#include "model/coding.h"
+#include "model/verbs.h"
+#include "render/result.h"
+#include "render/wait_outcome.h"
+
+namespace quillpost::fuzz {
+namespace {
+
+/// Fills a record of any type with values from the bytes.
+class Filler {
+ public:
+  explicit Filler(std::string_view bytes)
+      : source_(reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()) {}
+
+  void fill(std::string& text) {
+    const uint8_t choice = source_.byte();
+    text = choice < testing::diceWords.size() ? testing::diceWords[choice]
+                                              : source_.bytes(choice % 64);
+    // Nothing else comes out of the decoder.
+    if (!unicode::isValid(text)) text.clear();
+  }
+  void fill(int64_t& number) { number = source_.anyNumber().value_or(1); }
+  void fill(bool& flag) { flag = source_.byte() % 2 == 1; }
+  template <json::Named Word>
+  void fill(Word& word) {
+    const auto& rows = json::Names<Word>::rows;
+    word = rows[source_.byte() % rows.size()].value;
+  }
+  template <class Value>
+  void fill(std::optional<Value>& value) {
+    if (source_.byte() % 2 == 1) fill(value.emplace());
+  }
+  template <class Element>
+  void fill(std::vector<Element>& list) {
+    for (int left = source_.byte() % 4; left > 0; --left) fill(list.emplace_back());
+  }
+  template <json::Record Value>
+  void fill(Value& record) {
+    json::forEachField<Value>([&](const auto& field) { fill(record.*field.member); });
+  }
+
+ private:
+  Source source_;
+};
+
+void checkObject(const std::string& text) {
+  const std::optional<json::Tree> tree = json::parse(text);
+  require(tree && tree->is_object(), "not a JSON object");
+}
+
+void renderForEveryTool(const TeamworkResponse& response, const SeatState& state, Source numbers) {
+  ResultRequest request;
+  request.body = {.offset = numbers.anyNumber(), .limit = numbers.anyNumber()};
+  request.log = {.offset = numbers.anyNumber(), .limit = numbers.anyNumber()};
+  for (const std::string_view tool : listedTools) {
+    request.tool = tool;
+    request.includeAll = !request.includeAll;
+    const std::string text = composeResult(response, request, state);
+    require(unicode::isValid(text), "not UTF-8");
+    if (testing::isObjectResult(response)) checkObject(text);
+  }
+}
+
+void renderAsWaitEnd(const TeamworkResponse& response, SeatState state) {
+  absorbFeed(state, response);
+  absorbWaitEnd(state);
+  const std::vector<std::string> watching = {"t1"};
+  const WaitOutcome outcome = {.feed = response.changes ? &*response.changes : nullptr,
+                               .watching = watching,
+                               .heldSeconds = 30,
+                               .shortenedFrom = 60,
+                               .timedOut = response.wakePending.value_or(false),
+                               .cannotHoldLong = true};
+  checkObject(waitOutcome(outcome, state));
+}
+
+void tryReply(std::string_view reply) {
+  std::optional<TeamworkResponse> response = decodeResponse(reply);
+  if (!response && reply.starts_with('{')) return;
+  if (!response) Filler(reply).fill(response.emplace());
+  const std::optional<std::string> again = encodeResponse(*response);
+  require(again && decodeResponse(*again) == response, "a response that does not come back");
+  SeatState state;
+  state.waitSeq = static_cast<int64_t>(reply.size());
+  state.clientProfile = static_cast<TeamworkClientProfile::Profile>(reply.size() % 5);
+  renderAsWaitEnd(*response, state);
+  absorbAnswer(state, *response);
+  // The numbers come from the end of the reply, so that its beginning stays one.
+  const std::string_view last =
+      reply.substr(reply.size() - std::min<std::size_t>(40, reply.size()));
+  renderForEveryTool(*response, state,
+                     Source(reinterpret_cast<const uint8_t*>(last.data()), last.size()));
+}
+
+}  // namespace
+}  // namespace quillpost::fuzz
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* bytes, size_t size) {
+  quillpost::fuzz::tryReply({reinterpret_cast<const char*>(bytes), size});
+  return 0;
+}
