@@ -1,346 +1,290 @@
-// The program while the system's calls fail it: each call it makes, each way that call can fail,
-// and what becomes of the conversation. faults/preload.c stands between the two.
+// The program against the world at its worst: clients that flood it, that read slowly or not at
+// all, and apps that answer nonsense. It answers what can be answered, and keeps nothing.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
-#include <cerrno>
+#include <csignal>
+#include <cstddef>
+#include <future>
 #include <map>
 #include <optional>
-#include <sstream>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "base/text.h"
+#include "base/unique_fd.h"
+#include "harness/golden.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 
-namespace quillpost {
+namespace quillpost::testing {
 namespace {
 
-using testing::Process;
-using testing::ScriptedApp;
-using testing::TempDir;
-using text::cat;
-using Variables = std::map<std::string, std::string>;
+constexpr std::size_t oneMiB = std::size_t{1} << 20;
+constexpr std::size_t longestReply = 16 * oneMiB;
 
-constexpr std::string_view ping1 = R"({"jsonrpc":"2.0","result":{},"id":1})";
-constexpr std::string_view ping3 = R"({"jsonrpc":"2.0","result":{},"id":3})";
-constexpr std::string_view hookLine =
-    "Quillpost hook, automatic: board changed, call wait_for_changes, act on wakeReasons, "
-    "then keep listening\n";
+constexpr std::string_view ping = R"({"id":"still there","method":"ping"})";
+constexpr std::string_view pong = R"({"jsonrpc":"2.0","result":{},"id":"still there"})";
+constexpr std::string_view call =
+    R"({"id":1,"method":"tools/call","params":{"name":"read_messages"}})";
+constexpr std::string_view nothingNew = R"({"kind":"empty","message":"Nothing new."})";
 
-std::string call(int64_t id) {
-  return cat(R"({"id":)", id, R"(,"method":"tools/call","params":{"name":"read_plan"}})", "\n");
-}
-std::string answer(int64_t id) {
-  return cat(R"({"jsonrpc":"2.0","result":{"content":[{"type":"text","text":"hello"}],)",
-             R"("isError":false},"id":)", id, "}");
+std::string textAnswer(std::string_view escapedText) {
+  return text::cat(R"({"jsonrpc":"2.0","result":{"content":[{"type":"text","text":")", escapedText,
+                   R"("}],"isError":false},"id":1})");
 }
 
-const std::string conversation =
-    cat(R"({"id":1,"method":"ping"})", "\n", call(2), R"({"id":3,"method":"ping"})", "\n");
-const std::string clean = cat(ping1, "\n", answer(2), "\n", ping3, "\n");
-
-/// What came of one run.
-struct Ending {
-  std::optional<int> status;
-  std::string output, errors;
-  std::vector<std::string> requests;
-  /// How often each call was made; what was left open, and closed without being open.
-  std::map<std::string, long> made;
-};
+const std::string unreachable = textAnswer(
+    "Couldn't reach the Quillpost app just now — a transient local connection hiccup, NOT a sign "
+    "your Thread ended or that you left it. Your Thread is still active. Wait a moment and retry "
+    "this call.");
 
 class Faults : public ::testing::Test {
  protected:
-  Faults() {
-    home.write("a.token", "from-file\n");
-    app.otherwise([](const std::string& request) {
-      const bool isHook = request.find("wake_query") != std::string::npos;
-      return testing::reply(isHook ? R"({"kind":"wake","wakePending":true})"
-                                   : R"({"kind":"empty","message":"hello"})");
-    });
-  }
-
-  Variables seat() const {
+  std::map<std::string, std::string> seat() const {
     return {{"HOME", home.path()},
-            {"QUILLPOST_SESSION_ID", "S1"},
-            {"QUILLPOST_COLLAB_TOKEN", "from-start"},
+            {"PATH", "/usr/bin:/bin"},
+            {"QUILLPOST_SESSION_ID", "S-7"},
+            {"QUILLPOST_COLLAB_TOKEN", "start"},
             {"QUILLPOST_COLLAB_SOCKET", app.path()}};
   }
 
-  /// Runs the program to its end with these faults.
-  Ending run(const std::string& faults, const std::string& input = conversation,
-             std::vector<std::string> arguments = {}, std::optional<Variables> variables = {}) {
-    Variables environment = variables.value_or(seat());
-    environment["LD_PRELOAD"] = QUILLPOST_FAULTS_LIBRARY;
-    environment["QUILLPOST_FAULTS"] = faults;
-    environment["QUILLPOST_FAULTS_LOG"] = home.pathOf("log");
-    const std::size_t before = app.requests().size();
-    Ending ending;
-    Process process({QUILLPOST_PROGRAM, std::move(arguments), std::move(environment)});
-    process.write(input);
-    process.closeInput();
-    ending.status = process.waitForExit();
-    ending.output = process.restOfOutput();
-    ending.errors = process.errors();
-    const std::vector<std::string> all = app.requests();
-    ending.requests.assign(all.begin() + static_cast<std::ptrdiff_t>(before), all.end());
-    std::istringstream log(testing::readFile(home.pathOf("log")));
-    std::string name;
-    for (long count = 0; log >> name >> count;) ending.made[name] = count;
-    EXPECT_EQ(ending.made["left"], 0) << "descriptors left open: " << faults;
-    EXPECT_EQ(ending.made["bad"], 0) << "descriptors closed twice: " << faults;
-    return ending;
+  Command server() const { return {QUILLPOST_PROGRAM, {}, seat()}; }
+
+  /// A shell that becomes, or starts, the program it gets as "$0".
+  Command shell(const std::string& script, const std::string& argument = "") const {
+    return {"/bin/sh", {"-c", script, QUILLPOST_PROGRAM, argument}, seat()};
   }
-  Ending runHook(const std::string& faults) { return run(faults, "{}", {"--wake-stop-hook"}); }
 
   TempDir home;
   ScriptedApp app{home.pathOf("a.sock")};
 };
 
-std::string fails(std::string_view call, std::string_view when, int error) {
-  return cat(call, ":", when, ":e", error);
+void expectAlive(Process& process) {
+  EXPECT_TRUE(process.writeLine(ping));
+  EXPECT_EQ(process.readLine(), pong);
 }
 
-/// What becomes of the conversation.
-enum class Then {
-  nothing,      // it goes as if nothing had happened
-  startToken,   // as ever, with the token given at start
-  unreachable,  // the call is answered in words, everything else as ever
-  endAtOnce,    // the program ends quietly before any answer
-  endAfterOne   // the program ends quietly after the first answer
-};
-
-struct Row {
-  std::string faults;
-  Then then;
-};
-
-void expectThen(const Row& row, const Ending& ending) {
-  SCOPED_TRACE(row.faults);
-  EXPECT_EQ(ending.status, 0);
-  EXPECT_EQ(ending.errors, "");
-  switch (row.then) {
-    case Then::nothing:
-    case Then::startToken: {
-      const std::string_view token = row.then == Then::nothing ? "from-file" : "from-start";
-      EXPECT_EQ(ending.output, clean);
-      ASSERT_FALSE(ending.requests.empty());
-      EXPECT_NE(ending.requests.back().find(cat("\"token\":\"", token, "\"")), std::string::npos);
-      break;
-    }
-    case Then::unreachable:
-      EXPECT_TRUE(ending.output.starts_with(cat(ping1, "\n"))) << ending.output;
-      EXPECT_TRUE(ending.output.ends_with(cat("\n", ping3, "\n"))) << ending.output;
-      EXPECT_NE(ending.output.find("Couldn't reach the Quillpost app just now"), std::string::npos)
-          << ending.output;
-      break;
-    case Then::endAtOnce:
-      EXPECT_EQ(ending.output, "");
-      break;
-    case Then::endAfterOne:
-      EXPECT_EQ(ending.output, cat(ping1, "\n"));
-      break;
-  }
+void expectQuietEnd(Process& process) {
+  process.closeInput();
+  EXPECT_EQ(process.waitForExit(), 0);
+  EXPECT_EQ(process.restOfOutput(), "");
+  EXPECT_EQ(process.errors(), "");
 }
 
-TEST_F(Faults, AreNotThereUnlessAskedFor) {
-  const Ending ending = run("");
-  expectThen({"", Then::nothing}, ending);
-  for (const char* made : {"stdin", "stdout", "socket", "setsockopt", "connect", "send", "recv",
-                           "shutdown", "close", "open", "fstat", "readfile"}) {
-    EXPECT_GT(ending.made.at(made), 0) << made << " passes by unseen";
-  }
+std::string nested(std::size_t depth, std::string_view open, std::string_view close) {
+  std::string text;
+  for (std::size_t i = 0; i < depth; ++i) text += open;
+  for (std::size_t i = 0; i < depth; ++i) text += close;
+  return text;
 }
 
-TEST_F(Faults, AnInterruptionAtAnyPlaceIsNotNoticed) {
-  const std::map<std::string, long> made = run("").made;
-  for (const char* name : {"stdin", "stdout", "connect", "send", "recv", "open", "readfile"}) {
-    for (long nth = 1; nth <= made.at(name); ++nth) {
-      const Row row = {fails(name, cat(nth), EINTR), Then::nothing};
-      const Ending ending = run(row.faults);
-      expectThen(row, ending);
-      EXPECT_EQ(ending.made.at(name), made.at(name) + 1) << row.faults;
-    }
-    const Row everywhere = {fails(name, "odd", EINTR), Then::nothing};
-    expectThen(everywhere, run(everywhere.faults));
-  }
-  // A connection that was interrupted and is made all the same; a close that is never repeated.
-  for (const std::string& faults : {cat("connect:1:d", EINTR), cat("close:1+:d", EINTR)}) {
-    const Ending ending = run(faults);
-    expectThen({faults, Then::nothing}, ending);
-    EXPECT_EQ(ending.made.at("close"), made.at("close")) << faults;
-  }
+// Clients
+
+TEST_F(Faults, ALineOf64MegabytesIsReadLikeAnyOther) {
+  Process process(server());
+  const std::string filling(64 * oneMiB, 'x');
+  EXPECT_TRUE(process.writeLine(filling));
+  EXPECT_TRUE(process.writeLine(R"({"id":"long","method":"ping","params":")" + filling + "\"}"));
+  EXPECT_EQ(process.readLine(), R"({"jsonrpc":"2.0","result":{},"id":"long"})");
+  expectAlive(process);
+  expectQuietEnd(process);
 }
 
-TEST_F(Faults, AnyPartOfAMessageMayBeTakenAtATime) {
-  constexpr int64_t count = 60;
-  std::string input, expected;
-  for (int64_t id = 1; id <= count; ++id) {
-    input += call(id);
-    expected += answer(id) + "\n";
+TEST_F(Faults, AFloodOfPingsInOneWriteIsAnsweredInOrder) {
+  constexpr int count = 100'000;
+  std::string flood, answers;
+  for (int i = 0; i < count; ++i) {
+    flood += text::cat(R"({"jsonrpc":"2.0","id":)", i, R"(,"method":"ping"})", "\n");
+    answers += text::cat(R"({"jsonrpc":"2.0","result":{},"id":)", i, "}\n");
   }
-  const std::size_t request = run("").requests.front().size();
-  // The cap grows by one byte with every call, so that each size up to the whole comes once.
-  for (const std::string faults :
-       {"stdin:1+:sn", "stdout:1+:sn", "send:1+:sn", "recv:1+:sn", "readfile:1+:sn", "stdin:1+:s1",
-        "stdout:1+:s1", "send:1+:s1", "recv:1+:s1", "readfile:1+:s1"}) {
-    const Ending ending = run(faults, input);
-    EXPECT_EQ(ending.output, expected) << faults;
-    EXPECT_EQ(ending.requests.size(), static_cast<std::size_t>(count)) << faults;
-    for (const std::string& sent : ending.requests) EXPECT_EQ(sent.size(), request) << faults;
-    const std::string name = faults.substr(0, faults.find(':'));
-    const std::size_t largest = name == "send" ? request : answer(count).size();
-    if (faults.ends_with("sn") && (name == "send" || name == "stdout")) {
-      EXPECT_GT(ending.made.at(name), static_cast<long>(largest)) << "not every size: " << faults;
-    }
-  }
+  Process process(server());
+  EXPECT_TRUE(process.write(flood));
+  process.closeInput();
+  EXPECT_EQ(process.waitForExit(), 0);
+  EXPECT_TRUE(sameText(answers, process.restOfOutput()));
 }
 
-TEST_F(Faults, OfTheFirstTryAreMadeGoodByTheSecond) {
-  std::vector<Row> rows;
-  const std::vector<std::pair<const char*, std::vector<int>>> failures = {
-      {"socket", {EMFILE, ENFILE, EACCES, ENOBUFS}},
-      {"connect", {ENOENT, EACCES, ECONNREFUSED, EAGAIN, ECONNRESET, EMFILE}},
-      {"send", {EPIPE, ECONNRESET, EAGAIN, ENOBUFS}},
-      {"recv", {ECONNRESET, EAGAIN, EIO}},
+TEST_F(Faults, NoDepthOfBracketsCrashesIt) {
+  constexpr std::size_t million = 1'000'000, accepted = 499;
+  Process process(server());
+  EXPECT_TRUE(process.writeLine(std::string(million, '[')));
+  EXPECT_TRUE(process.writeLine(std::string(million, '{')));
+  EXPECT_TRUE(process.writeLine(nested(million, "[", "]")));
+  EXPECT_TRUE(process.writeLine(nested(million, R"({"id":)", "}")));
+  expectAlive(process);
+  const std::string id = nested(accepted, "[", "]");
+  EXPECT_TRUE(process.writeLine(R"({"id":)" + id + R"(,"method":"ping"})"));
+  EXPECT_EQ(process.readLine(), R"({"jsonrpc":"2.0","result":{},"id":)" + id + "}");
+
+  app.play(reply(R"({"kind":"empty","message":"m","later":)" + nested(accepted, "[", "]") + "}"));
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_EQ(process.readLine(), textAnswer("m"));
+  app.otherwise([&](const std::string&) {
+    return reply(R"({"kind":"empty","later":)" + nested(million, R"([{"a":)", "}]") + "}");
+  });
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_TRUE(process.readLine());
+  expectAlive(process);
+  expectQuietEnd(process);
+}
+
+TEST_F(Faults, AClientThatReadsSlowlyLosesNothing) {
+  // The reader waits at a gate, and the answers are far more than a pipe holds.
+  const std::string gate = home.pathOf("gate");
+  ASSERT_EQ(::mkfifo(gate.c_str(), S_IRUSR | S_IWUSR), 0);
+  app.otherwise([](const std::string&) { return reply(nothingNew); });
+  Process slow(shell(R"("$0" | { read go <"$1"; cat; })", gate));
+  std::string requests = text::cat(call, "\n");
+  for (int i = 0; i < 20; ++i)
+    requests += R"({"id":2,"method":"tools/list"})"
+                "\n";
+  requests += text::cat(ping, "\n");
+  EXPECT_TRUE(slow.write(requests));
+  slow.closeInput();
+  EXPECT_TRUE(app.waitForRequests(1));
+  const UniqueFd opened(::open(gate.c_str(), O_WRONLY));
+  EXPECT_EQ(::write(opened.get(), "\n", 1), 1);
+
+  EXPECT_EQ(slow.readLine(), textAnswer("Nothing new."));
+  const std::optional<std::string> list = slow.readLine();
+  ASSERT_TRUE(list);
+  EXPECT_GT(list->size(), oneMiB / 64);
+  for (int i = 1; i < 20; ++i) EXPECT_EQ(slow.readLine(), list);
+  EXPECT_EQ(slow.readLine(), pong);
+  EXPECT_EQ(slow.waitForExit(), 0);
+}
+
+TEST_F(Faults, AClientThatIsGoneEndsItAsTheSystemHasIt) {
+  Process process(server());
+  expectAlive(process);
+  process.closeOutput();
+  process.writeLine(ping);
+  EXPECT_EQ(process.waitForExit(), 128 + SIGPIPE);
+  EXPECT_EQ(process.errors(), "");
+}
+
+TEST_F(Faults, AClientThatIsGoneEndsItQuietlyWhereThatSignalIsIgnored) {
+  Process process(shell(R"(trap '' PIPE; exec "$0")"));
+  expectAlive(process);
+  process.closeOutput();
+  process.writeLine(ping);
+  // Its input is still open: the client that no longer reads is what ends it.
+  EXPECT_EQ(process.waitForExit(), 0);
+  EXPECT_EQ(process.errors(), "");
+}
+
+// Apps
+
+TEST_F(Faults, AnAppThatAnswersNonsenseIsUnreachableAndCostsNoDescriptor) {
+  struct Fault {
+    const char* name;
+    Behaviour behaviour;
   };
-  for (const auto& [name, errors] : failures)
-    for (const int error : errors) rows.push_back({fails(name, "1", error), Then::nothing});
-  for (const char* name : {"send", "recv"}) {
-    rows.push_back({cat(name, ":1:z"), Then::nothing});
-    rows.push_back({cat(name, ":1:s5,", fails(name, "2", EAGAIN)), Then::nothing});
-    rows.push_back({cat(name, ":1:s5,", name, ":2:z"), Then::nothing});
-  }
-  const std::map<std::string, long> made = run("").made;
-  for (const Row& row : rows) {
-    const Ending ending = run(row.faults);
-    expectThen(row, ending);
-    EXPECT_EQ(ending.made.at("socket"), made.at("socket") + 1) << row.faults;
-  }
-}
-
-TEST_F(Faults, OfEveryTryArePutIntoWords) {
-  const std::vector<Row> rows = {
-      {fails("socket", "1+", EMFILE), Then::unreachable},
-      {fails("connect", "1+", ENOENT), Then::unreachable},
-      {fails("connect", "1+", EACCES), Then::unreachable},
-      {fails("connect", "1+", EAGAIN), Then::unreachable},
-      {fails("send", "1+", EPIPE), Then::unreachable},
-      {cat("send:odd:s5,", fails("send", "even", EAGAIN)), Then::unreachable},
-      {"send:1+:z", Then::unreachable},
-      {fails("recv", "1+", ECONNRESET), Then::unreachable},
-      {cat("recv:odd:s5,", fails("recv", "even", EAGAIN)), Then::unreachable},
-      {"recv:odd:s5,recv:even:z", Then::unreachable},
-      {"recv:1+:z", Then::unreachable},
+  const Fault faults[] = {
+      {"closes without a reply", closeWithoutReply()},
+      {"closes with the request unread", reset()},
+      {"closes at once", closeAtOnce()},
+      {"a reply that is cut", replyUnterminated(R"({"kind":"empty","mess)")},
+      {"an empty reply", reply("")},
+      {"a terminator first", terminatorFirst(nothingNew)},
+      {"too long a reply", filler(longestReply + 1)},
+      {"too long a reply without an end", fillerUnterminated(longestReply + oneMiB)},
+      {"not JSON", reply("empty")},
+      {"not an object", reply(R"(["empty"])")},
+      {"not text", reply("{\"kind\":\"empty\",\"message\":\"\xFF\"}")},
+      {"more than one object", reply(R"({"kind":"empty"}{})")},
+      {"no kind", reply(R"({"message":"m"})")},
+      {"an unknown kind", reply(R"({"kind":"register"})")},
+      {"a kind of the wrong type", reply(R"({"kind":["empty"]})")},
+      {"a required key is missing", reply(R"({"kind":"plan","plan":{"threadName":"T"}})")},
+      {"a required key is null", reply(R"({"kind":"task","task":{"id":null}})")},
+      {"a key of the wrong type", reply(R"({"kind":"empty","message":5})")},
+      {"a number that is too large", reply(R"({"kind":"empty","rev":9223372036854775808})")},
   };
-  for (const Row& row : rows) {
-    const Ending ending = run(row.faults);
-    expectThen(row, ending);
-    EXPECT_EQ(ending.made.at("socket"), 3) << row.faults;
+  constexpr std::size_t tries = 3;
+  Process process(server());
+  expectAlive(process);
+  const std::optional<std::size_t> descriptors = process.openDescriptors();
+  std::size_t connections = 0;
+  for (const Fault& fault : faults) {
+    SCOPED_TRACE(fault.name);
+    for (std::size_t i = 0; i < tries; ++i) app.play(fault.behaviour);
+    EXPECT_TRUE(process.writeLine(call));
+    EXPECT_EQ(process.readLine(), unreachable);
+    EXPECT_EQ(app.connections().size(), connections += tries);
   }
+  EXPECT_GE(connections, 50u);
+
+  app.play(reply(nothingNew));
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_EQ(process.readLine(), textAnswer("Nothing new."));
+  EXPECT_EQ(process.openDescriptors(), descriptors);
+  expectQuietEnd(process);
 }
 
-TEST_F(Faults, ThatNothingDependsOnAreNotNoticed) {
-  for (const std::string& faults :
-       {fails("setsockopt", "1+", EINVAL), fails("setsockopt", "1+", ENOMEM),
-        cat("shutdown:1+:d", ENOTCONN), cat("shutdown:1+:d", EINVAL), cat("close:1+:d", EIO)}) {
-    expectThen({faults, Then::nothing}, run(faults));
-  }
+TEST_F(Faults, AnAppThatHangsUpAfterALongSilenceIsTriedAgain) {
+  app.play(stall(R"({"kind":"empty",)"));
+  app.otherwise([](const std::string&) { return reply(nothingNew); });
+  Process process(server());
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_TRUE(app.waitForRequests(1));
+  app.release();
+  EXPECT_EQ(process.readLine(), textAnswer("Nothing new."));
+  EXPECT_EQ(app.connections().size(), 2u);
 }
 
-TEST_F(Faults, OfTheTokenFileLeaveTheTokenOfTheStart) {
-  for (const std::string& faults :
-       {fails("open", "1+", ENOENT), fails("open", "1+", EACCES), fails("open", "1+", EMFILE),
-        fails("open", "1+", EIO), fails("fstat", "1+", EIO), fails("readfile", "1+", EIO),
-        cat("readfile:1:s4,", fails("readfile", "2", EIO)), std::string("readfile:1+:z")}) {
-    expectThen({faults, Then::startToken}, run(faults));
+TEST_F(Faults, BeingStoppedAndContinuedDoesNotLoseAReply) {
+  std::promise<void> enough;
+  const std::shared_future<void> wait = enough.get_future().share();
+  app.otherwise([wait](const std::string&) {
+    wait.wait();
+    return reply(nothingNew);
+  });
+  Process process(server());
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_TRUE(app.waitForRequests(1));
+  for (int i = 0; i < 100; ++i) {
+    process.signal(SIGSTOP);
+    process.residentBytes();
+    process.signal(SIGCONT);
   }
+  enough.set_value();
+  EXPECT_EQ(process.readLine(), textAnswer("Nothing new."));
+  EXPECT_EQ(app.connections().size(), 1u);
 }
 
-TEST_F(Faults, OfTheClientEndTheProgramQuietly) {
-  for (const Row& row : std::vector<Row>{
-           {fails("stdin", "1", EIO), Then::endAtOnce},
-           {fails("stdin", "1", EBADF), Then::endAtOnce},
-           {"stdin:1:z", Then::endAtOnce},
-           {fails("stdout", "1", EPIPE), Then::endAtOnce},
-           {fails("stdout", "1", ENOSPC), Then::endAtOnce},
-           {"stdout:1:z", Then::endAtOnce},
-           {fails("stdout", "2", EPIPE), Then::endAfterOne},
-           {fails("stdout", "2", EIO), Then::endAfterOne},
-           {cat(fails("stdout", "1", EAGAIN), ",", fails("poll", "1", ENOMEM)), Then::endAtOnce},
-           {cat(fails("stdin", "1", EAGAIN), ",", fails("poll", "1", ENOMEM)), Then::endAtOnce},
-       }) {
-    expectThen(row, run(row.faults));
-  }
-  // A message that was cut cannot be made good: nothing follows it.
-  const Ending cut = run(cat("stdout:1:s5,", fails("stdout", "2", EIO)));
-  EXPECT_EQ(cut.status, 0);
-  EXPECT_EQ(cut.output, ping1.substr(0, 5));
-}
+// Memory, where the system tells how much there is, and no sanitizer adds its own
 
-TEST_F(Faults, OfAClientThatIsNotReadyAreWaitedFor) {
-  for (const char* name : {"stdin", "stdout"}) {
-    for (const std::string& faults :
-         {fails(name, "odd", EAGAIN), cat(fails(name, "1", EAGAIN), ",", fails("poll", "1", EINTR)),
-          cat(name, ":odd:s3,", fails(name, "even", EAGAIN))}) {
-      const Ending ending = run(faults);
-      expectThen({faults, Then::nothing}, ending);
-      EXPECT_GT(ending.made.at("poll"), 0) << faults;
-    }
-  }
-}
+#if defined(__SANITIZE_ADDRESS__)
+#define QUILLPOST_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define QUILLPOST_SANITIZED 1
+#endif
+#endif
 
-TEST_F(Faults, OfTheSearchForTheSocketFindNone) {
-  home.makeDirectory(".local/share/Quillpost");
-  home.write(".local/share/Quillpost/agent-seat", cat("seat\n", home.pathOf("mcp-7.sock"), "\n"));
-  ScriptedApp found(home.pathOf("teamwork-7.sock"));
-  found.otherwise(
-      [](const std::string&) { return testing::reply(R"({"kind":"empty","message":"hello"})"); });
-  Variables variables = seat();
-  variables.erase("QUILLPOST_COLLAB_SOCKET");
-  EXPECT_EQ(run("", conversation, {}, variables).output, clean);
-  EXPECT_EQ(found.requests().size(), 1U);
-  for (const std::string& faults :
-       {fails("open", "1", EMFILE), fails("open", "1", EACCES), fails("readfile", "1", EIO),
-        cat(fails("open", "1", ENOENT), ",", fails("opendir", "1+", EMFILE))}) {
-    expectThen({faults, Then::unreachable}, run(faults, conversation, {}, variables));
-    EXPECT_EQ(found.requests().size(), 1U) << "it was found all the same: " << faults;
-  }
-}
+#if defined(__linux__) && !defined(QUILLPOST_SANITIZED)
+TEST_F(Faults, ItIsSmallWhenIdleAndAfterTheLongestReplyAgain) {
+  constexpr std::size_t smallest = 6 * oneMiB, growth = 4 * oneMiB;
+  Process process(server());
+  expectAlive(process);
+  const std::size_t idle = process.residentBytes().value_or(smallest);
+  EXPECT_LT(idle, smallest);
 
-TEST_F(Faults, OfTheHookLetTheAgentStop) {
-  for (const std::string& faults :
-       {fails("socket", "1", EMFILE), fails("connect", "1", ENOENT), fails("connect", "1", EACCES),
-        fails("send", "1", EPIPE), fails("send", "1", EAGAIN), std::string("send:1:z"),
-        fails("recv", "1", ECONNRESET), fails("recv", "1", EAGAIN), std::string("recv:1:z"),
-        std::string("recv:1:s5,recv:2:z")}) {
-    const Ending ending = runHook(faults);
-    EXPECT_EQ(ending.status, 0) << faults;
-    EXPECT_EQ(cat(ending.output, ending.errors), "") << faults;
-    EXPECT_LE(ending.made.at("socket"), 1) << "the hook tries once: " << faults;
-  }
+  const std::string frame = R"({"kind":"empty","message":""})";
+  const std::string words(longestReply - frame.size(), 'm');
+  app.play(reply(R"({"kind":"empty","message":")" + words + R"("})"));
+  EXPECT_TRUE(process.writeLine(call));
+  EXPECT_EQ(process.readLine(), textAnswer(words));
+  expectAlive(process);
+  EXPECT_LT(process.residentBytes().value_or(idle + growth), idle + growth);
 }
-
-TEST_F(Faults, ThatTheHookCanBearStillKeepTheAgentGoing) {
-  for (const std::string& faults :
-       {std::string(), fails("stdin", "1", EINTR), fails("stdin", "1", EIO),
-        fails("stdin", "1", EAGAIN), fails("connect", "odd", EINTR), fails("send", "odd", EINTR),
-        fails("recv", "odd", EINTR), std::string("recv:1+:s1"), fails("open", "1", EMFILE),
-        fails("stderr", "odd", EINTR), std::string("stderr:1+:s1"), std::string("stderr:1+:sn")}) {
-    const Ending ending = runHook(faults);
-    EXPECT_EQ(ending.status, 2) << faults;
-    EXPECT_EQ(ending.errors, hookLine) << faults;
-    EXPECT_EQ(ending.output, "") << faults;
-  }
-  for (const int error : {EPIPE, EIO, ENOSPC}) {
-    const Ending ending = runHook(fails("stderr", "1", error));
-    EXPECT_EQ(ending.status, 2) << error;
-    EXPECT_EQ(ending.errors, "") << error;
-  }
-}
+#endif
 
 }  // namespace
-}  // namespace quillpost
+}  // namespace quillpost::testing
