@@ -21,6 +21,18 @@ constexpr int sendFlags = 0;
 constexpr int sendFlags = MSG_NOSIGNAL;
 #endif
 
+/// A new socket that a program started from this one does not inherit; -1 when there is none.
+int openClosedOnExec() {
+#if defined(SOCK_CLOEXEC)
+  return ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+#else
+  const int fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
+  // No child can be started between the two calls: the program has one thread.
+  if (fd >= 0) ::fcntl(fd, F_SETFD, FD_CLOEXEC);
+  return fd;
+#endif
+}
+
 void failOnBrokenPipe([[maybe_unused]] const UniqueFd& socket) {
 #if defined(SO_NOSIGPIPE)
   const int yes = 1;
@@ -60,11 +72,8 @@ bool fitsSocketAddress(std::string_view path) {
 }
 
 UniqueFd openUnixSocket() {
-  UniqueFd socket(::socket(AF_UNIX, SOCK_STREAM, 0));
-  if (!socket) return socket;
-  // No child can be started between the two calls: the program has one thread.
-  ::fcntl(socket.get(), F_SETFD, FD_CLOEXEC);
-  failOnBrokenPipe(socket);
+  UniqueFd socket(openClosedOnExec());
+  if (socket) failOnBrokenPipe(socket);
   return socket;
 }
 

@@ -76,6 +76,13 @@ auto failing(const Fault& fault, const Call& call) -> decltype(call()) {
   return -1;
 }
 
+// Where the system can close a socket on exec from its first moment on, it is asked to.
+#if defined(SOCK_CLOEXEC)
+constexpr int streamType = SOCK_STREAM | SOCK_CLOEXEC;
+#else
+constexpr int streamType = SOCK_STREAM;
+#endif
+
 std::string nameOfOption(int option) {
   if (option == SO_RCVTIMEO) return "read";
   if (option == SO_SNDTIMEO) return "write";
@@ -92,7 +99,8 @@ using quillpost::text::cat;
 
 extern "C" int socket(int domain, int type, int protocol) noexcept(noexcept(::socket(0, 0, 0))) {
   const auto call = [&] { return next<int(int, int, int)>("socket")(domain, type, protocol); };
-  const std::string_view detail = domain == AF_UNIX && type == SOCK_STREAM ? "stream " : "other ";
+  const bool isStream = domain == AF_UNIX && type == quillpost::streamType;
+  const std::string_view detail = isStream ? "stream " : "other ";
   const std::optional<Fault> fault = stage.enter("socket", cat(detail, protocol));
   return fault ? failing(*fault, call) : call();
 }
