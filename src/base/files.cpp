@@ -33,14 +33,17 @@ UniqueFd openForReading(const std::string& path) {
   return UniqueFd(fd);
 }
 
-bool isSmallRegularFile(const UniqueFd& file) {
+/// The size of a regular file; nothing for anything else and for one above smallFileLimit.
+std::optional<std::size_t> sizeWhenSmallAndRegular(const UniqueFd& file) {
   struct stat status {};
-  return ::fstat(file.get(), &status) == 0 && S_ISREG(status.st_mode) &&
-         std::cmp_less_equal(status.st_size, smallFileLimit);
+  if (::fstat(file.get(), &status) != 0 || !S_ISREG(status.st_mode)) return std::nullopt;
+  if (std::cmp_greater(status.st_size, smallFileLimit)) return std::nullopt;
+  return static_cast<std::size_t>(status.st_size);
 }
 
 /// Everything up to the end; nothing when reading fails or there is more than smallFileLimit.
-std::optional<std::string> readToEnd(const UniqueFd& file) {
+/// `size` is what the file was said to hold.
+std::optional<std::string> readToEnd(const UniqueFd& file, std::size_t size) {
   std::string whole;
   std::array<char, readSize> piece;
   for (;;) {
@@ -51,6 +54,10 @@ std::optional<std::string> readToEnd(const UniqueFd& file) {
     whole.append(piece.data(), static_cast<std::size_t>(got));
     // The size is not trusted: the file may have grown since, or have none, as in /proc.
     if (whole.size() > smallFileLimit) return std::nullopt;
+    // Less than was asked for means the end, and saves the read that would find it. A file that
+    // names no size, or has not come up to it yet, may give less and still go on.
+    const bool isShort = static_cast<std::size_t>(got) < piece.size();
+    if (isShort && size > 0 && whole.size() >= size) return whole;
   }
 }
 
@@ -77,8 +84,10 @@ Entry entryNamed(const char* name, int directory) {
 std::optional<std::string> readSmallText(const std::string& path) {
   if (holdsZeroByte(path)) return std::nullopt;
   const UniqueFd file = openForReading(path);
-  if (!file || !isSmallRegularFile(file)) return std::nullopt;
-  std::optional<std::string> whole = readToEnd(file);
+  if (!file) return std::nullopt;
+  const std::optional<std::size_t> size = sizeWhenSmallAndRegular(file);
+  if (!size) return std::nullopt;
+  std::optional<std::string> whole = readToEnd(file, *size);
   if (!whole || !unicode::isValid(*whole)) return std::nullopt;
   return whole;
 }

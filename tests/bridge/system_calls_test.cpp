@@ -319,6 +319,41 @@ TEST_F(SystemCalls, GiveUpOnAnAppThatDoesNotRead) {
   EXPECT_EQ(countOfCalls("shutdown"), 0);
 }
 
+TEST_F(SystemCalls, ReadATokenFileOnceUnlessItsEndIsInDoubt) {
+  const std::string full(4096, 't');
+  const std::string token = directory.write("token", "t0k");
+  struct Row {
+    const char* name;
+    std::string path;
+    std::deque<Fault> faults;
+    std::string token;
+    std::ptrdiff_t reads;
+  };
+  const Row rows[] = {
+    {"a short file", token, {}, "t0k", 1},
+    {"an empty file", directory.write("empty", ""), {}, "", 1},
+    {"a file that fills a read", directory.write("full", full), {}, full, 2},
+    {"a file that needs two reads", directory.write("more", full + "t"), {}, full + "t", 2},
+    {"interrupted", token, {interrupted, interrupted}, "t0k", 3},
+    {"in pieces", token, {{.most = 1}, {.most = 1}}, "t0k", 3},
+    {"emptied since its size was told", token, {{.isNought = true}}, "", 1},
+    {"a failure half way", token, {{.most = 1}, {.error = EIO}}, "", 2},
+#if defined(__linux__)
+    {"no size told", "/proc/self/comm", {{.most = 1}, {.most = 2}}, "bridge_test", 4},
+#endif
+  };
+  for (const Row& row : rows) {
+    SocketBridge bridge({.socketPath = {}, .tokenFilePath = row.path, .startToken = {}});
+    stage.faults = {{"read", row.faults}};
+    stage.calls.clear();
+    stage.isWatching = true;
+    EXPECT_EQ(bridge.currentToken(), row.token) << row.name;
+    stage.isWatching = false;
+    EXPECT_EQ(countOfCalls("read 4096"), row.reads) << row.name;
+    EXPECT_EQ(countOfCalls("close"), 1) << row.name;
+  }
+}
+
 TEST_F(SystemCalls, OfTheProbeConnectAndClose) {
   stage.isWatching = true;
   EXPECT_TRUE(BridgeDiscovery::acceptsConnection(app.path()));
