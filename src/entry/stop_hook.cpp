@@ -10,8 +10,9 @@ namespace quillpost {
 
 namespace {
 
-/// Bytes read at a time: what a pipe holds.
-constexpr std::size_t readSize = 65'536;
+/// Bytes read at a time: above any ordinary event, and one page, because each page of a buffer on
+/// the stack is touched when it is made and faulted in, which costs more than reading the event.
+constexpr std::size_t readSize = 4096;
 
 /// The statuses that the harness of an agent understands.
 constexpr int letStop = 0;
