@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <optional>
 
 #include "base/clock.h"
 
@@ -18,34 +17,32 @@ class WaitTimetable {
   /// Clients that show progress time a call out when none comes.
   static constexpr Duration progressEvery = std::chrono::seconds(5);
 
+  /// Until it has been sent once, everything is due from the start on.
   WaitTimetable(Instant start, Duration hold, bool reportsProgress)
-      : deadline_(start + hold), reportsProgress_(reportsProgress) {}
+      : deadline_(start + hold),
+        reportsProgress_(reportsProgress),
+        nextHeartbeat_(start),
+        nextProgress_(start) {}
 
-  bool heartbeatDue(Instant now) const { return due(heartbeat_, heartbeatEvery, now); }
+  bool heartbeatDue(Instant now) const { return now >= nextHeartbeat_; }
   /// Never for a wait that does not report progress.
-  bool progressDue(Instant now) const {
-    return reportsProgress_ && due(progress_, progressEvery, now);
-  }
+  bool progressDue(Instant now) const { return reportsProgress_ && now >= nextProgress_; }
   bool overAt(Instant now) const { return now >= deadline_; }
 
-  void heartbeatSentAt(Instant now) { heartbeat_ = now; }
-  void progressSentAt(Instant now) { progress_ = now; }
+  void heartbeatSentAt(Instant now) { nextHeartbeat_ = now + heartbeatEvery; }
+  void progressSentAt(Instant now) { nextProgress_ = now + progressEvery; }
 
-  /// When the wait must next do something by itself. Defined once the first heartbeat and, when it
-  /// is reported, the first progress have gone out.
+  /// When the wait must next do something by itself: at its start, and then whenever the next
+  /// heartbeat, the next progress or the deadline comes.
   Instant nextWake() const {
-    const Instant wake = std::min(deadline_, *heartbeat_ + heartbeatEvery);
-    return reportsProgress_ ? std::min(wake, *progress_ + progressEvery) : wake;
+    const Instant wake = std::min(deadline_, nextHeartbeat_);
+    return reportsProgress_ ? std::min(wake, nextProgress_) : wake;
   }
 
  private:
-  static bool due(const std::optional<Instant>& last, Duration every, Instant now) {
-    return !last || now - *last >= every;
-  }
-
   Instant deadline_;
   bool reportsProgress_;
-  std::optional<Instant> heartbeat_, progress_;  // nothing yet stands for the distant past
+  Instant nextHeartbeat_, nextProgress_;
 };
 
 }  // namespace quillpost

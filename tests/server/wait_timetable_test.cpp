@@ -14,6 +14,7 @@ TEST(WaitTimetable, HasTheFirstOfEverythingDueAtOnce) {
   EXPECT_TRUE(timetable.heartbeatDue(start));
   EXPECT_TRUE(timetable.progressDue(start));
   EXPECT_FALSE(timetable.overAt(start));
+  EXPECT_EQ(timetable.nextWake(), start);
 }
 
 TEST(WaitTimetable, HasAHeartbeatDueEveryTwentySeconds) {
