@@ -58,6 +58,13 @@ class Filler {
   Source source_;
 };
 
+/// What a reader gets of a result.
+std::string plain(const json::EscapedText& text) {
+  const std::optional<json::Tree> tree = json::parse("\"" + text.escaped() + "\"");
+  require(tree && tree->is_string(), "not the inside of a JSON string");
+  return std::string(tree->get_string().data(), tree->get_string().size());
+}
+
 void checkObject(const std::string& text) {
   const std::optional<json::Tree> tree = json::parse(text);
   require(tree && tree->is_object(), "not a JSON object");
@@ -70,7 +77,7 @@ void renderForEveryTool(const TeamworkResponse& response, const SeatState& state
   for (const std::string_view tool : listedTools) {
     request.tool = tool;
     request.includeAll = !request.includeAll;
-    const std::string text = composeResult(response, request, state);
+    const std::string text = plain(composeResult(response, request, state));
     require(unicode::isValid(text), "not UTF-8");
     if (testing::isObjectResult(response)) checkObject(text);
   }
@@ -86,7 +93,7 @@ void renderAsWaitEnd(const TeamworkResponse& response, SeatState state) {
                                .shortenedFrom = 60,
                                .timedOut = response.wakePending.value_or(false),
                                .cannotHoldLong = true};
-  checkObject(waitOutcome(outcome, state));
+  checkObject(plain(waitOutcome(outcome, state)));
 }
 
 void tryReply(std::string_view reply) {

@@ -8,6 +8,14 @@
 
 namespace quillpost {
 
+void keepMemoryBetweenCalls() {
+#if defined(__GLIBC__)
+  constexpr int largestBuffer = 32 << 20;  // bytes; the most that the allocator takes here
+  ::mallopt(M_MMAP_THRESHOLD, largestBuffer);
+  ::mallopt(M_TRIM_THRESHOLD, 2 * largestBuffer);
+#endif
+}
+
 void returnFreeMemory() {
 #if defined(__GLIBC__)
   ::malloc_trim(0);

@@ -3,6 +3,7 @@
 
 #include "base/clock.h"
 #include "base/environment.h"
+#include "base/memory.h"
 #include "bridge/transport.h"
 #include "entry/settings.h"
 #include "entry/stop_hook.h"
@@ -71,6 +72,7 @@ int run(std::span<char*> arguments) {
 
 int main(int count, char** arguments) {
   quillpost::fillStandardDescriptors();
+  quillpost::keepMemoryBetweenCalls();
   try {
     return quillpost::run({arguments, static_cast<std::size_t>(count)});
   } catch (...) {

@@ -26,6 +26,9 @@ inline constexpr std::size_t depthLimit = 512;
 
 struct Shape;
 
+/// Room made for a list when its first element comes.
+inline constexpr std::size_t usualLength = 8;
+
 /// One row of a record as the reader sees it.
 struct Row {
   std::string_view key;
@@ -98,11 +101,14 @@ struct ShapeMaker<Kind> {
 
 template <class Element>
 struct ShapeMaker<std::vector<Element>> {
-  static constexpr Shape shape = {
-      .grow = [](void* list) -> void* {
-        return &static_cast<std::vector<Element>*>(list)->emplace_back();
-      },
-      .element = &shapeOf<Element>};
+  static constexpr Shape shape = {.grow = [](void* list) -> void* {
+                                    auto& elements = *static_cast<std::vector<Element>*>(list);
+                                    // Most lists are short: one allocation then holds them, where
+                                    // doubling takes several.
+                                    if (elements.capacity() == 0) elements.reserve(usualLength);
+                                    return &elements.emplace_back();
+                                  },
+                                  .element = &shapeOf<Element>};
 };
 
 template <Record T>

@@ -28,54 +28,90 @@ std::size_t plainPrefix(std::string_view text) {
   return at;
 }
 
-void appendEscape(std::string& out, unsigned char byte) {
-  switch (byte) {
-    case '"':
-      out += "\\\"";
+/// How one byte is written inside a JSON string.
+class Escape {
+ public:
+  constexpr Escape() = default;
+  constexpr explicit Escape(std::size_t byte) {
+    constexpr std::string_view digits = "0123456789abcdef";
+    constexpr std::string_view shortForms = "\"\"\\\\\bb\ff\nn\rr\tt";
+    push('\\');
+    for (std::size_t at = 0; at < shortForms.size(); at += 2) {
+      if (static_cast<std::size_t>(shortForms[at]) != byte) continue;
+      push(shortForms[at + 1]);
       return;
-    case '\\':
-      out += "\\\\";
-      return;
-    case '\b':
-      out += "\\b";
-      return;
-    case '\f':
-      out += "\\f";
-      return;
-    case '\n':
-      out += "\\n";
-      return;
-    case '\r':
-      out += "\\r";
-      return;
-    case '\t':
-      out += "\\t";
-      return;
-    default:
-      break;
+    }
+    for (const char letter : std::string_view("u00")) push(letter);
+    push(digits[byte >> 4U]);
+    push(digits[byte & 0xFU]);
   }
-  constexpr std::string_view digits = "0123456789abcdef";
-  out += "\\u00";
-  out += digits[byte >> 4U];
-  out += digits[byte & 0xFU];
+
+  /// The escape as it is written inside a JSON string itself.
+  constexpr Escape escaped() const {
+    Escape twice;
+    for (const char letter : text()) {
+      if (letter == '\\' || letter == '"') twice.push('\\');
+      twice.push(letter);
+    }
+    return twice;
+  }
+
+  constexpr std::string_view text() const { return {text_.data(), size_}; }
+
+ private:
+  constexpr void push(char letter) { text_[size_++] = letter; }
+
+  std::array<char, 7> text_{};  // an escaped \u001f
+  std::size_t size_ = 0;
+};
+
+/// The escapes of every byte up to the backslash, the last that needs one, for both nestings.
+constexpr auto escapes = [] {
+  std::array<std::array<Escape, 2>, '\\' + 1> table;
+  for (std::size_t byte = 0; byte < table.size(); ++byte)
+    table[byte] = {Escape(byte), Escape(byte).escaped()};
+  return table;
+}();
+
+/// Appends the inside of a JSON string, which may be part of another string's inside.
+void appendInside(std::string& out, std::string_view text, Nesting nesting) {
+  while (true) {
+    const std::size_t plain = plainPrefix(text);
+    out.append(text.substr(0, plain));
+    if (plain == text.size()) return;
+    const auto& forms = escapes[static_cast<unsigned char>(text[plain])];
+    out.append(forms[nesting == Nesting::outermost ? 0 : 1].text());
+    text.remove_prefix(plain + 1);
+  }
+}
+
+constexpr std::string_view quoteFor(Nesting nesting) {
+  return nesting == Nesting::outermost ? "\"" : "\\\"";
+}
+
+void appendWhole(std::string& out, std::string_view text, Nesting nesting) {
+  out.append(quoteFor(nesting));
+  appendInside(out, text, nesting);
+  out.append(quoteFor(nesting));
+}
+
+/// Appends JSON text as it stands where it is written.
+void appendJson(std::string& out, std::string_view json, Nesting nesting) {
+  if (nesting == Nesting::outermost) {
+    out.append(json);
+  } else {
+    appendEscaped(out, json);
+  }
 }
 
 }  // namespace
 
 void appendEscaped(std::string& out, std::string_view text) {
-  while (true) {
-    const std::size_t plain = plainPrefix(text);
-    out.append(text.substr(0, plain));
-    if (plain == text.size()) return;
-    appendEscape(out, static_cast<unsigned char>(text[plain]));
-    text.remove_prefix(plain + 1);
-  }
+  appendInside(out, text, Nesting::outermost);
 }
 
 void appendString(std::string& out, std::string_view text) {
-  out.push_back('"');
-  appendEscaped(out, text);
-  out.push_back('"');
+  appendWhole(out, text, Nesting::outermost);
 }
 
 void appendInteger(std::string& out, int64_t number) {
@@ -87,14 +123,12 @@ void appendInteger(std::string& out, int64_t number) {
 void Object::writeKey(std::string_view key) {
   if (!empty_) out_.push_back(',');
   empty_ = false;
-  out_.push_back('"');
-  out_.append(key);
-  out_.append("\":");
+  out_.append(quoteFor(nesting_)).append(key).append(quoteFor(nesting_)).push_back(':');
 }
 
 Object& Object::add(std::string_view key, std::string_view text) {
   writeKey(key);
-  appendString(out_, text);
+  appendWhole(out_, text, nesting_);
   return *this;
 }
 
@@ -116,18 +150,18 @@ Object& Object::addInteger(std::string_view key, int64_t number) {
 
 Object& Object::addJson(std::string_view key, std::string_view json) {
   writeKey(key);
-  out_.append(json);
+  appendJson(out_, json, nesting_);
   return *this;
 }
 
 Object Object::object(std::string_view key) {
   writeKey(key);
-  return Object(out_);
+  return Object(out_, nesting_);
 }
 
 Array Object::array(std::string_view key) {
   writeKey(key);
-  return Array(out_);
+  return Array(out_, nesting_);
 }
 
 void Array::separate() {
@@ -137,28 +171,28 @@ void Array::separate() {
 
 Array& Array::add(std::string_view text) {
   separate();
-  appendString(out_, text);
+  appendWhole(out_, text, nesting_);
   return *this;
 }
 
 Array& Array::add(std::string_view begin, std::string_view rest) {
   separate();
-  out_.push_back('"');
-  appendEscaped(out_, begin);
-  appendEscaped(out_, rest);
-  out_.push_back('"');
+  out_.append(quoteFor(nesting_));
+  appendInside(out_, begin, nesting_);
+  appendInside(out_, rest, nesting_);
+  out_.append(quoteFor(nesting_));
   return *this;
 }
 
 Array& Array::addJson(std::string_view json) {
   separate();
-  out_.append(json);
+  appendJson(out_, json, nesting_);
   return *this;
 }
 
 Object Array::object() {
   separate();
-  return Object(out_);
+  return Object(out_, nesting_);
 }
 
 }  // namespace quillpost::json

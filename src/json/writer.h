@@ -21,6 +21,33 @@ void appendEscaped(std::string& out, std::string_view text);
 /// Appends `text` as a whole JSON string, quotes included.
 void appendString(std::string& out, std::string_view text);
 
+/// A text on its way into a JSON string: kept escaped from the start, so that a long result is
+/// escaped while it is written and never gone through again. JSON may be part of it, as text.
+class EscapedText {
+ public:
+  EscapedText() = default;
+  explicit EscapedText(std::string_view plain) { append(plain); }
+
+  /// Appends a plain text, which must be UTF-8.
+  EscapedText& append(std::string_view plain) {
+    appendEscaped(escaped_, plain);
+    return *this;
+  }
+
+  /// The inside of the JSON string.
+  const std::string& escaped() const { return escaped_; }
+
+ private:
+  friend class Object;
+  friend class Array;
+
+  std::string escaped_;
+};
+
+/// Where an object or array is written: onto a text as JSON, or onto one that will stand inside a
+/// JSON string, where every quote and every escape is itself escaped.
+enum class Nesting { outermost, insideString };
+
 /// Appends `number` in decimal.
 void appendInteger(std::string& out, int64_t number);
 
@@ -35,7 +62,8 @@ class Array;
 class Object {
  public:
   /// Opens the object; the text must outlive it.
-  explicit Object(std::string& out) : out_(out) { out_.push_back('{'); }
+  explicit Object(std::string& out) : Object(out, Nesting::outermost) {}
+  explicit Object(EscapedText& out) : Object(out.escaped_, Nesting::insideString) {}
   ~Object() { out_.push_back('}'); }
   Object(const Object&) = delete;
   Object& operator=(const Object&) = delete;
@@ -85,11 +113,13 @@ class Object {
 
  private:
   friend class Array;
+  Object(std::string& out, Nesting nesting) : out_(out), nesting_(nesting) { out_.push_back('{'); }
   Object& addFlag(std::string_view key, bool flag);
   Object& addInteger(std::string_view key, int64_t number);
   void writeKey(std::string_view key);
 
   std::string& out_;
+  Nesting nesting_;
   bool empty_ = true;
 };
 
@@ -97,7 +127,8 @@ class Object {
 class Array {
  public:
   /// Opens the array; the text must outlive it.
-  explicit Array(std::string& out) : out_(out) { out_.push_back('['); }
+  explicit Array(std::string& out) : Array(out, Nesting::outermost) {}
+  explicit Array(EscapedText& out) : Array(out.escaped_, Nesting::insideString) {}
   ~Array() { out_.push_back(']'); }
   Array(const Array&) = delete;
   Array& operator=(const Array&) = delete;
@@ -114,9 +145,11 @@ class Array {
 
  private:
   friend class Object;
+  Array(std::string& out, Nesting nesting) : out_(out), nesting_(nesting) { out_.push_back('['); }
   void separate();
 
   std::string& out_;
+  Nesting nesting_;
   bool empty_ = true;
 };
 

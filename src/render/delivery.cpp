@@ -14,15 +14,14 @@ void addDelivery(json::Object& out, std::span<const TeamworkSquadMessage> messag
   out.add("messagesNote", texts::messagesNote);
 }
 
-void appendDelivery(std::string& out, std::span<const TeamworkSquadMessage> messages) {
+void appendDelivery(json::EscapedText& out, std::span<const TeamworkSquadMessage> messages) {
   if (messages.empty()) return;
-  out += "\n\n";
+  out.append("\n\n");
   {
     json::Array list(out);
     addMessages(list, messages);
   }
-  out += "\n\n";
-  out += texts::messagesNote;
+  out.append("\n\n").append(texts::messagesNote);
 }
 
 }  // namespace quillpost

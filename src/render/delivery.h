@@ -15,6 +15,6 @@ void addDelivery(json::Object& out, std::span<const TeamworkSquadMessage> messag
 
 /// Appends the messages as compact JSON and then the note, each as a paragraph of its own; nothing
 /// when there are no messages.
-void appendDelivery(std::string& out, std::span<const TeamworkSquadMessage> messages);
+void appendDelivery(json::EscapedText& out, std::span<const TeamworkSquadMessage> messages);
 
 }  // namespace quillpost

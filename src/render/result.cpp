@@ -33,20 +33,19 @@ struct Answer {
 };
 
 /// Appends a text as a paragraph of its own; nothing when there is none or it is empty.
-void appendParagraph(std::string& out, std::optional<std::string_view> paragraph) {
+void appendParagraph(json::EscapedText& out, std::optional<std::string_view> paragraph) {
   if (!paragraph || paragraph->empty()) return;
-  out += "\n\n";
-  out += *paragraph;
+  out.append("\n\n").append(*paragraph);
 }
 
 /// A text result with what is owed at its end.
-std::string closed(std::string text, const Answer& answer) {
-  text += obligationsSuffix(answer.response.obligations);
+json::EscapedText closed(json::EscapedText text, const Answer& answer) {
+  text.append(obligationsSuffix(answer.response.obligations));
   return text;
 }
 
-std::string closed(std::string_view text, const Answer& answer) {
-  return closed(std::string(text), answer);
+json::EscapedText closed(std::string_view text, const Answer& answer) {
+  return closed(json::EscapedText(text), answer);
 }
 
 /// Adds what is owed, the last member of an object.
@@ -56,10 +55,10 @@ void addOwed(json::Object& out, const Answer& answer) {
   addObligations(child, *answer.response.obligations, answer.state.lastAudience);
 }
 
-std::string composeRegistered(const Answer& answer) {
+json::EscapedText composeRegistered(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (!response.agent) return closed(texts::registered, answer);
-  std::string out;
+  json::EscapedText out;
   {
     json::Object object(out);
     addAgent(object, *response.agent);
@@ -70,7 +69,7 @@ std::string composeRegistered(const Answer& answer) {
   return out;
 }
 
-void appendAgents(std::string& out, const std::optional<std::vector<TeamworkAgent>>& agents) {
+void appendAgents(json::EscapedText& out, const std::optional<std::vector<TeamworkAgent>>& agents) {
   json::Array list(out);
   if (!agents) return;
   for (const TeamworkAgent& agent : *agents) {
@@ -79,9 +78,9 @@ void appendAgents(std::string& out, const std::optional<std::vector<TeamworkAgen
   }
 }
 
-std::string composeAgents(const Answer& answer) {
+json::EscapedText composeAgents(const Answer& answer) {
   const TeamworkResponse& response = answer.response;
-  std::string out;
+  json::EscapedText out;
   appendAgents(out, response.agents);
   if (response.squad) appendParagraph(out, squadParagraph(response.squad->mode));
   if (response.panes) appendParagraph(out, openPanesParagraph(*response.panes));
@@ -94,10 +93,10 @@ std::string composeAgents(const Answer& answer) {
   return closed(std::move(out), answer);
 }
 
-std::string composeTasks(const Answer& answer) {
+json::EscapedText composeTasks(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (!response.tasks || response.tasks->empty()) return closed(texts::backlogEmpty, answer);
-  std::string out;
+  json::EscapedText out;
   {
     json::Object object(out);
     addBriefing(object, *response.tasks,
@@ -109,10 +108,10 @@ std::string composeTasks(const Answer& answer) {
   return out;
 }
 
-std::string composeTask(const Answer& answer) {
+json::EscapedText composeTask(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (!response.task) return closed(texts::taskNotFound, answer);
-  std::string out;
+  json::EscapedText out;
   {
     json::Object object(out);
     addTask(object, *response.task);
@@ -127,10 +126,10 @@ std::string composeTask(const Answer& answer) {
   return out;
 }
 
-std::string composePlan(const Answer& answer) {
+json::EscapedText composePlan(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (!response.plan) return closed(texts::noPlan, answer);
-  std::string out;
+  json::EscapedText out;
   {
     json::Object object(out);
     addPlan(object, *response.plan, request.body);
@@ -141,17 +140,17 @@ std::string composePlan(const Answer& answer) {
 }
 
 /// As from a wait of the whole backlog that did not time out.
-std::string composeChanges(const Answer& answer) {
+json::EscapedText composeChanges(const Answer& answer) {
   WaitOutcome outcome;
   if (answer.response.changes) outcome.feed = &*answer.response.changes;
   return waitOutcome(outcome, answer.state);
 }
 
-std::string composeDiscussion(const Answer& answer) {
+json::EscapedText composeDiscussion(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (!response.discussion) return closed(texts::discussionUpdated, answer);
   const TeamworkDiscussion& discussion = *response.discussion;
-  std::string out;
+  json::EscapedText out;
   {
     json::Object object(out);
     addDiscussion(object, discussion);
@@ -163,16 +162,16 @@ std::string composeDiscussion(const Answer& answer) {
   return out;
 }
 
-std::string composeWritten(const Answer& answer) {
+json::EscapedText composeWritten(const Answer& answer) {
   const TeamworkResponse& response = answer.response;
-  std::string out = response.message ? *response.message : std::string(texts::done);
+  json::EscapedText out(response.message ? std::string_view(*response.message) : texts::done);
   if (response.messages) appendDelivery(out, *response.messages);
   appendParagraph(out, response.notice);
   appendParagraph(out, nextHint(answer.request.tool));
   return closed(std::move(out), answer);
 }
 
-std::string composeEmpty(const Answer& answer) {
+json::EscapedText composeEmpty(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (response.message && !response.message->empty()) return closed(*response.message, answer);
   const texts::EmptyAnswer* const row =
@@ -181,15 +180,15 @@ std::string composeEmpty(const Answer& answer) {
   return closed(texts::nothingToShow(request.tool), answer);
 }
 
-std::string composeError(const Answer& answer) {
+json::EscapedText composeError(const Answer& answer) {
   const std::optional<std::string>& message = answer.response.message;
   return closed(message ? std::string_view(*message) : texts::teamworkError, answer);
 }
 
 }  // namespace
 
-std::string composeResult(const TeamworkResponse& response, const ResultRequest& request,
-                          const SeatState& state) {
+json::EscapedText composeResult(const TeamworkResponse& response, const ResultRequest& request,
+                                const SeatState& state) {
   using Kind = TeamworkResponse::Kind;
   const Answer answer{.response = response, .request = request, .state = state};
   switch (response.kind) {

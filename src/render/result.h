@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "json/writer.h"
 #include "model/response.h"
 #include "model/seat_state.h"
 #include "render/pages.h"
@@ -25,7 +26,7 @@ struct ResultRequest {
 
 /// The result text: compact JSON or sentences, by the answer's kind. `state` has absorbed the
 /// answer already. What the answer lacks is left out or put into words.
-std::string composeResult(const TeamworkResponse& response, const ResultRequest& request,
-                          const SeatState& state);
+json::EscapedText composeResult(const TeamworkResponse& response, const ResultRequest& request,
+                                const SeatState& state);
 
 }  // namespace quillpost

@@ -141,8 +141,8 @@ void addOutcome(json::Object& out, const WaitOutcome& outcome, const SeatState& 
 
 }  // namespace
 
-std::string waitOutcome(const WaitOutcome& outcome, const SeatState& state) {
-  std::string out;
+json::EscapedText waitOutcome(const WaitOutcome& outcome, const SeatState& state) {
+  json::EscapedText out;
   {
     json::Object object(out);
     addOutcome(object, outcome, state);

@@ -7,6 +7,7 @@
 #include <span>
 #include <string>
 
+#include "json/writer.h"
 #include "model/changes.h"
 #include "model/seat_state.h"
 
@@ -31,6 +32,6 @@ struct WaitOutcome {
 /// The result of a wait as compact JSON. `state` has counted this outcome already; its last
 /// obligations and audience are the ones shown. Without a feed everything that a feed tells is
 /// left out.
-std::string waitOutcome(const WaitOutcome& outcome, const SeatState& state);
+json::EscapedText waitOutcome(const WaitOutcome& outcome, const SeatState& state);
 
 }  // namespace quillpost

@@ -6,6 +6,9 @@
 namespace quillpost {
 namespace {
 
+// Room for all that stands around a tool's text, but for a very long id.
+constexpr std::size_t aroundText = 256;
+
 constexpr std::string_view envelope = R"({"jsonrpc":"2.0",)";
 
 }  // namespace
@@ -16,12 +19,12 @@ void JsonRpcWriter::sendResult(const json::Tree* id, std::string_view resultJson
   writeMessage();
 }
 
-void JsonRpcWriter::sendText(const json::Tree* id, std::string_view text,
+void JsonRpcWriter::sendText(const json::Tree* id, const json::EscapedText& text,
                              std::string_view threadTag) {
-  // Written around the text rather than built from objects, so that a long result is escaped
-  // straight into the message.
+  // Written around the text rather than built from objects: a long result is copied once.
+  message_.reserve(text.escaped().size() + aroundText);
   message_.append(envelope).append(R"("result":{"content":[{"type":"text","text":")");
-  json::appendEscaped(message_, text);
+  message_.append(text.escaped());
   if (!threadTag.empty()) json::appendEscaped(message_, text::cat("\n\n(thread ", threadTag, ")"));
   message_.append(R"("}],"isError":false})");
   addId(id);

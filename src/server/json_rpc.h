@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "json/value.h"
+#include "json/writer.h"
 #include "server/output.h"
 
 namespace quillpost {
@@ -27,7 +28,7 @@ class JsonRpcWriter {
 
   /// Answers a tool call with one text. A `threadTag` that is not empty follows it as its last
   /// line, "(thread T-xxxxxx)", after a blank one.
-  void sendText(const json::Tree* id, std::string_view text, std::string_view threadTag);
+  void sendText(const json::Tree* id, const json::EscapedText& text, std::string_view threadTag);
 
   /// Answers with an error.
   void sendError(const json::Tree* id, int64_t code, std::string_view message);

@@ -8,6 +8,7 @@
 #include "base/clock.h"
 #include "base/environment.h"
 #include "bridge/bridge.h"
+#include "json/writer.h"
 #include "model/seat_state.h"
 
 namespace quillpost {
@@ -29,7 +30,7 @@ struct Seat {
 
 /// What a tool call gives the agent.
 struct ToolReply {
-  std::string text;
+  json::EscapedText text;
   /// The Thread that answered; empty when none did.
   std::string threadTag;
 };

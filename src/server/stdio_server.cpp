@@ -26,8 +26,9 @@ constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
 // An ordinary request's tree fits here, so that reading one allocates nothing.
 constexpr std::size_t treeScratchBytes = std::size_t{8} << 10;
 
-// After an answer of this size the memory it took is worth giving back at once.
-constexpr std::size_t largeReplyBytes = std::size_t{1} << 20;
+// Bytes. After an answer of this size, which is beyond a board of a thousand tasks, the memory it
+// took is worth giving back at once.
+constexpr std::size_t largeReplyBytes = std::size_t{2} << 20;
 
 const json::TreeObject& emptyObject() {
   static const json::TreeObject empty;

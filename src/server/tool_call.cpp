@@ -39,7 +39,9 @@ ResultRequest resultRequestFrom(std::string_view tool, const Arguments& argument
           .includeAll = include && text::lowered(*include) == "all"};
 }
 
-ToolReply inWords(std::string_view text) { return {.text = std::string(text), .threadTag = {}}; }
+ToolReply inWords(std::string_view text) {
+  return {.text = json::EscapedText(text), .threadTag = {}};
+}
 
 }  // namespace
 

@@ -270,6 +270,37 @@ TEST(Arrays, JoinATextFromTwoPieces) {
             R"(["12: a \"line\"","","\\\n","one"])");
 }
 
+/// An object of every kind of member, holding `text` wherever a text can stand.
+template <class Out>
+void writeEverything(Out& out, const std::string& text) {
+  json::Object object(out);
+  object.add("text", text).add("flag", true).add("number", int64_t{-7}).addNull("nothing");
+  object.add("list", std::vector<std::string>{text, "", text}).addJson("json", R"({"a":["b\\"]})");
+  json::Array array = object.array("array");
+  array.add(text).add("[x] ", text).addJson(R"("\n")");
+  array.object().add("inner", text);
+}
+
+TEST(EscapedTexts, AreWhatEscapingTheFinishedTextWouldGive) {
+  for (int first = 0; first < 128; ++first) {
+    for (const std::string& text :
+         {std::string(1, static_cast<char>(first)), "a" + std::string(9, static_cast<char>(first)),
+          "\"\\é…\x1f" + std::string(1, static_cast<char>(first)) + "plain text behind it"}) {
+      std::string plain = "before ";
+      writeEverything(plain, text);
+      plain += "\n\nafter \"" + text + "\"";
+
+      json::EscapedText escaped("before ");
+      writeEverything(escaped, text);
+      escaped.append("\n\nafter \"").append(text).append("\"");
+
+      std::string expected;
+      json::appendEscaped(expected, plain);
+      ASSERT_EQ(escaped.escaped(), expected) << "byte " << first;
+    }
+  }
+}
+
 TEST(Builders, CannotBeCopiedOrMoved) {
   EXPECT_FALSE(std::is_copy_constructible_v<Object>);
   EXPECT_FALSE(std::is_move_constructible_v<Object>);

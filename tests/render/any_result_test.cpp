@@ -10,6 +10,7 @@
 
 #include "base/unicode.h"
 #include "harness/dice.h"
+#include "harness/plain_text.h"
 #include "harness/result_shape.h"
 #include "json/record.h"
 #include "json/value.h"
@@ -61,7 +62,7 @@ TEST(AnyResult, IsValidTextAndJsonWhereItIsMeantToBe) {
       dice.fill(*number);
     request.includeAll = dice.flip();
 
-    const std::string text = composeResult(response, request, state);
+    const std::string text = testing::plainText(composeResult(response, request, state));
     ASSERT_TRUE(unicode::isValid(text)) << encodeResponse(response).value_or("");
     if (testing::isObjectResult(response)) {
       ++objects;
@@ -90,7 +91,7 @@ TEST(AnyWaitOutcome, IsAJsonObject) {
     outcome.timedOut = dice.flip();
     outcome.cannotHoldLong = dice.flip();
 
-    const std::string text = waitOutcome(outcome, anyState(dice));
+    const std::string text = testing::plainText(waitOutcome(outcome, anyState(dice)));
     ASSERT_TRUE(unicode::isValid(text)) << text;
     expectObject(text);
     if (::testing::Test::HasFailure()) return;

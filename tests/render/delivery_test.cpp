@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "harness/golden.h"
+#include "harness/plain_text.h"
 #include "render/golden_text.h"
 
 namespace quillpost {
@@ -21,9 +22,9 @@ const std::vector<TeamworkSquadMessage> two = {{"m1", "M2X", "Bo", "one\ntwo", 4
 
 TEST(Delivery, IsNothingWithoutMessages) {
   EXPECT_EQ(objectText([](json::Object& out) { addDelivery(out, {}); }), "{}");
-  std::string text = "Done.";
+  json::EscapedText text("Done.");
   appendDelivery(text, {});
-  EXPECT_EQ(text, "Done.");
+  EXPECT_EQ(text.escaped(), "Done.");
 }
 
 TEST(Delivery, ComesWithTheNoteInAnObject) {
@@ -35,14 +36,14 @@ TEST(Delivery, ComesWithTheNoteInAnObject) {
 }
 
 TEST(Delivery, ComesWithTheNoteInAText) {
-  std::string text = "Done.";
+  json::EscapedText text("Done.");
   appendDelivery(text, two);
   EXPECT_TRUE(
       sameText(expanded("Done.\n\n"
                         R"([{"from":"M2X","text":"one\ntwo","fromName":"Bo","ageSeconds":4},)"
                         R"({"from":"#a3f9","text":"three","ageSeconds":-1}])"
                         "\n\n{{messagesNote}}"),
-               text));
+               testing::plainText(text)));
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "harness/golden.h"
+#include "harness/plain_text.h"
 #include "render/golden_text.h"
 
 namespace quillpost {
@@ -27,7 +28,7 @@ struct Scene {
   std::string text() const {
     SeatState now = state;
     absorbAnswer(now, response);
-    return composeResult(response, request, now);
+    return testing::plainText(composeResult(response, request, now));
   }
 };
 

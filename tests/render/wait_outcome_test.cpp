@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "harness/golden.h"
+#include "harness/plain_text.h"
 #include "json/value.h"
 #include "render/golden_text.h"
 
@@ -31,7 +32,7 @@ struct Scene {
   std::string text() const {
     WaitOutcome told = outcome;
     told.feed = withFeed ? &feed : nullptr;
-    return waitOutcome(told, state);
+    return testing::plainText(waitOutcome(told, state));
   }
   std::string member(std::string_view key) const {
     const std::optional<json::Tree> tree = json::parse(text());

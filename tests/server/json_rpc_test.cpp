@@ -29,7 +29,7 @@ TEST_F(JsonRpc, AResultIsOneLineAroundTheJsonItWasGiven) {
 
 TEST_F(JsonRpc, ATextResultEscapesWhatAStringMustEscape) {
   using namespace std::string_view_literals;
-  writer.sendText(&id, "say \"hi\"\\\n\t\x01\0 é…😀/"sv, "");
+  writer.sendText(&id, json::EscapedText("say \"hi\"\\\n\t\x01\0 é…😀/"sv), "");
   EXPECT_EQ(output.messages,
             Messages{"{\"jsonrpc\":\"2.0\",\"result\":{\"content\":[{\"type\":\"text\",\"text\":"
                      "\"say \\\"hi\\\"\\\\\\n\\t\\u0001\\u0000 é…😀/\"}],\"isError\":false},"
@@ -47,7 +47,7 @@ TEST_F(JsonRpc, ATextResultEndsWithItsThread) {
            Row{"", "", R"("text":"")"},
            Row{"Done.", "\"\n", R"x("text":"Done.\n\n(thread \"\n)")x"},
        }) {
-    writer.sendText(&id, row.text, row.threadTag);
+    writer.sendText(&id, json::EscapedText(row.text), row.threadTag);
     const Messages messages = output.take();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_NE(messages[0].find(std::string(row.expected) + R"(}],"isError":false},"id":7})"),
@@ -110,7 +110,7 @@ TEST_F(JsonRpc, DoublesGoBackAsTheSameNumber) {
 
 TEST_F(JsonRpc, AHugeResultIsOneMessageAndLeavesNothingBehind) {
   const std::string huge(std::size_t{4} << 20, 'x');
-  writer.sendText(&id, huge, "");
+  writer.sendText(&id, json::EscapedText(huge), "");
   writer.sendResult(&id, "{}");
   ASSERT_EQ(output.messages.size(), 2u);
   EXPECT_TRUE(output.messages[0] ==
@@ -127,7 +127,7 @@ TEST_F(JsonRpc, NothingIsWrittenOnceTheReaderHasGone) {
   EXPECT_FALSE(writer.sendProgress(id, 2, "b"));
   EXPECT_FALSE(writer.connected());
   writer.sendResult(&id, "{}");
-  writer.sendText(&id, "text", "T-abc123");
+  writer.sendText(&id, json::EscapedText("text"), "T-abc123");
   writer.sendError(&id, methodNotFound, "m");
   EXPECT_FALSE(writer.sendProgress(id, 3, "c"));
   EXPECT_FALSE(writer.connected());

@@ -6,6 +6,7 @@
 #include "harness/fake_bridge.h"
 #include "harness/golden.h"
 #include "harness/json_object.h"
+#include "server/plain_reply.h"
 
 namespace quillpost {
 namespace {
@@ -34,9 +35,9 @@ struct ToolCall : ::testing::Test {
     };
   }
 
-  ToolReply call(std::string_view tool, std::string_view arguments = "{}") {
+  PlainReply call(std::string_view tool, std::string_view arguments = "{}") {
     const json::TreeObject object = objectFrom(arguments);
-    return callBoard(tool, Arguments(object), seat);
+    return PlainReply(callBoard(tool, Arguments(object), seat));
   }
 
   /// One member of the only request that a call sends, as JSON.
@@ -114,7 +115,7 @@ TEST_F(ToolCall, RefusesAQuestionThatIsTooLongAndSendsNothing) {
             text::cat("\"", fits, "\""));
 
   bridge.requests.clear();
-  const ToolReply reply =
+  const PlainReply reply =
       call("update_task", text::cat(R"({"blocked":true,"blockerQuestion":")", fits, "x\"}"));
   EXPECT_TRUE(sameText(
       "blockerQuestion is 141 characters; the limit is 140. It renders as ONE LINE on a chip and "
@@ -137,7 +138,7 @@ TEST_F(ToolCall, RefusesTheQuestionBeforeItMissesTheToken) {
 
 TEST_F(ToolCall, AsksNothingWithoutAToken) {
   bridge.token = "";
-  const ToolReply reply = call("list_tasks");
+  const PlainReply reply = call("list_tasks");
   EXPECT_EQ(reply.text, outsideThread);
   EXPECT_EQ(reply.threadTag, "");
   EXPECT_TRUE(bridge.requests.empty());
@@ -176,7 +177,7 @@ TEST_F(ToolCall, TriesThreeTimes) {
 
 TEST_F(ToolCall, GivesUpAfterTheThirdTry) {
   for (int i = 0; i < 3; ++i) bridge.fails("claim_task", 1s);
-  const ToolReply reply = call("claim_task");
+  const PlainReply reply = call("claim_task");
   EXPECT_EQ(reply.text, unreachable);
   EXPECT_EQ(reply.threadTag, "");
   EXPECT_TRUE(

@@ -9,6 +9,7 @@
 #include "harness/golden.h"
 #include "harness/json_object.h"
 #include "model/verbs.h"
+#include "server/plain_reply.h"
 
 namespace quillpost {
 namespace {
@@ -55,7 +56,7 @@ struct Wait : ::testing::Test {
     seat.state.lastSeenRev = 7;
   }
 
-  ToolReply run(std::string_view arguments) {
+  PlainReply run(std::string_view arguments) {
     const json::TreeObject object = objectFrom(arguments);
     const ProgressReport report = [this](int64_t count) {
       bridge.note(text::cat("progress ", count));
@@ -64,7 +65,7 @@ struct Wait : ::testing::Test {
     const ToolReply reply =
         runWait(Arguments(object), seat, reportsProgress ? report : ProgressReport());
     bridge.note("end");
-    return reply;
+    return PlainReply(reply);
   }
 
   /// The outcome as an object, for a wait that ends with one.
@@ -238,7 +239,7 @@ TEST_F(Wait, AHoldNeverReachesPastTheNextBeat) {
 TEST_F(Wait, ABeatThatFailsOrIsRefusedIsIgnored) {
   bridge.fails("heartbeat", 10s);
   bridge.answers("heartbeat", responseFrom(R"({"kind":"error","message":"no","threadTag":"T-x"})"));
-  const ToolReply reply = run("{}");
+  const PlainReply reply = run("{}");
   EXPECT_TRUE(
       sameText("  0.0  heartbeat\n"
                " 10.0  poll_changes sinceRev=7 holdMs=20000\n"
@@ -519,7 +520,7 @@ TEST_F(Wait, EndsQuietlyWithTheLastFeed) {
 TEST_F(Wait, EndsWithoutAFeedWhenTheAppNeverAnswered) {
   bridge.otherwise = [](const TeamworkRequest&) { return FakeAnswer(); };
   seat.state.clientProfile = Profile::antigravity;
-  const ToolReply reply = run(R"({"timeoutSeconds":3})");
+  const PlainReply reply = run(R"({"timeoutSeconds":3})");
   EXPECT_TRUE(
       sameText("  0.0  heartbeat\n"
                "  0.0  poll_changes sinceRev=7 holdMs=3000\n"
@@ -564,7 +565,7 @@ TEST_F(Wait, EndsWithTheAppsWordsWhenThereIsNothingToWaitOnOrItRefuses) {
     TeamworkResponse answer = responseFrom(row.answer);
     answer.threadTag = "T-abc123";
     bridge.answers("poll_changes", answer, 1s);
-    const ToolReply reply = run("{}");
+    const PlainReply reply = run("{}");
     EXPECT_EQ(reply.text.substr(0, reply.text.find(owing)), row.text) << row.name;
     EXPECT_EQ(reply.text.find(owing) != std::string::npos, row.owes) << row.name;
     EXPECT_EQ(reply.threadTag, "T-abc123") << row.name;
@@ -616,7 +617,7 @@ TEST_F(Wait, EndsWhenNobodyReadsItsProgress) {
 TEST_F(Wait, AsksNothingOutsideAThread) {
   seat.sessionID = "";
   reportsProgress = true;
-  const ToolReply reply = run("{}");
+  const PlainReply reply = run("{}");
   EXPECT_EQ(reply.text,
             "This terminal isn't in a Thread, so there is no board to read. Open this terminal "
             "inside a Quillpost Thread and try again.");
