@@ -140,12 +140,13 @@ WaitEnd listen(WaitPlan plan, Seat& seat, const ProgressReport& progress) {
 }  // namespace
 
 ToolReply runWait(const Arguments& arguments, Seat& seat, const ProgressReport& progress) {
-  if (seat.sessionID.empty()) return {.text = std::string(texts::outsideThread), .threadTag = {}};
+  if (seat.sessionID.empty())
+    return {.text = json::EscapedText(texts::outsideThread), .threadTag = {}};
   const HoldSettings settings = readHoldSettings(seat.doors.environment);
   const WaitPlan plan = planFrom(arguments, seat, settings);
   WaitEnd end = listen(plan, seat, progress);
   if (end.why == WaitEnd::Why::nothingToWaitOn || end.why == WaitEnd::Why::refused)
-    return {.text = std::move(end.text), .threadTag = std::move(end.threadTag)};
+    return {.text = json::EscapedText(end.text), .threadTag = std::move(end.threadTag)};
 
   absorbWaitEnd(seat.state);
   const WaitOutcome outcome = {
