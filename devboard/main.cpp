@@ -1,9 +1,10 @@
 // quillpost-devboard: serves a board, or does what the person asks of one that is served. The only
 // file that reads the process's surroundings and that decides its exit status.
 
+#include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <filesystem>
 #include <random>
 #include <string>
@@ -19,10 +20,10 @@
 #include "base/environment.h"
 #include "base/files.h"
 #include "base/text.h"
-#include "bridge/support_directory.h"
 #include "devboard/client.h"
 #include "devboard/listener.h"
 #include "devboard/options.h"
+#include "devboard/places.h"
 #include "devboard/publication.h"
 #include "devboard/service.h"
 #include "devboard/store.h"
@@ -35,11 +36,14 @@ using namespace quillpost::devboard;
 constexpr int wrongUse = 2;
 constexpr int failure = 1;
 
-// A signal handler can be given nothing: where it writes stands here.
-int stopWriter = -1;
+/// Where the signal handler writes, since a handler can be given nothing.
+int& stopWriter() {
+  static int descriptor = -1;
+  return descriptor;
+}
 
 extern "C" void stopServing(int) {
-  const ssize_t ignored = ::write(stopWriter, "", 1);
+  const ssize_t ignored = ::write(stopWriter(), "", 1);
   static_cast<void>(ignored);
 }
 
@@ -49,9 +53,8 @@ int complain(const std::string& why) {
 }
 
 int64_t epochMs() {
-  timespec now{};
-  ::clock_gettime(CLOCK_REALTIME, &now);
-  return int64_t{now.tv_sec} * 1000 + now.tv_nsec / 1'000'000;
+  const auto since1970 = std::chrono::system_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(since1970).count();
 }
 
 /// The reading end of a pipe that can be read once the program is to stop; none when that fails.
@@ -60,7 +63,7 @@ UniqueFd catchSignals() {
   if (::pipe(ends) != 0) return UniqueFd();
   for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
   ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
-  stopWriter = ends[1];
+  stopWriter() = ends[1];
   struct sigaction action {};
   action.sa_handler = stopServing;
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
@@ -127,17 +130,17 @@ int main(int argc, char** argv) {
   std::optional<Options> options = readOptions(arguments, why);
   if (!options) {
     complain(why);
-    std::fputs(usage.data(), stderr);
+    std::fputs(usage().data(), stderr);
     return wrongUse;
   }
   if (options->command == "help") {
-    std::fputs(usage.data(), stdout);
+    std::fputs(usage().data(), stdout);
     return 0;
   }
   if (options->directory.empty()) {
-    const std::optional<std::string> support = supportDirectory(ProcessEnvironment());
-    if (!support) return complain("there is no application-support directory: pass --dir");
-    options->directory = files::joinPath(*support, "Quillpost-dev");
+    const std::optional<std::string> usual = defaultDirectory(ProcessEnvironment());
+    if (!usual) return complain("there is no home directory: pass --dir");
+    options->directory = *usual;
   }
   if (options->database.empty()) {
     options->database = files::joinPath(options->directory, "board.db");

@@ -1,62 +1,14 @@
 #include "devboard/methods.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 #include "base/text.h"
 #include "devboard/rules/people.h"
-#include "model/verbs.h"
 
 namespace quillpost::devboard {
 
 namespace {
-
-// clang-format off
-constexpr Method table[] = {
-    {"register",              Entry::anyone,   methods::registerSeat},
-    {"unregister",            Entry::anyone,   methods::unregister},
-    {heartbeat,               Entry::listener, methods::heartbeat},
-    {"list_agents",           Entry::member,   methods::listAgents},
-    {"read_plan",             Entry::member,   methods::readPlan},
-    {"set_goal",              Entry::member,   methods::setGoal},
-    {"set_charter",           Entry::member,   methods::setCharter},
-    {"add_task",              Entry::member,   methods::addTask},
-    {"list_tasks",            Entry::anyone,   methods::listTasks},
-    {"read_task",             Entry::member,   methods::readTask},
-    {"claim_task",            Entry::member,   methods::claimTask},
-    {"update_task",           Entry::member,   methods::updateTask},
-    {"complete_task",         Entry::member,   methods::completeTask},
-    {"reject_task",           Entry::member,   methods::rejectTask},
-    {"delete_task",           Entry::member,   methods::deleteTask},
-    {"release_task",          Entry::member,   methods::releaseTask},
-    {"watch_task",            Entry::member,   methods::watchTask},
-    {"unwatch_task",          Entry::member,   methods::unwatchTask},
-    {"request_review",        Entry::member,   methods::requestReview},
-    {"verify_task",           Entry::member,   methods::verifyTask},
-    {"comment_task",          Entry::member,   methods::commentTask},
-    {"open_discussion",       Entry::member,   methods::openDiscussion},
-    {"reply_discussion",      Entry::member,   methods::replyDiscussion},
-    {"resolve_discussion",    Entry::member,   methods::resolveDiscussion},
-    {"request_release",       Entry::member,   methods::requestRelease},
-    {"propose_goal_complete", Entry::member,   methods::proposeGoalComplete},
-    {"assign_task",           Entry::member,   methods::assignTask},
-    {"send_message",          Entry::member,   methods::sendMessage},
-    {"read_messages",         Entry::member,   methods::readMessages},
-    {"request_hands",         Entry::member,   methods::requestHands},
-    {"suggest_helper",        Entry::member,   methods::suggestHelper},
-    {"stop_helper",           Entry::member,   methods::stopHelper},
-    {pollChanges,             Entry::listener, methods::pollChanges},
-    {wakeQuery,               Entry::listener, methods::wakeQuery},
-};
-// clang-format on
-
-constexpr bool isServed(std::string_view name) {
-  return std::ranges::count(table, name, &Method::name) == 1;
-}
-static_assert(std::ranges::all_of(boardMethods, isServed) && isServed(pollChanges) &&
-                  isServed(wakeQuery),
-              "every method has one row");
 
 /// An agent that acts is no longer waiting, parked or stood down.
 void markActive(const Call& call) {
@@ -65,6 +17,15 @@ void markActive(const Call& call) {
   Seat& active = call.board.seats.edit(seat);
   active.waiting = active.stoodDown = false;
   active.parkReason.clear();
+}
+
+const Method* findMethod(std::string_view name) {
+  for (const auto& methods : {seatMethods(), planMethods(), taskMethods(), claimMethods(),
+                              writingMethods(), helperMethods()}) {
+    const auto found = std::ranges::find(methods, name, &Method::name);
+    if (found != methods.end()) return &*found;
+  }
+  return nullptr;
 }
 
 TeamworkResponse run(const Method& method, const Call& call) {
@@ -88,8 +49,8 @@ TeamworkResponse run(const Method& method, const Call& call) {
 }  // namespace
 
 TeamworkResponse carryOut(const Call& call) {
-  const Method* method = std::ranges::find(table, call.request.method, &Method::name);
-  if (method == std::end(table)) {
+  const Method* method = findMethod(call.request.method);
+  if (method == nullptr) {
     return refused(text::cat("This board does not know the method ", call.request.method, "."));
   }
   if (method->entry == Entry::member && !call.seat.registered) {

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -68,57 +69,18 @@ TeamworkResponse refused(std::string message);
 /// A task in words: its id and its title.
 std::string named(const Task& task);
 
-// The methods, by the file that holds them.
-
-namespace methods {
-
-// methods_seats.cpp
-TeamworkResponse registerSeat(const Call& call);
-TeamworkResponse unregister(const Call& call);
-TeamworkResponse heartbeat(const Call& call);
-TeamworkResponse listAgents(const Call& call);
-TeamworkResponse pollChanges(const Call& call);
-TeamworkResponse wakeQuery(const Call& call);
-TeamworkResponse sendMessage(const Call& call);
-TeamworkResponse readMessages(const Call& call);
-
-// methods_plan.cpp
-TeamworkResponse readPlan(const Call& call);
-TeamworkResponse setGoal(const Call& call);
-TeamworkResponse setCharter(const Call& call);
-TeamworkResponse proposeGoalComplete(const Call& call);
-TeamworkResponse openDiscussion(const Call& call);
-TeamworkResponse replyDiscussion(const Call& call, const TeamworkDiscussion& discussion);
-TeamworkResponse resolveDiscussion(const Call& call, const TeamworkDiscussion& discussion);
-
-// methods_tasks.cpp
-TeamworkResponse addTask(const Call& call);
-TeamworkResponse listTasks(const Call& call);
-TeamworkResponse readTask(const Call& call, const Task& task);
-TeamworkResponse watchTask(const Call& call, const Task& task);
-TeamworkResponse unwatchTask(const Call& call, const Task& task);
-TeamworkResponse rejectTask(const Call& call, const Task& task);
-TeamworkResponse deleteTask(const Call& call, const Task& task);
-
-// methods_claims.cpp
-TeamworkResponse claimTask(const Call& call, const Task& task);
-TeamworkResponse releaseTask(const Call& call, const Task& task);
-TeamworkResponse completeTask(const Call& call, const Task& task);
-TeamworkResponse requestRelease(const Call& call, const Task& task);
-TeamworkResponse assignTask(const Call& call, const Task& task);
-TeamworkResponse requestReview(const Call& call, const Task& task);
-TeamworkResponse verifyTask(const Call& call, const Task& task);
-
-// methods_writing.cpp
-TeamworkResponse updateTask(const Call& call, const Task& task);
-TeamworkResponse commentTask(const Call& call, const Task& task);
-
-// methods_helpers.cpp
-TeamworkResponse requestHands(const Call& call);
-TeamworkResponse suggestHelper(const Call& call);
-TeamworkResponse stopHelper(const Call& call);
-
-}  // namespace methods
+/// The methods of each file, in rows. Together they are every method of the protocol, once.
+std::span<const Method> seatMethods();
+/// The goal, the charter and the discussions.
+std::span<const Method> planMethods();
+/// The backlog.
+std::span<const Method> taskMethods();
+/// Who works on what.
+std::span<const Method> claimMethods();
+/// What holders and peers write on a task.
+std::span<const Method> writingMethods();
+/// Helpers, of which none is ever allowed.
+std::span<const Method> helperMethods();
 
 /// Adds a task with the next id; everything but the id is taken from `task`.
 const Task& fileTask(Board& board, Task task);

@@ -73,10 +73,6 @@ std::vector<const Seat*> reviewersFor(const Call& call) {
   return reviewers;
 }
 
-}  // namespace
-
-namespace methods {
-
 TeamworkResponse claimTask(const Call& call, const Task& task) {
   if (isHeldBy(task, call.self())) {
     renewClaim(call.board, task, call.at);
@@ -225,6 +221,21 @@ TeamworkResponse verifyTask(const Call& call, const Task& task) {
   return written(text::cat(named(task), approves ? " is verified." : " needs more."));
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> claimMethods() {
+  static constexpr Method rows[] = {
+      {"claim_task",      Entry::member, claimTask},
+      {"complete_task",   Entry::member, completeTask},
+      {"release_task",    Entry::member, releaseTask},
+      {"request_review",  Entry::member, requestReview},
+      {"verify_task",     Entry::member, verifyTask},
+      {"request_release", Entry::member, requestRelease},
+      {"assign_task",     Entry::member, assignTask},
+  };
+  return rows;
+}
+// clang-format on
 
 }  // namespace quillpost::devboard

@@ -24,10 +24,6 @@ std::optional<std::string> whyNotSimple(std::string_view command) {
   return std::nullopt;
 }
 
-}  // namespace
-
-namespace methods {
-
 TeamworkResponse requestHands(const Call& call) {
   const TeamworkRequest& request = call.request;
   const std::string title = oneLine(request.title.value_or(""));
@@ -87,6 +83,17 @@ TeamworkResponse stopHelper(const Call& call) {
       text::cat("No helper runs here under the handle \"", call.request.to.value_or(""), "\"."));
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> helperMethods() {
+  static constexpr Method rows[] = {
+      {"request_hands",  Entry::member, requestHands},
+      {"suggest_helper", Entry::member, suggestHelper},
+      {"stop_helper",    Entry::member, stopHelper},
+  };
+  return rows;
+}
+// clang-format on
 
 }  // namespace quillpost::devboard

@@ -53,10 +53,6 @@ Addressees addresseesOf(const Call& call) {
   return found;
 }
 
-}  // namespace
-
-namespace methods {
-
 TeamworkResponse readPlan(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::plan;
@@ -152,6 +148,21 @@ TeamworkResponse resolveDiscussion(const Call& call, const TeamworkDiscussion& d
   return shown(call, discussion, std::move(notice));
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> planMethods() {
+  static constexpr Method rows[] = {
+      {"read_plan",             Entry::member, readPlan},
+      {"set_goal",              Entry::member, setGoal},
+      {"set_charter",           Entry::member, setCharter},
+      {"open_discussion",       Entry::member, openDiscussion},
+      {"reply_discussion",      Entry::member, replyDiscussion},
+      {"resolve_discussion",    Entry::member, resolveDiscussion},
+      {"propose_goal_complete", Entry::member, proposeGoalComplete},
+  };
+  return rows;
+}
+// clang-format on
 
 }  // namespace quillpost::devboard

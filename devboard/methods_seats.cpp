@@ -9,6 +9,7 @@
 #include "devboard/rules/moves.h"
 #include "devboard/rules/people.h"
 #include "devboard/rules/views.h"
+#include "model/verbs.h"
 
 namespace quillpost::devboard {
 
@@ -45,10 +46,6 @@ TeamworkResponse ownSeat(const Call& call) {
 void deliverMessages(const Call& call, TeamworkResponse& response) {
   if (!call.seat.inbox.empty()) response.messages = messagesFor(call.seat, call.at);
 }
-
-}  // namespace
-
-namespace methods {
 
 TeamworkResponse registerSeat(const Call& call) {
   Seat& seat = call.board.seats.edit(call.seat);
@@ -89,7 +86,7 @@ TeamworkResponse unregister(const Call& call) {
                            " went back to the pool."));
 }
 
-TeamworkResponse heartbeat(const Call& call) {
+TeamworkResponse renew(const Call& call) {
   if (!call.seat.registered) {
     return refused("This terminal has no agent on the roster to renew. Call register first.");
   }
@@ -126,7 +123,7 @@ TeamworkResponse listAgents(const Call& call) {
   return response;
 }
 
-TeamworkResponse pollChanges(const Call& call) {
+TeamworkResponse poll(const Call& call) {
   TeamworkResponse response;
   if (isDeserted(call.board)) return response;
   response.kind = Kind::changes;
@@ -134,7 +131,7 @@ TeamworkResponse pollChanges(const Call& call) {
   return response;
 }
 
-TeamworkResponse wakeQuery(const Call& call) {
+TeamworkResponse queryWake(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::wake;
   response.wakePending = !call.seat.wakes.empty() || !call.seat.inbox.empty();
@@ -167,6 +164,22 @@ TeamworkResponse readMessages(const Call& call) {
   return response;
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> seatMethods() {
+  static constexpr Method rows[] = {
+      {"register",      Entry::anyone,   registerSeat},
+      {"unregister",    Entry::anyone,   unregister},
+      {heartbeat,       Entry::listener, renew},
+      {"list_agents",   Entry::member,   listAgents},
+      {"send_message",  Entry::member,   sendMessage},
+      {"read_messages", Entry::member,   readMessages},
+      {pollChanges,     Entry::listener, poll},
+      {wakeQuery,       Entry::listener, queryWake},
+  };
+  return rows;
+}
+// clang-format on
 
 }  // namespace quillpost::devboard

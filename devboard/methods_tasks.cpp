@@ -56,21 +56,6 @@ std::vector<Notice> noticesOfRemoval(const Call& call, const Task& task, std::st
   return notices;
 }
 
-}  // namespace
-
-const Task& fileTask(Board& board, Task task) {
-  task.id = taskID(++board.editThread().tasksFiled);
-  return board.tasks.put(std::move(task));
-}
-
-void refreshSummary(Board& board, const Task& task, const Seat& author, std::string_view summary) {
-  const std::string gist = cut(unicode::trim(summary), summaryLimit);
-  if (gist.empty()) return;
-  board.tasks.edit(task).log.push_back({LogKind::gist, author.fingerprint, author.handle, gist});
-}
-
-namespace methods {
-
 TeamworkResponse addTask(const Call& call) {
   const TeamworkRequest& request = call.request;
   Task task;
@@ -174,6 +159,32 @@ TeamworkResponse deleteTask(const Call& call, const Task& task) {
   return written(text::cat("Deleted ", words, "."));
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> taskMethods() {
+  static constexpr Method rows[] = {
+      {"add_task",     Entry::member, addTask},
+      {"list_tasks",   Entry::anyone, listTasks},
+      {"read_task",    Entry::member, readTask},
+      {"reject_task",  Entry::member, rejectTask},
+      {"delete_task",  Entry::member, deleteTask},
+      {"watch_task",   Entry::member, watchTask},
+      {"unwatch_task", Entry::member, unwatchTask},
+  };
+  return rows;
+}
+// clang-format on
+
+const Task& fileTask(Board& board, Task task) {
+  task.id = taskID(++board.editThread().tasksFiled);
+  return board.tasks.put(std::move(task));
+}
+
+void refreshSummary(Board& board, const Task& task, const Seat& author, std::string_view summary) {
+  const std::string gist = cut(unicode::trim(summary), summaryLimit);
+  if (gist.empty()) return;
+  board.tasks.edit(task).log.push_back({LogKind::gist, author.fingerprint, author.handle, gist});
+}
 
 }  // namespace quillpost::devboard

@@ -132,10 +132,6 @@ void writeComment(const Call& call, const Task& task, const std::string& words,
   commented.log.push_back(line);
 }
 
-}  // namespace
-
-namespace methods {
-
 TeamworkResponse updateTask(const Call& call, const Task& task) {
   const TeamworkRequest& request = call.request;
   if (const auto reason = whyNotUpdatable(call, task)) return refused(*reason);
@@ -197,6 +193,16 @@ TeamworkResponse commentTask(const Call& call, const Task& task) {
       std::move(notice));
 }
 
-}  // namespace methods
+}  // namespace
+
+// clang-format off
+std::span<const Method> writingMethods() {
+  static constexpr Method rows[] = {
+      {"update_task",  Entry::member, updateTask},
+      {"comment_task", Entry::member, commentTask},
+  };
+  return rows;
+}
+// clang-format on
 
 }  // namespace quillpost::devboard

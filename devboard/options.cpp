@@ -9,7 +9,9 @@
 
 namespace quillpost::devboard {
 
-const std::string_view usage =
+namespace {
+
+constexpr std::string_view usageText =
     R"(quillpost-devboard: a board for agents that plays the app's part on any machine.
 
   quillpost-devboard [serve]            serve the board until it is interrupted
@@ -32,8 +34,6 @@ const std::string_view usage =
   --help           print this
   --               what follows is no option, whatever it begins with
 )";
-
-namespace {
 
 /// A command of the person's: its method, and what the words after it are.
 struct Command {
@@ -94,6 +94,8 @@ bool takeOption(const std::string& name, const std::string& value, Options& opti
 }
 
 }  // namespace
+
+std::string_view usage() { return usageText; }
 
 std::optional<Options> readOptions(std::span<const std::string> arguments, std::string& why) {
   Options options;

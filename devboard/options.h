@@ -14,7 +14,7 @@
 namespace quillpost::devboard {
 
 /// What `--help` prints.
-extern const std::string_view usage;
+std::string_view usage();
 
 /// What was asked for.
 struct Options {

@@ -12,7 +12,7 @@
 #include <memory>
 
 #include "bridge/unix_socket.h"
-#include "desk.h"
+#include "devboard/desk.h"
 #include "harness/fake_clock.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desk.h"
+#include "devboard/desk.h"
 
 namespace quillpost::devboard {
 namespace {
@@ -101,9 +101,8 @@ TEST(Blockers, AreAskedAndAnswered) {
 
 TEST(Blockers, AreOfferedOptionsThatThePersonPicksByNumber) {
   HeldTask desk;
-  desk.update(
-      "BB3",
-      R"("blocked":true,"blockerQuestion":"[[ask:{\"k\":\"decision\",\"o\":[\"red\",\"blue\"]}]] Which?")");
+  desk.update("BB3", R"("blocked":true,"blockerQuestion":"[[ask:{\"k\":\"decision\",)"
+                     R"(\"o\":[\"red\",\"blue\"]}]] Which?")");
   desk.person(personAnswer, Desk::on(desk.id) + R"(,"body":"2")");
   EXPECT_EQ(desk.view("AA2", desk.id).blockerAnswer, "blue");
 }

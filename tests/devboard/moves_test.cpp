@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "desk.h"
+#include "devboard/desk.h"
 
 namespace quillpost::devboard {
 namespace {

@@ -9,7 +9,7 @@
 #include <set>
 #include <thread>
 
-#include "real_seats.h"
+#include "devboard/real_seats.h"
 
 namespace quillpost::devboard {
 namespace {

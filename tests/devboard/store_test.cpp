@@ -5,7 +5,7 @@
 
 #include <filesystem>
 
-#include "desk.h"
+#include "devboard/desk.h"
 #include "harness/temp_dir.h"
 
 namespace quillpost::devboard {
