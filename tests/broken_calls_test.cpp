@@ -48,7 +48,8 @@ struct Ending {
   std::optional<int> status;
   std::string output, errors;
   std::vector<std::string> requests;
-  /// How often each call was made; what was left open, and closed without being open.
+  /// How often each call was made; what was left open, closed without being open, and opened for
+  /// writing.
   std::map<std::string, long> made;
 };
 
@@ -153,6 +154,15 @@ TEST_F(BrokenCalls, AreNotThereUnlessAskedFor) {
                            "shutdown", "close", "open", "fstat", "readfile"}) {
     EXPECT_GT(ending.made.at(made), 0) << made << " passes by unseen";
   }
+}
+
+TEST_F(BrokenCalls, NoFileIsOpenedForWriting) {
+  const std::string everyTool = cat(R"({"id":1,"method":"tools/list"})", "\n", conversation);
+  EXPECT_EQ(run("", everyTool).made.at("writable"), 0);
+  EXPECT_EQ(runHook("").made.at("writable"), 0);
+  Variables variables = seat();
+  variables.erase("QUILLPOST_COLLAB_SOCKET");
+  EXPECT_EQ(run("", conversation, {}, variables).made.at("writable"), 0);
 }
 
 TEST_F(BrokenCalls, AnInterruptionAtAnyPlaceIsNotNoticed) {

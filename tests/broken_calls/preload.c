@@ -11,8 +11,9 @@
 //         z        returns 0 without being done
 //
 // At the end of the program it writes to the file that QUILLPOST_FAULTS_LOG names, a line each: how
-// often every call was made, how many descriptors were left open, and how many were closed that
-// were not open. In C, so that the program gets no second C++ runtime by it.
+// often every call was made, how many descriptors were left open, how many were closed that were not
+// open, and how many files were opened for writing. In C, so that the program gets no second C++
+// runtime by it.
 
 #define _GNU_SOURCE
 #undef _FORTIFY_SOURCE
@@ -56,7 +57,7 @@ static struct rule rules[mostRules];
 static int ruleCount;
 static long made[calls];
 static char isOpen[mostDescriptors], isSocket[mostDescriptors];
-static long openDirectories, badCloses;
+static long openDirectories, badCloses, writableFiles;
 
 #define NEXT(name) ((__typeof__(&name))dlsym(RTLD_NEXT, #name))
 
@@ -104,7 +105,8 @@ __attribute__((destructor)) static void writeLog(void) {
     const int size = snprintf(line, sizeof line, "%s %ld\n", names[i], made[i]);
     syscall(SYS_write, fd, line, (size_t)size);
   }
-  const int size = snprintf(line, sizeof line, "left %ld\nbad %ld\n", left, badCloses);
+  const int size = snprintf(line, sizeof line, "left %ld\nbad %ld\nwritable %ld\n", left,
+                            badCloses, writableFiles);
   syscall(SYS_write, fd, line, (size_t)size);
   syscall(SYS_close, fd);
 }
@@ -204,6 +206,7 @@ int open(const char *path, int flags, ...) {
   va_start(rest, flags);
   const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
   va_end(rest);
+  if ((flags & O_ACCMODE) != O_RDONLY) ++writableFiles;
   const struct rule *rule = enter(callOpen);
   if (prevents(rule)) return (int)outcome(rule, 0);
   const int fd = NEXT(open)(path, flags, mode);

@@ -29,6 +29,7 @@ constexpr std::string_view oneEnvironment = "variables come in through base/envi
 constexpr std::string_view oneOutput = "messages go out through an Output";
 constexpr std::string_view noException = "absence is a value";
 constexpr std::string_view oneThread = "the program has one thread";
+constexpr std::string_view oneProgram = "the program starts no other";
 constexpr std::string_view oneEnd = "only entry/main.cpp ends the process";
 constexpr std::string_view finished = "finish it";
 constexpr std::string_view canFail = "a test runs and can fail";
@@ -62,6 +63,11 @@ constexpr Ban bans[] = {
     {"std::thread",           Where::code, oneThread, {"src/"}},
     {"std::mutex",            Where::code, oneThread, {"src/"}},
     {"std::async",            Where::code, oneThread, {"src/"}},
+    {"fork",                  Where::code, oneProgram, {"src/"}},
+    {"execve",                Where::code, oneProgram, {"src/"}},
+    {"posix_spawn",           Where::code, oneProgram, {"src/"}},
+    {"popen",                 Where::code, oneProgram, {"src/"}},
+    {"std::system",           Where::code, oneProgram, {"src/"}},
     {"exit",                  Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp"}},
     {"_exit",                 Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp"}},
     {"abort",                 Where::code, oneEnd, {"src/"}},
