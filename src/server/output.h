@@ -6,6 +6,8 @@
 #include <span>
 #include <string_view>
 
+#include "base/clock.h"
+
 namespace quillpost {
 
 /// Takes messages, one line each.
@@ -22,6 +24,10 @@ struct Input {
   /// Waits for bytes and says how many were put at the start of `room`, which is not empty; 0 at
   /// the end of input, and when it cannot be read any more.
   virtual std::size_t read(std::span<char> room) = 0;
+
+  /// Whether a read would give something, or the end, within `atMost`. For an input that never
+  /// makes anybody wait, the answer is always yes.
+  virtual bool comesWithin(Duration /*atMost*/) { return true; }
 };
 
 /// An open descriptor to write to. Not owned.
@@ -41,6 +47,7 @@ class FdInput final : public Input {
   explicit FdInput(int fd) : fd_(fd) {}
   /// Goes on after interruptions, and waits while a non-blocking pipe is empty.
   std::size_t read(std::span<char> room) override;
+  bool comesWithin(Duration atMost) override;
 
  private:
   int fd_;

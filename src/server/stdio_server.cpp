@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <boost/json/monotonic_resource.hpp>
+#include <chrono>
 #include <cstddef>
 #include <memory>
 #include <utility>
@@ -26,9 +27,13 @@ constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
 // An ordinary request's tree fits here, so that reading one allocates nothing.
 constexpr std::size_t treeScratchBytes = std::size_t{8} << 10;
 
-// Bytes. After an answer of this size, which is beyond a board of a thousand tasks, the memory it
-// took is worth giving back at once.
-constexpr std::size_t largeReplyBytes = std::size_t{2} << 20;
+// The memory that a reply or a line of this size took is worth giving back: it is beyond a board of
+// a thousand tasks.
+constexpr std::size_t largeBytes = std::size_t{2} << 20;
+
+// A client that asks again within this time uses the same memory again: given back and fetched anew
+// each time, it cost as much as all the rest of an answer of 16 MiB.
+constexpr Duration settlingTime = std::chrono::milliseconds(50);
 
 const json::TreeObject& emptyObject() {
   static const json::TreeObject empty;
@@ -77,12 +82,14 @@ void TeamworkStdioServer::run(Input& input) {
       handle(*line);
       if (!writer_.connected()) return;
     }
+    settle(input);
   }
   if (const std::optional<std::string_view> last = lines.rest()) handle(*last);
 }
 
 void TeamworkStdioServer::handle(std::string_view line) {
   if (line.empty()) return;
+  if (line.size() >= largeBytes) holdsMuchMemory_ = true;
   std::array<unsigned char, treeScratchBytes> scratch;  // NOLINT: written before it is read
   boost::json::monotonic_resource memory(scratch.data(), scratch.size());
   const std::optional<json::Tree> tree = json::parse(line, &memory);
@@ -126,14 +133,18 @@ void TeamworkStdioServer::answerToolsCall(const Message& message) {
     writer_.sendError(message.id, invalidParams, text::cat("Unknown tool: ", name));
     return;
   }
-  {
-    const ToolReply reply = callTool(name, params);
-    writer_.sendText(message.id, reply.text, reply.threadTag);
-  }
-  if (seat_.doors.bridge.lastReplyBytes() >= largeReplyBytes) returnFreeMemory();
+  const ToolReply reply = callTool(name, params);
+  writer_.sendText(message.id, reply.text, reply.threadTag);
+  if (seat_.doors.bridge.lastReplyBytes() >= largeBytes) holdsMuchMemory_ = true;
 }
 
 void TeamworkStdioServer::ignoreNotification(const Message& /*message*/) {}
+
+void TeamworkStdioServer::settle(Input& input) {
+  if (!holdsMuchMemory_ || input.comesWithin(settlingTime)) return;
+  returnFreeMemory();
+  holdsMuchMemory_ = false;
+}
 
 ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeObject& params) {
   const Arguments arguments(orEmpty(json::findObject(params, "arguments")));

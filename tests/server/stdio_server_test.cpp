@@ -572,5 +572,48 @@ TEST_F(LeavingClient, EndsAWaitAtTheFirstProgressItDoesNotRead) {
   EXPECT_EQ(input.reads, 1);
 }
 
+/// An input whose client is quiet after every line.
+struct QuietInput final : Input {
+  explicit QuietInput(std::deque<std::string> lines) : lines_(std::move(lines)) {}
+
+  std::size_t read(std::span<char> room) override { return lines_.read(room); }
+  bool comesWithin(Duration atMost) override {
+    asked.push_back(atMost);
+    return false;
+  }
+
+  std::vector<Duration> asked;
+
+ private:
+  FakeInput lines_;
+};
+
+TEST_F(Server, WaitsForQuietBeforeItGivesBackWhatSomethingLargeTook) {
+  constexpr std::size_t large = 2 << 20;
+  const std::string call = R"({"method":"tools/call","params":{"name":"claim_task"},"id":1})"
+                           "\n";
+  const std::string longPing = ping("\"" + std::string(large, 'x') + "\"") + "\n";
+  struct Row {
+    std::string_view name;
+    std::size_t replyBytes;
+    std::string line;
+    std::size_t asked;
+  };
+  const Row rows[] = {
+      {"a small reply", large - 1, call, 0},
+      {"a large reply", large, call, 1},
+      {"a large line", 0, longPing, 1},
+  };
+  for (const Row& row : rows) {
+    bridge.otherwise = [&](const TeamworkRequest&) {
+      return FakeAnswer{.response = responseFrom(R"({"kind":"written"})"), .bytes = row.replyBytes};
+    };
+    QuietInput input({row.line, ping("2") + "\n"});
+    server.run(input);
+    EXPECT_EQ(output.take().size(), 2U) << row.name;
+    EXPECT_EQ(input.asked, std::vector<Duration>(row.asked, 50ms)) << row.name;
+  }
+}
+
 }  // namespace
 }  // namespace quillpost
