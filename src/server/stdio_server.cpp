@@ -21,6 +21,8 @@
 namespace quillpost {
 namespace {
 
+constexpr std::string_view toolsCall = "tools/call";
+
 // As much as a pipe holds: a flood of requests then costs one read for each of its fillings.
 constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
 
@@ -33,7 +35,7 @@ constexpr std::size_t largeBytes = std::size_t{2} << 20;
 
 // A client that asks again within this time uses the same memory again: given back and fetched anew
 // each time, it cost as much as all the rest of an answer of 16 MiB.
-constexpr Duration settlingTime = std::chrono::milliseconds(50);
+constexpr Duration settlingTime = std::chrono::milliseconds(5);
 
 const json::TreeObject& emptyObject() {
   static const json::TreeObject empty;
@@ -65,7 +67,7 @@ constexpr std::array<TeamworkStdioServer::Method, 6> TeamworkStdioServer::method
     {"notifications/cancelled",   &TeamworkStdioServer::ignoreNotification},
     {"ping",                      &TeamworkStdioServer::answerPing},
     {"tools/list",                &TeamworkStdioServer::answerToolsList},
-    {"tools/call",                &TeamworkStdioServer::answerToolsCall},
+    {toolsCall,                   &TeamworkStdioServer::answerToolsCall},
 }};
 // clang-format on
 
@@ -80,6 +82,7 @@ void TeamworkStdioServer::run(Input& input) {
     lines.feed({chunk.get(), count});
     while (const std::optional<std::string_view> line = lines.next()) {
       handle(*line);
+      if (line->size() >= largeBytes) holdsMuchMemory_ = true;
       if (!writer_.connected()) return;
     }
     settle(input);
@@ -89,7 +92,6 @@ void TeamworkStdioServer::run(Input& input) {
 
 void TeamworkStdioServer::handle(std::string_view line) {
   if (line.empty()) return;
-  if (line.size() >= largeBytes) holdsMuchMemory_ = true;
   std::array<unsigned char, treeScratchBytes> scratch;  // NOLINT: written before it is read
   boost::json::monotonic_resource memory(scratch.data(), scratch.size());
   const std::optional<json::Tree> tree = json::parse(line, &memory);
@@ -99,6 +101,7 @@ void TeamworkStdioServer::handle(std::string_view line) {
   const Message message = {.id = json::find(*object, "id"),
                            .params = json::findObject(*object, "params")};
   const std::string_view name = json::findText(*object, "method").value_or("");
+  if (name != toolsCall) giveMemoryBack();
   const auto* method = std::ranges::find(methods, name, &Method::name);
   if (method != methods.end()) {
     (this->*method->answer)(message);
@@ -141,9 +144,12 @@ void TeamworkStdioServer::answerToolsCall(const Message& message) {
 void TeamworkStdioServer::ignoreNotification(const Message& /*message*/) {}
 
 void TeamworkStdioServer::settle(Input& input) {
-  if (!holdsMuchMemory_ || input.comesWithin(settlingTime)) return;
+  if (holdsMuchMemory_ && !input.comesWithin(settlingTime)) giveMemoryBack();
+}
+
+void TeamworkStdioServer::giveMemoryBack() {
+  if (!std::exchange(holdsMuchMemory_, false)) return;
   returnFreeMemory();
-  holdsMuchMemory_ = false;
 }
 
 ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeObject& params) {

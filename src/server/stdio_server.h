@@ -51,6 +51,7 @@ class TeamworkStdioServer {
 
   /// Gives back what something large took, unless the client goes on at once.
   void settle(Input& input);
+  void giveMemoryBack();
 
   ToolReply callTool(std::string_view name, const json::TreeObject& params);
 

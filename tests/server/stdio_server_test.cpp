@@ -603,6 +603,7 @@ TEST_F(Server, WaitsForQuietBeforeItGivesBackWhatSomethingLargeTook) {
       {"a small reply", large - 1, call, 0},
       {"a large reply", large, call, 1},
       {"a large line", 0, longPing, 1},
+      {"a large reply, then something else", large, call + ping("3") + "\n", 0},
   };
   for (const Row& row : rows) {
     bridge.otherwise = [&](const TeamworkRequest&) {
@@ -610,8 +611,8 @@ TEST_F(Server, WaitsForQuietBeforeItGivesBackWhatSomethingLargeTook) {
     };
     QuietInput input({row.line, ping("2") + "\n"});
     server.run(input);
-    EXPECT_EQ(output.take().size(), 2U) << row.name;
-    EXPECT_EQ(input.asked, std::vector<Duration>(row.asked, 50ms)) << row.name;
+    EXPECT_GE(output.take().size(), 2U) << row.name;
+    EXPECT_EQ(input.asked, std::vector<Duration>(row.asked, 5ms)) << row.name;
   }
 }
 
