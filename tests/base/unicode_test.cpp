@@ -1,6 +1,6 @@
 #include "base/unicode.h"
 
-#include "unicode_samples.h"
+#include "base/unicode_samples.h"
 
 #include <gtest/gtest.h>
 
