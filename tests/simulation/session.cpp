@@ -65,6 +65,7 @@ class SimClient final : public Input, public Output {
     }
     --room_;
     judge_.wrote(message);
+    measureMemory();
     clock_.mayJump = judge_.isWaiting();
     return true;
   }
@@ -73,16 +74,18 @@ class SimClient final : public Input, public Output {
   int64_t blocksAtStart = 0;
 
  private:
-  /// The server holds what its memory takes, as it is or was, and a handful of buffers.
+  void measureMemory() {
+    const int64_t before = watchedBlocks();
+    const BlockWatch inside(true);
+    const SeatState copy = *judge_.state;
+    mostState_ = std::max(mostState_, watchedBlocks() - before);
+  }
+
+  /// The server holds what its seat's memory takes, as it is or was, and a handful of buffers. What
+  /// the memory held once may stay beside what it holds now, for as long as its lists keep room.
   void checkMemory() {
     constexpr int64_t buffers = 8;
     const int64_t held = watchedBlocks() - blocksAtStart;
-    const int64_t before = watchedBlocks();
-    {
-      const BlockWatch inside(true);
-      const SeatState copy = *judge_.state;
-      mostState_ = std::max(mostState_, watchedBlocks() - before);
-    }
     if (held > 2 * mostState_ + buffers)
       throw Complaint{cat("the server holds ", held, " blocks, ", mostState_, " of them its seat")};
   }
