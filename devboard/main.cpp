@@ -28,10 +28,8 @@
 #include "devboard/service.h"
 #include "devboard/store.h"
 
+namespace quillpost::devboard {
 namespace {
-
-using namespace quillpost;
-using namespace quillpost::devboard;
 
 constexpr int wrongUse = 2;
 constexpr int failure = 1;
@@ -60,14 +58,15 @@ int64_t epochMs() {
 /// The reading end of a pipe that can be read once the program is to stop; none when that fails.
 UniqueFd catchSignals() {
   int ends[2];
-  if (::pipe(ends) != 0) return UniqueFd();
+  if (::pipe(ends) != 0) return {};
+  UniqueFd reading(ends[0]);
   for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
   ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
   stopWriter() = ends[1];
   struct sigaction action {};
   action.sa_handler = stopServing;
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
-  return UniqueFd(ends[0]);
+  return reading;
 }
 
 int serve(const Options& options) {
@@ -122,11 +121,8 @@ int ask(const Options& options) {
   return 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(const std::vector<std::string>& arguments) {
   std::string why;
-  const std::vector<std::string> arguments(argv + std::min(argc, 1), argv + argc);
   std::optional<Options> options = readOptions(arguments, why);
   if (!options) {
     complain(why);
@@ -146,4 +142,11 @@ int main(int argc, char** argv) {
     options->database = files::joinPath(options->directory, "board.db");
   }
   return options->command == "serve" ? serve(*options) : ask(*options);
+}
+
+}  // namespace
+}  // namespace quillpost::devboard
+
+int main(int argc, char** argv) {
+  return quillpost::devboard::run({argv + std::min(argc, 1), argv + argc});
 }

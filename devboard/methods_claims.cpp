@@ -187,6 +187,7 @@ TeamworkResponse requestReview(const Call& call, const Task& task) {
   reviewed.reviewBy.clear();
   reviewed.reviewNote = cut(oneLine(call.request.note.value_or("")), noteLimit);
   std::vector<Notice> notices;
+  notices.reserve(reviewers.size());
   for (const Seat* reviewer : reviewers) {
     notices.push_back({reviewer->fingerprint, "reviewRequested",
                        text::cat(call.seat.handle, " asks for a review of ", named(task))});

@@ -10,9 +10,7 @@
 namespace quillpost::devboard {
 
 /// "Quillpost-dev" in the user's application-support directory, where agents look for boards by
-/// themselves: on Linux the XDG data home when that directory exists, else and on macOS "Library/
-/// Application Support" in the home directory. Nothing when neither variable names a place; a home
-/// that only the password database knows is not looked up.
+/// themselves. Nothing when there is no home directory to look in.
 std::optional<std::string> defaultDirectory(const Environment& environment);
 
 }  // namespace quillpost::devboard

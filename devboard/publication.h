@@ -35,6 +35,8 @@ class Publication {
 
   Publication(Publication&& other) noexcept;
   Publication& operator=(Publication&&) = delete;
+  Publication(const Publication&) = delete;
+  Publication& operator=(const Publication&) = delete;
   ~Publication();
 
   /// The listening socket, given away.

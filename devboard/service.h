@@ -22,7 +22,7 @@ inline constexpr int64_t protocolVersion = 1;
 
 /// The longest a poll is held, in milliseconds: below the 40 seconds after which a client takes the
 /// board to be gone.
-inline constexpr int64_t holdLimitMs = 30 * 1000;
+inline constexpr int64_t holdLimitMs = 30'000;
 
 /// What a desk needs to know.
 struct Settings {

@@ -32,7 +32,7 @@ struct Moment {
 
   /// How much of a lease is left when its holder is warned: two minutes, but never more than a
   /// quarter of it.
-  int64_t warningMs() const { return std::min<int64_t>(2 * 60 * 1000, leaseMs / 4); }
+  int64_t warningMs() const { return std::min<int64_t>(120'000, leaseMs / 4); }
 };
 
 /// Keeps the agent on the roster. Written down only when a tenth of the lease has gone since the

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "bridge/support_directory.h"
 #include "harness/temp_dir.h"
 
 namespace quillpost::devboard {
@@ -9,34 +10,25 @@ namespace {
 
 using testing::TempDir;
 
-std::optional<std::string> placeFor(std::map<std::string, std::string> variables) {
-  return defaultDirectory(MapEnvironment(std::move(variables)));
-}
-
-TEST(Places, WithoutADataHomeItIsInTheLibrary) {
+TEST(Places, AreInTheDirectoryWhereAgentsLook) {
   const TempDir home;
-  EXPECT_EQ(placeFor({{"HOME", home.path()}}),
-            home.pathOf("Library/Application Support/Quillpost-dev"));
-  EXPECT_EQ(placeFor({{"HOME", home.path()}, {"XDG_DATA_HOME", home.pathOf("missing")}}),
-            home.pathOf("Library/Application Support/Quillpost-dev"));
-}
-
-TEST(Places, WithoutAnyHomeThereIsNone) {
-  EXPECT_EQ(placeFor({}), std::nullopt);
-  EXPECT_EQ(placeFor({{"HOME", ""}}), std::nullopt);
+  MapEnvironment environment;
+  environment.variables["HOME"] = home.path();
+  const std::optional<std::string> support = supportDirectory(environment);
+  ASSERT_TRUE(support.has_value());
+  EXPECT_EQ(defaultDirectory(environment), *support + "/Quillpost-dev");
 }
 
 #if !defined(__APPLE__)
-TEST(Places, ADataHomeThatIsThereIsTaken) {
+TEST(Places, FollowADataHomeThatIsThere) {
   const TempDir home;
-  home.makeDirectory(".local/share");
-  EXPECT_EQ(placeFor({{"HOME", home.path()}}), home.pathOf(".local/share/Quillpost-dev"));
+  MapEnvironment environment;
+  environment.variables["HOME"] = home.path();
+  EXPECT_EQ(defaultDirectory(environment),
+            home.pathOf("Library/Application Support/Quillpost-dev"));
   home.makeDirectory("data");
-  EXPECT_EQ(placeFor({{"HOME", home.path()}, {"XDG_DATA_HOME", home.pathOf("data")}}),
-            home.pathOf("data/Quillpost-dev"));
-  EXPECT_EQ(placeFor({{"HOME", home.path()}, {"XDG_DATA_HOME", "data"}}),
-            home.pathOf(".local/share/Quillpost-dev"))
-      << "a path that is not absolute does not count";
+  environment.variables["XDG_DATA_HOME"] = home.pathOf("data");
+  EXPECT_EQ(defaultDirectory(environment), home.pathOf("data/Quillpost-dev"));
 }
 #endif
 

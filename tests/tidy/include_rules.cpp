@@ -45,7 +45,8 @@ constexpr FolderRow folderTable[] = {
     {"src/render/",       {"render/", "model/", "json/", "base/"}},
     {"src/server/",       {"server/", "render/", "model/", "json/", "base/", "bridge/bridge.h"}},
     {"src/entry/",        {"entry/", "server/", "render/", "bridge/", "model/", "json/", "base/"}},
-    {"devboard/",         {"devboard/", "model/", "json/", "base/", "bridge/unix_socket.h"}},
+    {"devboard/",         {"devboard/", "model/", "json/", "base/", "bridge/unix_socket.h",
+                           "bridge/support_directory.h"}},
 };
 // clang-format on
 
