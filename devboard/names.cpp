@@ -45,7 +45,8 @@ std::string mintHandle(const Random& random) {
 std::string mintSecret(const Random& random) { return pickAll(random, hexDigits, secretLength); }
 
 bool isSecret(std::string_view text) {
-  return text.size() == std::size_t{secretLength} && text.find_first_not_of(hexDigits) == text.npos;
+  return text.size() == std::size_t{secretLength} &&
+         text.find_first_not_of(hexDigits) == std::string_view::npos;
 }
 
 std::string environmentLines(const SeatEnvironment& seat) {

@@ -68,9 +68,10 @@ std::string questionOf(const Task& task) {
 
 /// The last line of the log that is a summary or progress; empty when there is none.
 std::string latestOf(const Task& task) {
-  for (auto line = task.log.rbegin(); line != task.log.rend(); ++line)
-    if (line->kind != LogKind::handOff) return line->text;
-  return {};
+  std::string latest;
+  for (const auto& line : task.log)
+    if (line.kind != LogKind::handOff) latest = line.text;
+  return latest;
 }
 
 std::string remarkOn(const Board& board, const Task& task) {
@@ -137,7 +138,8 @@ std::string showBoard(const Board& board, Moment at) {
   out += section("TASKS", taskRows(board));
   out += section("AGENTS", agentRows(board, at));
   out += section("DISCUSSIONS", discussionRows(board));
-  std::vector<Cells> suggestions, deleted;
+  std::vector<Cells> suggestions;
+  std::vector<Cells> deleted;
   for (const auto& [name, suggestion] : board.suggestions)
     suggestions.push_back({name, suggestion.command, suggestion.explanation, suggestion.by});
   for (const auto& [id, task] : board.trash)

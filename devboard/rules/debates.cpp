@@ -99,7 +99,8 @@ void addVolley(Board& board, const TeamworkDiscussion& discussion,
   TeamworkDiscussion& changed = board.discussions.edit(discussion);
   if (!isParty(changed, volley.author)) changed.addressedTo.push_back(volley.author);
   passTurn(changed, volley.author);
-  const std::string author = volley.author, quote = volley.body;
+  const std::string author = volley.author;
+  const std::string quote = volley.body;
   changed.volleys.push_back(std::move(volley));
   changed.volleysSinceHuman = author == human ? 0 : changed.volleysSinceHuman + 1;
   if (author == human) changed.escalated = false;

@@ -156,12 +156,12 @@ Object& Object::addJson(std::string_view key, std::string_view json) {
 
 Object Object::object(std::string_view key) {
   writeKey(key);
-  return Object(out_, nesting_);
+  return {out_, nesting_};
 }
 
 Array Object::array(std::string_view key) {
   writeKey(key);
-  return Array(out_, nesting_);
+  return {out_, nesting_};
 }
 
 void Array::separate() {
@@ -192,7 +192,7 @@ Array& Array::addJson(std::string_view json) {
 
 Object Array::object() {
   separate();
-  return Object(out_, nesting_);
+  return {out_, nesting_};
 }
 
 }  // namespace quillpost::json

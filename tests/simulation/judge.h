@@ -81,7 +81,8 @@ class Judge {
     Instant deadline, heartbeatAt;
     Duration deadlineInOrder{};
     Duration roundStart{};
-    std::optional<Duration> heartbeat, progress, pollStart, pollEnd;
+    std::optional<Duration> heartbeat, progress, pollEnd;
+    std::optional<Instant> pollAt;  // when the last poll began
     int64_t progressCount = 0;
     std::optional<int64_t> cursor;  // of the next poll, when it is known
     std::optional<int64_t> feedRev;

@@ -42,13 +42,31 @@ static void give(void* block) {
 
 }  // namespace quillpost::simulation
 
-// The C++ runtime finds these before its own, and its forms for arrays and with sizes end in them.
+// The C++ runtime finds these before its own. Its other forms end in them, but a sanitizer's do
+// not: every form that is used with any of these is here.
 void* operator new(std::size_t size) {
   void* block = quillpost::simulation::take(size);
   if (block == nullptr) throw std::bad_alloc();
   return block;
 }
+void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
+  return quillpost::simulation::take(size);
+}
+void* operator new[](std::size_t size) { return operator new(size); }
+void* operator new[](std::size_t size, const std::nothrow_t& tag) noexcept {
+  return operator new(size, tag);
+}
 void operator delete(void* block) noexcept { quillpost::simulation::give(block); }
 void operator delete(void* block, std::size_t /*size*/) noexcept {
+  quillpost::simulation::give(block);
+}
+void operator delete(void* block, const std::nothrow_t& /*tag*/) noexcept {
+  quillpost::simulation::give(block);
+}
+void operator delete[](void* block) noexcept { quillpost::simulation::give(block); }
+void operator delete[](void* block, std::size_t /*size*/) noexcept {
+  quillpost::simulation::give(block);
+}
+void operator delete[](void* block, const std::nothrow_t& /*tag*/) noexcept {
   quillpost::simulation::give(block);
 }
