@@ -47,7 +47,7 @@ endfunction()
 get_filename_component(utf8procPrefix ${UTF8PROC_INCLUDE_DIR} DIRECTORY)
 list(GET Boost_INCLUDE_DIRS 0 boostInclude)
 get_filename_component(boostPrefix ${boostInclude} DIRECTORY)
-quillpost_licence(boost "${boostPrefix}/share/doc/libboost-json*-dev/copyright;\
+quillpost_licence(boost "${boostPrefix}/share/doc/libboost1.*-dev/copyright;\
 ${boostPrefix}/opt/boost/LICENSE*;${boostPrefix}/LICENSE*")
 # Its file covers the Unicode data that is compiled into it too.
 quillpost_licence(utf8proc "${utf8procPrefix}/share/doc/libutf8proc-dev/copyright;\

@@ -1,0 +1,2 @@
+// The source of Boost.JSON, all of it, as its headers offer it.
+#include <boost/json/src.hpp>
