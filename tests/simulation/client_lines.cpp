@@ -15,7 +15,7 @@ namespace {
 using testing::Dice;
 using text::cat;
 
-std::string quoted(std::string_view text) {
+std::string inQuotes(std::string_view text) {
   std::string out;
   json::appendString(out, text);
   return out;
@@ -55,7 +55,7 @@ const std::vector<std::string_view>& argumentNames() {
 class Members {
  public:
   void add(std::string_view key, std::string_view json) {
-    text_ += cat(text_.empty() ? "" : ",", quoted(key), ":", json);
+    text_ += cat(text_.empty() ? "" : ",", inQuotes(key), ":", json);
   }
   std::string object() const { return cat("{", text_, "}"); }
 
@@ -69,7 +69,7 @@ std::string anyArguments(Dice& dice) {
   for (const std::string_view name : argumentNames()) {
     if (!dice.oneIn(oneIn)) continue;
     // Flags and lists matter for some names only, texts and numbers for most.
-    members.add(name, dice.oneIn(3) ? anyJson(dice) : quoted(anyText(dice)));
+    members.add(name, dice.oneIn(3) ? anyJson(dice) : inQuotes(anyText(dice)));
   }
   return members.object();
 }
@@ -81,10 +81,10 @@ std::optional<int64_t> addInteger(Members& members, Dice& dice, std::string_view
     case 0:
       return std::nullopt;
     case 1:
-      members.add(name, dice.flip() ? "true" : quoted(cat(number, "s")));
+      members.add(name, dice.flip() ? "true" : inQuotes(cat(number, "s")));
       return std::nullopt;
     case 2:
-      members.add(name, quoted(cat(number)));
+      members.add(name, inQuotes(cat(number)));
       return number;
     default:
       members.add(name, cat(number));
@@ -114,7 +114,7 @@ AskedWait addWaitArguments(Members& members, Dice& dice) {
     for (std::size_t left = dice.below(70); left > 0; --left) {
       const std::string id = cat("t", left);
       if (dice.oneIn(5)) list += "3,";
-      list += cat(quoted(id), left > 1 ? "," : "");
+      list += cat(inQuotes(id), left > 1 ? "," : "");
       if (asked.taskIDs.size() < 64) asked.taskIDs.push_back(id);
     }
     members.add("taskIDs", cat("[", list, "]"));
@@ -123,7 +123,7 @@ AskedWait addWaitArguments(Members& members, Dice& dice) {
   asked.standDown = addFlag(members, dice, "standDown");
   if (dice.oneIn(3)) {
     asked.parkReason = anyText(dice);
-    members.add("parkReason", quoted(*asked.parkReason));
+    members.add("parkReason", inQuotes(*asked.parkReason));
   }
   return asked;
 }
@@ -137,7 +137,7 @@ std::string message(Dice& dice, std::string_view method, const std::optional<std
                      : std::optional(dice.flip() ? cat(dice.below(1000)) : anyJson(dice));
   if (dice.flip()) members.add("jsonrpc", "\"2.0\"");
   if (id && !idLast) members.add("id", *id);
-  members.add("method", quoted(method));
+  members.add("method", inQuotes(method));
   if (params) members.add("params", *params);
   if (id && idLast) members.add("id", *id);
   return members.object();
@@ -148,7 +148,7 @@ ClientLine waitLine(Dice& dice) {
   Members arguments;
   line.wait = addWaitArguments(arguments, dice);
   Members params;
-  params.add("name", quoted(dice.oneIn(4) ? waitForTasks : waitForChanges));
+  params.add("name", inQuotes(dice.oneIn(4) ? waitForTasks : waitForChanges));
   params.add("arguments", arguments.object());
   if (dice.flip()) params.add("_meta", cat("{\"progressToken\":", anyJson(dice), "}"));
   line.text = message(dice, "tools/call", params.object());
@@ -160,17 +160,17 @@ std::string blockerLine(Dice& dice) {
   Members arguments;
   arguments.add("blocked", "true");
   for (const std::string_view name : {"blockerQuestion", "progress", "summary", "blockerKind"})
-    if (dice.flip()) arguments.add(name, quoted(anyText(dice)));
+    if (dice.flip()) arguments.add(name, inQuotes(anyText(dice)));
   if (dice.flip()) arguments.add("blockerOptions", anyJson(dice));
   Members params;
-  params.add("name", quoted("update_task"));
+  params.add("name", inQuotes("update_task"));
   params.add("arguments", arguments.object());
   return message(dice, "tools/call", params.object());
 }
 
 std::string callLine(Dice& dice) {
   Members params;
-  params.add("name", dice.oneIn(20) ? anyJson(dice) : quoted(dice.oneOf(boardMethods)));
+  params.add("name", dice.oneIn(20) ? anyJson(dice) : inQuotes(dice.oneOf(boardMethods)));
   if (!dice.oneIn(8)) params.add("arguments", dice.oneIn(10) ? anyJson(dice) : anyArguments(dice));
   return message(dice, "tools/call", params.object());
 }
@@ -178,7 +178,7 @@ std::string callLine(Dice& dice) {
 std::string initializeLine(Dice& dice) {
   constexpr std::array<std::string_view, 8> names = {"claude-code", "Codex", "agy",   "Antigravity",
                                                      "CURSOR",      "zed",   "codex", ""};
-  const std::string name = dice.oneIn(5) ? anyJson(dice) : quoted(dice.oneOf(names));
+  const std::string name = dice.oneIn(5) ? anyJson(dice) : inQuotes(dice.oneOf(names));
   const std::string client = dice.oneIn(8) ? anyJson(dice) : cat("{\"name\":", name, "}");
   const std::string params = dice.oneIn(8) ? anyJson(dice) : cat("{\"clientInfo\":", client, "}");
   return message(dice, "initialize",
@@ -236,7 +236,7 @@ std::string anyJson(Dice& dice, int depth) {
       return members.object();
     }
     default:
-      return quoted(anyText(dice));
+      return inQuotes(anyText(dice));
   }
 }
 
