@@ -5,7 +5,9 @@
 #include "bridge/unix_socket.h"
 #include "model/coding.h"
 
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cerrno>
 #include <string_view>
 #include <utility>
@@ -43,7 +45,8 @@ std::optional<std::string> readReply(const UniqueFd& socket,
                                      const BridgeTransport::Options& options) {
   std::string reply;
   // The buffer doubles from a power of two, and so meets a limit that is one without passing it.
-  reply.reserve(chunkSize);
+  reply.reserve(std::bit_ceil(
+      std::clamp(options.expectedBytes, chunkSize, std::max(chunkSize, options.maxResponseBytes))));
   std::array<char, chunkSize> chunk;
   for (;;) {
     const ssize_t got = ::read(socket.get(), chunk.data(), chunk.size());
@@ -82,10 +85,13 @@ std::optional<std::string> BridgeTransport::exchange(const TeamworkRequest& requ
 }
 
 BridgeTransport::Answer BridgeTransport::send(const TeamworkRequest& request,
-                                              const std::string& socketPath) {
-  const std::optional<std::string> reply = exchange(request, socketPath, Options{});
+                                              const std::string& socketPath,
+                                              std::size_t expectedBytes) {
+  std::optional<std::string> reply =
+      exchange(request, socketPath, {.expectedBytes = expectedBytes});
   if (!reply) return {};
-  return {decodeResponse(*reply), reply->size()};
+  const std::size_t size = reply->size();
+  return {decodeResponse(std::move(*reply)), size};
 }
 
 SocketBridge::SocketBridge(Access access) : access_(std::move(access)) {}
@@ -97,7 +103,9 @@ std::string SocketBridge::currentToken() {
 }
 
 std::optional<TeamworkResponse> SocketBridge::send(const TeamworkRequest& request) {
-  BridgeTransport::Answer answer = BridgeTransport::send(request, access_.socketPath);
+  // One call's reply is mostly about as large as the last one's.
+  BridgeTransport::Answer answer =
+      BridgeTransport::send(request, access_.socketPath, lastReplyBytes_);
   lastReplyBytes_ = answer.replyBytes;
   return std::move(answer.response);
 }

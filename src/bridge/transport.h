@@ -27,6 +27,8 @@ struct BridgeTransport {
     /// The largest reply, its terminator not counted: 16 MiB, far above any board, and little
     /// enough that an app gone wild cannot exhaust the memory.
     std::size_t maxResponseBytes = 16'777'216;
+    /// How large the reply will probably be; a larger one costs copies of what has come so far.
+    std::size_t expectedBytes = 0;
   };
 
   /// The bytes of the reply without the terminator, which may be none; what follows the terminator
@@ -43,8 +45,9 @@ struct BridgeTransport {
     std::size_t replyBytes = 0;
   };
 
-  /// One exchange with the options as they stand above, decoded.
-  static Answer send(const TeamworkRequest& request, const std::string& socketPath);
+  /// One exchange with the options as they stand above but for `expectedBytes`, decoded.
+  static Answer send(const TeamworkRequest& request, const std::string& socketPath,
+                     std::size_t expectedBytes = 0);
 };
 
 /// The app at a socket.

@@ -4,6 +4,9 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
+#include <limits>
+
 #include "bridge/unix_socket.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -166,6 +169,28 @@ TEST_F(Transport, MeetsASmallLimitInTheMiddleOfAChunk) {
   for (const Row& row : rows) {
     app.play(row.behaviour);
     EXPECT_EQ(BridgeTransport::exchange(request(), app.path(), options), row.reply) << row.name;
+  }
+}
+
+TEST_F(Transport, TakesAnyReplyWhateverWasExpected) {
+  for (const std::size_t expected : {std::size_t{0}, std::size_t{1}, std::size_t{4097}, limit,
+                                     limit + 1, std::numeric_limits<std::size_t>::max()}) {
+    BridgeTransport::Options options;
+    options.expectedBytes = expected;
+    app.play(testing::reply("{}"));
+    std::optional<std::string> reply = BridgeTransport::exchange(request(), app.path(), options);
+    ASSERT_EQ(reply, "{}") << expected;
+    EXPECT_GE(reply->capacity(), std::min(expected, limit)) << expected;
+    EXPECT_LT(reply->capacity(), limit + limit / 64) << expected;
+    app.play(testing::filler(limit));
+    reply = BridgeTransport::exchange(request(), app.path(), options);
+    EXPECT_EQ(reply.value_or("").size(), limit) << expected;
+    app.play(testing::filler(limit + 1));
+    EXPECT_FALSE(BridgeTransport::exchange(request(), app.path(), options)) << expected;
+    // A limit below what is expected is still the limit.
+    options.maxResponseBytes = 5;
+    app.play(testing::reply("123456"));
+    EXPECT_FALSE(BridgeTransport::exchange(request(), app.path(), options)) << expected;
   }
 }
 
