@@ -68,7 +68,7 @@ bool take(Board& board, std::string_view kind, std::string_view body) {
   bool taken = false;
   forEachTable(board, [&]<class Row>(std::string_view name, Table<Row>& table) {
     if (name != kind) return;
-    std::optional<Row> row = json::decode<Row>(body);
+    std::optional<Row> row = json::decode<Row>(std::string(body));
     if (!row) return;
     table.put(*std::move(row));
     taken = true;

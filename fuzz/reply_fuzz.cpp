@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "base/text.h"
 #include "base/unicode.h"
 #include "fuzz/input.h"
 #include "harness/dice.h"
@@ -98,8 +99,25 @@ void renderAsWaitEnd(const TeamworkResponse& response, SeatState state) {
   checkObject(plain(waitOutcome(outcome, state)));
 }
 
+/// The bytes as the inside of a string: the decoder undoes escapes itself, and must agree with the
+/// parser of trees about which there are and what they mean.
+void tryText(std::string_view inside) {
+  const std::string text = text::cat("\"", inside, "\"");
+  const std::optional<json::Tree> tree = json::parse(text);
+  const std::optional<TeamworkResponse> response =
+      decodeResponse(text::cat("{\"kind\":\"written\",\"message\":", text, "}"));
+  if (!tree) {
+    // With a quote in it, the text may end early and be a part of a valid response.
+    require(!response || inside.find('"') != std::string_view::npos, "a text that is none");
+    return;
+  }
+  require(response && response->message, "a text that is not read");
+  require(*response->message == std::string_view(tree->get_string()), "a text that is another");
+}
+
 void tryReply(std::string_view reply) {
-  std::optional<TeamworkResponse> response = decodeResponse(reply);
+  tryText(reply);
+  std::optional<TeamworkResponse> response = decodeResponse(std::string(reply));
   if (!response && reply.starts_with('{')) return;
   std::span<const std::string_view> tools = listedTools;
   if (!response) {

@@ -21,7 +21,7 @@ Ask splitAsk(std::string_view stored) {
   for (std::size_t end = stored.find(closing); end != std::string_view::npos;
        end = stored.find(closing, end + 1)) {
     const std::string_view json = stored.substr(opening.size(), end - opening.size());
-    auto payload = json::decode<TeamworkHumanAsk::Payload>(json);
+    auto payload = json::decode<TeamworkHumanAsk::Payload>(std::string(json));
     if (!payload) continue;
     return {std::move(payload), std::string(unicode::trim(stored.substr(end + closing.size())))};
   }

@@ -3,6 +3,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -148,6 +149,13 @@ bool isValid(std::string_view bytes) {
     bytes.remove_prefix(first->length);
   }
   return true;
+}
+
+void append(std::string& out, char32_t codePoint) {
+  std::array<utf8proc_uint8_t, 4> bytes{};
+  const utf8proc_ssize_t length =
+      utf8proc_encode_char(static_cast<utf8proc_int32_t>(codePoint), bytes.data());
+  out.append(bytes.begin(), bytes.begin() + length);
 }
 
 std::string_view trim(std::string_view whole) { return withoutAtEnds(whole, isWhiteSpace); }

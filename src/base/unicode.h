@@ -3,12 +3,16 @@
 // Text as a reader sees it: valid UTF-8, white space, case, user-perceived characters.
 
 #include <cstddef>
+#include <string>
 #include <string_view>
 
 namespace quillpost::unicode {
 
 /// Whether `bytes` is well-formed UTF-8 (no surrogates, no overlong forms, nothing cut off).
 bool isValid(std::string_view bytes);
+
+/// Appends one code point, which must be at most U+10FFFF and no surrogate.
+void append(std::string& out, char32_t codePoint);
 
 /// Without white space and newlines at both ends: categories Zs, Zl, Zp, U+0009 to U+000D, U+0085.
 /// Bytes that are not UTF-8 count as ordinary characters.

@@ -27,7 +27,7 @@ inline constexpr std::size_t depthLimit = 512;
 struct Shape;
 
 /// Room made for a list when its first element comes.
-inline constexpr std::size_t usualLength = 8;
+inline constexpr std::size_t usualLength = 4;
 
 /// One row of a record as the reader sees it.
 struct Row {
@@ -160,7 +160,7 @@ struct ShapeMaker<T> {
 
 /// Reads one object into the record at `target`. False when the text is not JSON, not an object,
 /// lacks a required key or has a wrong type anywhere.
-bool decodeObject(std::string_view text, const Shape& shape, void* target);
+bool decodeObject(std::string text, const Shape& shape, void* target);
 
 }  // namespace detail
 
@@ -169,9 +169,9 @@ bool decodeObject(std::string_view text, const Shape& shape, void* target);
 /// An integer may be written with a fraction or an exponent as long as its value is integral; a
 /// boolean is never an integer. Which of two equal keys counts is not promised.
 template <Record T>
-std::optional<T> decode(std::string_view text) {
+std::optional<T> decode(std::string&& text) {
   std::optional<T> record(std::in_place);
-  if (!detail::decodeObject(text, shapeOf<T>, &*record)) record.reset();
+  if (!detail::decodeObject(std::move(text), shapeOf<T>, &*record)) record.reset();
   return record;
 }
 

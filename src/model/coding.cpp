@@ -22,12 +22,12 @@ std::optional<std::string> encodeRequest(const TeamworkRequest& request) {
   return encodeValid(request);
 }
 
-std::optional<TeamworkResponse> decodeResponse(std::string_view reply) {
-  return json::decode<TeamworkResponse>(reply);
+std::optional<TeamworkResponse> decodeResponse(std::string reply) {
+  return json::decode<TeamworkResponse>(std::move(reply));
 }
 
-std::optional<TeamworkRequest> decodeRequest(std::string_view line) {
-  return json::decode<TeamworkRequest>(line);
+std::optional<TeamworkRequest> decodeRequest(std::string line) {
+  return json::decode<TeamworkRequest>(std::move(line));
 }
 
 std::optional<std::string> encodeResponse(const TeamworkResponse& response) {

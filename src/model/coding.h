@@ -18,10 +18,10 @@ std::optional<std::string> encodeRequest(const TeamworkRequest& request);
 
 /// The response that one reply holds; nothing when it is not JSON, its kind is unknown, a required
 /// key is missing or a value has the wrong type, anywhere.
-std::optional<TeamworkResponse> decodeResponse(std::string_view reply);
+std::optional<TeamworkResponse> decodeResponse(std::string reply);
 
 /// The request that one line holds, for a program that plays the app; nothing when it is not one.
-std::optional<TeamworkRequest> decodeRequest(std::string_view line);
+std::optional<TeamworkRequest> decodeRequest(std::string line);
 
 /// The response as one compact JSON object, for a program that plays the app. Nothing when a text
 /// in it is not UTF-8.

@@ -23,6 +23,15 @@ TEST(IsValid, AcceptsEveryCodePointAndRefusesEverySurrogate) {
   }
 }
 
+TEST(Append, WritesEveryCodePoint) {
+  for (uint32_t codePoint = 0; codePoint <= 0x10FFFF; ++codePoint) {
+    if (codePoint >= 0xD800 && codePoint <= 0xDFFF) continue;
+    std::string text = "x";
+    append(text, static_cast<char32_t>(codePoint));
+    ASSERT_EQ(text, "x" + encoded(codePoint)) << std::hex << codePoint;
+  }
+}
+
 TEST(IsValid, RefusesWhatIsOverlongOutOfRangeOrCutOff) {
   struct Row {
     const char* name;

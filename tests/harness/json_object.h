@@ -24,7 +24,7 @@ inline json::TreeObject objectFrom(std::string_view text) {
 
 /// The answer of the app that `text` is; an empty one, and a failure of the test, when it is none.
 inline TeamworkResponse responseFrom(std::string_view text) {
-  std::optional<TeamworkResponse> response = decodeResponse(text);
+  std::optional<TeamworkResponse> response = decodeResponse(std::string(text));
   EXPECT_TRUE(response.has_value()) << "not a response: " << text;
   return response ? *std::move(response) : TeamworkResponse();
 }

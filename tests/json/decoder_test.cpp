@@ -59,7 +59,7 @@ struct Names<Colour> {
 
 namespace {
 
-std::optional<Plant> plant(std::string_view text) { return decode<Plant>(text); }
+std::optional<Plant> plant(std::string_view text) { return decode<Plant>(std::string(text)); }
 
 /// The plant whose one member "number" is written as `number`.
 std::optional<int64_t> numberFrom(std::string_view number) {
@@ -288,8 +288,8 @@ TEST(Strings, AreUnescaped) {
     EXPECT_EQ(textFrom(row.json), row.text) << row.json;
 }
 
-TEST(Strings, ComeBackWholeWhereverTheParserCutsThem) {
-  // The parser hands over what it unescapes in pieces of about 4096 bytes.
+TEST(Strings, ComeBackWholeAcrossTheParsersBuffer) {
+  // The parser's own buffer, which it hands over in pieces, has 4096 bytes.
   for (const std::string_view escape : {R"(\n)", R"(\u00e9)", R"(\ud83d\ude00)"}) {
     const std::string_view meant = escape == R"(\n)" ? "\n" : escape == R"(\u00e9)" ? "é" : "😀";
     for (std::size_t before = 4070; before <= 4105; ++before) {
@@ -300,6 +300,25 @@ TEST(Strings, ComeBackWholeWhereverTheParserCutsThem) {
       ASSERT_EQ(textFrom(json), text) << escape << " after " << before << " bytes";
     }
   }
+}
+
+TEST(Strings, WithBadEscapesAreRefusedEverywhere) {
+  for (const std::string_view bad : {R"(\a)", R"(\u12)", R"(\ud83d)", R"(\ude00)"}) {
+    const std::string escape(bad);
+    EXPECT_EQ(plant(R"({"text":")" + escape + "\"}"), std::nullopt) << escape;
+    EXPECT_EQ(plant(R"({"unknown":")" + escape + "\"}"), std::nullopt) << escape;
+    EXPECT_EQ(plant(R"({"unknown":{"text":[")" + escape + "\"]}}"), std::nullopt) << escape;
+    EXPECT_EQ(plant(R"({")" + escape + "\":1}"), std::nullopt) << escape;
+    EXPECT_EQ(plant(R"({"unknown":{")" + escape + "\":1}}"), std::nullopt) << escape;
+  }
+}
+
+TEST(Escapes, HaveNoPlaceOutsideStrings) {
+  ASSERT_TRUE(plant(R"({"number":1})"));
+  for (const char* text : {R"(\{"number":1})", R"({\n"number":1})", R"({"number"\n:1})",
+                           R"({"number":1\n})", R"({"number":1}\n)", R"({\"number":1})",
+                           R"({"number\":1})", R"({"number":\u0031})", R"({"number":1}\)"})
+    EXPECT_EQ(plant(text), std::nullopt) << text;
 }
 
 TEST(Strings, MayBeVeryLong) {

@@ -118,7 +118,7 @@ TEST(DecodeResponse, GivesNothingForWhatIsNotAnObject) {
   for (const std::string_view reply :
        {"", " ", "null", "[]", R"([{"kind":"empty"}])", R"("empty")", R"({"kind":"empty")",
         R"({"kind":"empty"}{"kind":"empty"})", R"({"kind":"empty"} x)", "not json"})
-    EXPECT_EQ(decodeResponse(reply), std::nullopt) << reply;
+    EXPECT_EQ(decodeResponse(std::string(reply)), std::nullopt) << reply;
 }
 
 TEST(DecodeResponse, TakesAnySubsetWithAnyKind) {

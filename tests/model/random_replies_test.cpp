@@ -75,7 +75,7 @@ void mutate(std::string& text, Dice& dice) {
 
 /// Whether the text decoded, after holding the record that it gave to its promise.
 bool decodesSoundly(std::string_view text) {
-  const std::optional<TeamworkResponse> response = decodeResponse(text);
+  const std::optional<TeamworkResponse> response = decodeResponse(std::string(text));
   if (!response) return false;
   const std::optional<std::string> again = encodeResponse(*response);
   EXPECT_TRUE(again) << "a reply that was read can be written";

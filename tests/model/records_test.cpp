@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "harness/golden.h"
 #include "json/decoder.h"
@@ -27,7 +28,7 @@ template <class T>
 std::optional<T> recordOf(const TreeObject& members) {
   std::string text;
   json::appendTree(text, Tree(members));
-  return json::decode<T>(text);
+  return json::decode<T>(std::move(text));
 }
 
 std::string textOf(const Tree& tree) {
