@@ -56,9 +56,11 @@ class RecordReader {
     return wrongType(ec);
   }
   bool on_key(std::string_view inside, std::size_t /*size*/, error_code& ec) {
+    // No row's key has an escape, so that most keys are found before they are searched for one.
+    if (skippedDepth_ == 0 && openRow(frames_[depth_ - 1], inside)) return true;
     const std::optional<std::string_view> key = meaningOf(inside);
     if (!key) return wrongType(ec);
-    if (skippedDepth_ == 0) openRow(frames_[depth_ - 1], *key);
+    skipNext_ = skippedDepth_ == 0 && !openRow(frames_[depth_ - 1], *key);
     return true;
   }
 
@@ -140,8 +142,8 @@ class RecordReader {
     return true;
   }
 
-  /// Makes the row for a key the pending one, or notes that its value is to be skipped.
-  void openRow(Frame& frame, std::string_view key) {
+  /// Makes the row for a key the pending one; false when there is none.
+  bool openRow(Frame& frame, std::string_view key) {
     const std::span<const Row> rows = frame.shape->rows;
     // A sender writes every record's keys in one order of its own, nearly always the table's: the
     // search starts at the row after the last one.
@@ -150,9 +152,9 @@ class RecordReader {
       if (rows[at].key != key) continue;
       frame.expected = at + 1;
       pending_ = {frame.target, rows[at].shape, rows[at].presence, &rows[at], at};
-      return;
+      return true;
     }
-    skipNext_ = true;
+    return false;
   }
 
   /// The place for the value that has come; its row counts as seen from here on.

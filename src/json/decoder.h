@@ -73,7 +73,7 @@ namespace detail {
 template <>
 struct ShapeMaker<std::string> {
   static constexpr Shape shape = {.takeText = [](void* target, std::string_view text) {
-    static_cast<std::string*>(target)->assign(text);
+    *static_cast<std::string*>(target) = std::string(text);
     return true;
   }};
 };
