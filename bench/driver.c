@@ -6,8 +6,8 @@
 // start: from before a program is started to its LINES-th line of output, or to its end when it has
 //        said less; with 0 lines, to its end after its input was closed. BATCH is not used.
 // talk:  each program is started once. From writing the input to the LINES-th line of output, BATCH
-//        times in a row, divided by BATCH. Before that once untimed, because the programs whose
-//        turn it was have left the caches full of theirs.
+//        times in a row, divided by BATCH. Before that once untimed, because the program whose turn
+//        it was has left the caches full of its own, and may still be tidying up.
 //
 // Goes on for SECONDS, at least `fewest_turns` and at most `most_turns` turns. Prints one line for
 // each sample: the program's place in the list, counted from 0, and nanoseconds.
@@ -171,6 +171,7 @@ static int64_t time_start(struct side* side, const struct work* work) {
 }
 
 static int64_t time_talk(struct side* side, const struct work* work) {
+  if (!converse(side, work)) fail(side->arguments[0]);
   const int64_t begin = now();
   for (long i = 0; i < work->batch; i++) {
     if (!converse(side, work)) fail(side->arguments[0]);
