@@ -58,9 +58,11 @@ class RecordReader {
   bool on_key(std::string_view inside, std::size_t /*size*/, error_code& ec) {
     // No row's key has an escape, so that most keys are found before they are searched for one.
     if (skippedDepth_ == 0 && openRow(frames_[depth_ - 1], inside)) return true;
+    skipNext_ = skippedDepth_ == 0;
+    if (!hasDisguisedEscapes(inside)) return true;
     const std::optional<std::string_view> key = meaningOf(inside);
     if (!key) return wrongType(ec);
-    skipNext_ = skippedDepth_ == 0 && !openRow(frames_[depth_ - 1], *key);
+    if (skipNext_) skipNext_ = !openRow(frames_[depth_ - 1], *key);
     return true;
   }
 

@@ -90,8 +90,8 @@ constexpr std::string_view quoteFor(Nesting nesting) {
   return nesting == Nesting::outermost ? "\"" : "\\\"";
 }
 
-/// Appends a string that needs no escapes. It grows the text once: keys and short texts are most of
-/// a long result, and three appends for each took a twentieth of its time.
+/// Appends a string that needs no escapes and is no part of `out`. It grows the text once: keys and
+/// short texts are most of a long result, and three appends for each took a twentieth of its time.
 void appendPlain(std::string& out, std::string_view plain, Nesting nesting) {
   const bool nested = nesting == Nesting::insideString;
   const std::size_t begin = out.size();

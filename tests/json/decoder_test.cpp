@@ -288,8 +288,8 @@ TEST(Strings, AreUnescaped) {
     EXPECT_EQ(textFrom(row.json), row.text) << row.json;
 }
 
-TEST(Strings, ComeBackWholeAcrossTheParsersBuffer) {
-  // The parser's own buffer, which it hands over in pieces, has 4096 bytes.
+TEST(Strings, ComeBackWholeAroundFourKibibytes) {
+  // A parser that undid their escapes itself would hand them over in pieces of 4096 bytes.
   for (const std::string_view escape : {R"(\n)", R"(\u00e9)", R"(\ud83d\ude00)"}) {
     const std::string_view meant = escape == R"(\n)" ? "\n" : escape == R"(\u00e9)" ? "é" : "😀";
     for (std::size_t before = 4070; before <= 4105; ++before) {
