@@ -37,15 +37,6 @@ std::string textOf(const Tree& tree) {
   return text;
 }
 
-/// The members without those that may be missing.
-template <class T>
-TreeObject requiredOf(TreeObject members) {
-  json::forEachField<T>([&](const auto& field) {
-    if (field.presence != Presence::required) members.erase(field.key);
-  });
-  return members;
-}
-
 // --- The types of members ---------------------------------------------------------------------
 
 template <class Value>
@@ -95,6 +86,57 @@ WireType<Value> typeOf(const json::Field<Owner, Value>& /*field*/) {
   return {};
 }
 
+/// A field of a record whatever its type, so that the tests below are compiled once for each record
+/// and not once for each field: that took minutes.
+template <class T>
+struct AnyField {
+  std::string_view key;
+  Presence presence;
+  std::string typeName;
+  /// JSON that is no value of its type.
+  Texts wrong;
+  bool (*equal)(const T& one, const T& other);
+  void (*copy)(T& to, const T& from);
+  /// Gives it another value.
+  void (*vary)(T& record);
+};
+
+template <class T, std::size_t I>
+AnyField<T> anyField() {
+  static constexpr auto field = std::get<I>(T::fields());
+  using Type = decltype(typeOf(field));
+  return {.key = field.key,
+          .presence = field.presence,
+          .typeName = Type::name(),
+          .wrong = Type::wrong(),
+          .equal = [](const T& one,
+                      const T& other) { return one.*field.member == other.*field.member; },
+          .copy = [](T& to, const T& from) { to.*field.member = from.*field.member; },
+          .vary =
+              [](T& record) {
+                int count = 100000;
+                samples::vary(record.*field.member, count);
+              }};
+}
+
+template <class T>
+std::vector<AnyField<T>> fieldsOf() {
+  std::vector<AnyField<T>> fields;
+  const auto add = [&fields]<std::size_t... I>(std::index_sequence<I...> /*rows*/) {
+    (fields.push_back(anyField<T, I>()), ...);
+  };
+  add(std::make_index_sequence<json::memberCount<T>()>());
+  return fields;
+}
+
+/// The members without those that may be missing.
+template <class T>
+TreeObject requiredOf(TreeObject members) {
+  for (const AnyField<T>& field : fieldsOf<T>())
+    if (field.presence != Presence::required) members.erase(field.key);
+  return members;
+}
+
 // --- Every record -----------------------------------------------------------------------------
 
 struct RecordNames {
@@ -119,7 +161,7 @@ TYPED_TEST(EveryRecord, ComesBackWholeFromTheWire) {
 TYPED_TEST(EveryRecord, IsWrittenInTheOrderOfItsTable) {
   Texts written, listed;
   for (const auto& member : membersOf(sample<TypeParam>())) written.emplace_back(member.key());
-  json::forEachField<TypeParam>([&](const auto& field) { listed.emplace_back(field.key); });
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) listed.emplace_back(field.key);
   EXPECT_EQ(written, listed);
 }
 
@@ -129,58 +171,58 @@ TYPED_TEST(EveryRecord, NeedsOnlyItsRequiredKeys) {
       recordOf<TypeParam>(requiredOf<TypeParam>(membersOf(whole)));
   ASSERT_TRUE(minimal);
   const TypeParam defaults;
-  json::forEachField<TypeParam>([&](const auto& field) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
     const TypeParam& expected = field.presence == Presence::required ? whole : defaults;
-    EXPECT_TRUE((*minimal).*field.member == expected.*field.member) << field.key;
-  });
+    EXPECT_TRUE(field.equal(*minimal, expected)) << field.key;
+  }
 }
 
 TYPED_TEST(EveryRecord, TakesEachOtherKeyByItself) {
   const TypeParam whole = sample<TypeParam>();
   const TreeObject members = membersOf(whole);
   const TreeObject required = requiredOf<TypeParam>(members);
-  json::forEachField<TypeParam>([&](const auto& field) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
     TreeObject some = required;
     some[field.key] = members.at(field.key);
     TypeParam expected = *recordOf<TypeParam>(required);
-    expected.*field.member = whole.*field.member;
+    field.copy(expected, whole);
     EXPECT_EQ(recordOf<TypeParam>(some), expected) << field.key;
-  });
+  }
 }
 
 TYPED_TEST(EveryRecord, FailsWithoutARequiredKey) {
   const TypeParam whole = sample<TypeParam>();
-  json::forEachField<TypeParam>([&](const auto& field) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
     TreeObject members = membersOf(whole);
     members.erase(field.key);
     const bool isRead = recordOf<TypeParam>(members).has_value();
     EXPECT_EQ(isRead, field.presence != Presence::required) << field.key;
-  });
+  }
 }
 
 TYPED_TEST(EveryRecord, CountsANullAsMissing) {
   const TypeParam whole = sample<TypeParam>();
-  json::forEachField<TypeParam>([&](const auto& field) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
     TreeObject members = membersOf(whole);
     members[field.key] = nullptr;
     std::optional<TypeParam> expected;
     if (field.presence != Presence::required) {
       expected = whole;
-      (*expected).*field.member = TypeParam{}.*field.member;
+      field.copy(*expected, TypeParam{});
     }
     EXPECT_EQ(recordOf<TypeParam>(members), expected) << field.key;
-  });
+  }
 }
 
 TYPED_TEST(EveryRecord, FailsWhenAKeyHasTheWrongType) {
   const TypeParam whole = sample<TypeParam>();
-  json::forEachField<TypeParam>([&](const auto& field) {
-    for (const std::string& wrong : decltype(typeOf(field))::wrong()) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
+    for (const std::string& wrong : field.wrong) {
       TreeObject members = membersOf(whole);
       members[field.key] = *json::parse(wrong);
       EXPECT_EQ(recordOf<TypeParam>(members), std::nullopt) << field.key << " = " << wrong;
     }
-  });
+  }
 }
 
 TYPED_TEST(EveryRecord, IgnoresUnknownKeys) {
@@ -214,13 +256,12 @@ TYPED_TEST(EveryRecord, KnowsItsKeysOnlyAsTheyAreSpelled) {
 TYPED_TEST(EveryRecord, IsEqualOnlyWhenEveryMemberIs) {
   const TypeParam whole = sample<TypeParam>();
   EXPECT_EQ(whole, TypeParam(whole));
-  json::forEachField<TypeParam>([&](const auto& field) {
+  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
     TypeParam other = whole;
-    int count = 100000;
-    samples::vary(other.*field.member, count);
+    field.vary(other);
     EXPECT_FALSE(other == whole) << field.key;
     EXPECT_NE(json::encode(other), json::encode(whole)) << field.key;
-  });
+  }
 }
 
 // --- The tables against the wire --------------------------------------------------------------
@@ -255,8 +296,8 @@ template <class T>
 std::string tableOf() {
   const TreeObject defaults = membersOf(T{});
   std::string table = "\n" + std::string(nameOf<T>) + "\n";
-  json::forEachField<T>([&](const auto& field) {
-    table += std::string(field.key) + ": " + decltype(typeOf(field))::name() + ", ";
+  for (const AnyField<T>& field : fieldsOf<T>()) {
+    table += std::string(field.key) + ": " + field.typeName + ", ";
     switch (field.presence) {
       case Presence::required:
         table += "required\n";
@@ -268,7 +309,7 @@ std::string tableOf() {
         table += "default " + textOf(defaults.at(field.key)) + "\n";
         break;
     }
-  });
+  }
   return table;
 }
 
