@@ -1,10 +1,10 @@
-#include <cstddef>
-#include <string>
+#include "bench/samples.h"
+#include "model/coding.h"
 
 #include <benchmark/benchmark.h>
 
-#include "bench/samples.h"
-#include "model/coding.h"
+#include <cstddef>
+#include <string>
 
 namespace quillpost {
 namespace {

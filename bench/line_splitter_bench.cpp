@@ -1,11 +1,11 @@
-#include "server/line_splitter.h"
+#include "mcp/line_splitter.h"
+
+#include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
-
-#include <benchmark/benchmark.h>
 
 namespace quillpost {
 namespace {

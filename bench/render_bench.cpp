@@ -1,12 +1,3 @@
-#include <cstddef>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <vector>
-
-#include <benchmark/benchmark.h>
-
 #include "bench/samples.h"
 #include "json/writer.h"
 #include "render/briefing.h"
@@ -20,6 +11,15 @@
 #include "render/squad.h"
 #include "render/task.h"
 #include "render/wait_outcome.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quillpost {
 namespace {

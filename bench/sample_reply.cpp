@@ -1,11 +1,11 @@
 // Prints one reply of the app: sample_reply written | wake | tasks COUNT | bytes MOST
 
+#include "bench/samples.h"
+
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
-
-#include "bench/samples.h"
 
 namespace {
 

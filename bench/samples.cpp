@@ -1,14 +1,14 @@
 #include "bench/samples.h"
 
+#include "base/text.h"
+#include "model/coding.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <random>
 #include <string_view>
 #include <utility>
-
-#include "base/text.h"
-#include "model/coding.h"
 
 namespace quillpost::bench {
 namespace {

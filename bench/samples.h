@@ -2,11 +2,11 @@
 
 // A board of some size, the same at every run: what the benchmarks decode, render and send.
 
+#include "model/response.h"
+
 #include <cstddef>
 #include <string>
 #include <vector>
-
-#include "model/response.h"
 
 namespace quillpost::bench {
 

@@ -1,11 +1,11 @@
 #include "base/unicode.h"
 
+#include <benchmark/benchmark.h>
+
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include <benchmark/benchmark.h>
 
 namespace quillpost {
 namespace {

@@ -1,12 +1,12 @@
 # What `cmake --install` puts where, and what `cpack` packs: the component "teamwork". The component
-# "devboard" is a development tool and is installed only when it is named.
+# "board" is a development tool and is installed only when it is named.
 
 include(GNUInstallDirs)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
 install(TARGETS quillpost-teamwork RUNTIME COMPONENT teamwork)
-if(TARGET quillpost-devboard)
-  install(TARGETS quillpost-devboard RUNTIME COMPONENT devboard EXCLUDE_FROM_ALL)
+if(TARGET quillpost-board)
+  install(TARGETS quillpost-board RUNTIME COMPONENT board EXCLUDE_FROM_ALL)
 endif()
 
 install(FILES man/quillpost-teamwork.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)

@@ -1,16 +1,16 @@
 // The arguments of a call: read for every tool into a request that can be sent and read back.
 
-#include <string>
-#include <string_view>
-
 #include "base/unicode.h"
+#include "calls/blocker.h"
+#include "calls/goal.h"
+#include "calls/request_rules.h"
 #include "fuzz/input.h"
 #include "json/value.h"
 #include "model/coding.h"
-#include "model/verbs.h"
-#include "server/blocker.h"
-#include "server/goal.h"
-#include "server/request_rules.h"
+#include "tools/tool_name.h"
+
+#include <string>
+#include <string_view>
 
 namespace quillpost::fuzz {
 namespace {

@@ -1,12 +1,12 @@
 // Counting, cutting, trimming and comparing any bytes.
 
+#include "base/unicode.h"
+#include "fuzz/input.h"
+#include "model/markers.h"
+
 #include <algorithm>
 #include <string>
 #include <string_view>
-
-#include "base/unicode.h"
-#include "fuzz/input.h"
-#include "render/markers.h"
 
 namespace quillpost::fuzz {
 namespace {

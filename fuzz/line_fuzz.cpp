@@ -1,18 +1,18 @@
 // Lines from the harness: whatever they hold, every answer is one whole JSON line.
 
-#include <chrono>
-#include <string>
-#include <string_view>
-#include <utility>
-
 #include "base/environment.h"
 #include "fuzz/input.h"
 #include "harness/fake_client.h"
 #include "harness/fake_clock.h"
 #include "json/value.h"
+#include "mcp/stdio_server.h"
 #include "model/coding.h"
-#include "model/verbs.h"
-#include "server/stdio_server.h"
+#include "tools/tool_name.h"
+
+#include <chrono>
+#include <string>
+#include <string_view>
+#include <utility>
 
 namespace quillpost::fuzz {
 namespace {

@@ -1,14 +1,14 @@
 // The numbered body and the log, at any page of any text.
 
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "base/text.h"
 #include "base/unicode.h"
 #include "fuzz/input.h"
 #include "json/value.h"
 #include "render/pages.h"
+
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quillpost::fuzz {
 namespace {

@@ -2,12 +2,6 @@
 // where it is JSON. Bytes that do not begin as an object are taken for the values of a response
 // instead, so that the words are reached without hitting upon valid JSON.
 
-#include <algorithm>
-#include <span>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "base/text.h"
 #include "base/unicode.h"
 #include "fuzz/input.h"
@@ -16,9 +10,15 @@
 #include "json/record.h"
 #include "json/value.h"
 #include "model/coding.h"
-#include "model/verbs.h"
 #include "render/result.h"
 #include "render/wait_outcome.h"
+#include "tools/tool_name.h"
+
+#include <algorithm>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quillpost::fuzz {
 namespace {

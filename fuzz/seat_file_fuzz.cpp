@@ -1,12 +1,5 @@
 // The seat file, the token file, and the paths that are made from them.
 
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <string_view>
-
-#include <unistd.h>
-
 #include "base/environment.h"
 #include "base/files.h"
 #include "base/unicode.h"
@@ -14,6 +7,13 @@
 #include "bridge/transport.h"
 #include "bridge/unix_socket.h"
 #include "fuzz/input.h"
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <string_view>
+
+#include <unistd.h>
 
 namespace quillpost::fuzz {
 namespace {

@@ -1,6 +1,11 @@
 // The program while the system's calls fail it: each call it makes, each way that call can fail,
 // and what becomes of the conversation. broken_calls/preload.c stands between the two.
 
+#include "base/text.h"
+#include "harness/process.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -10,11 +15,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/text.h"
-#include "harness/process.h"
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
 
 namespace quillpost {
 namespace {

@@ -1,6 +1,14 @@
 // The ready configuration files in contrib/, each read as its harness reads it and the command in
 // it started as its harness starts it.
 
+#include "base/text.h"
+#include "contrib/toml.h"
+#include "harness/process.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+#include "json/value.h"
+#include "model/coding.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -11,14 +19,6 @@
 #include <string_view>
 #include <variant>
 #include <vector>
-
-#include "base/text.h"
-#include "contrib/toml.h"
-#include "harness/process.h"
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
-#include "json/value.h"
-#include "model/coding.h"
 
 namespace quillpost::contrib {
 namespace {

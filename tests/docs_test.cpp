@@ -3,18 +3,18 @@
 // "<!-- generated: name -->" and "<!-- end -->"; the blocks are made here from the tables and
 // compared. UPDATE_GOLDEN=1 rewrites them in place.
 
-#include <gtest/gtest.h>
-
-#include <map>
-#include <string>
-#include <string_view>
-
 #include "base/text.h"
 #include "docs/blocks.h"
 #include "docs/protocol_page.h"
 #include "docs/tools_page.h"
 #include "harness/golden.h"
 #include "harness/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <string_view>
 
 namespace quillpost::docs {
 namespace {

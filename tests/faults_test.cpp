@@ -1,9 +1,14 @@
 // The program against the world at its worst: clients that flood it, that read slowly or not at
 // all, and apps that answer nonsense. It answers what can be answered, and keeps nothing.
 
-#include <fcntl.h>
+#include "base/text.h"
+#include "base/unique_fd.h"
+#include "harness/golden.h"
+#include "harness/process.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <csignal>
 #include <cstddef>
@@ -14,12 +19,8 @@
 #include <string_view>
 #include <vector>
 
-#include "base/text.h"
-#include "base/unique_fd.h"
-#include "harness/golden.h"
-#include "harness/process.h"
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace quillpost::testing {
 namespace {

@@ -1,7 +1,8 @@
 // What the program's file says of itself: that it is loaded anywhere, that nothing in it is both
 // writable and executable, and that it was compiled to notice when something goes out of bounds.
 
-#include <elf.h>
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -12,7 +13,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "harness/temp_dir.h"
+#include <elf.h>
 
 namespace quillpost {
 namespace {

@@ -1,9 +1,12 @@
 // What lands where: an installation into an empty root, and the packages that are made of it. The
 // build that runs the tests is the one that is installed and packed.
 
+#include "base/text.h"
+#include "harness/process.h"
+#include "harness/temp_dir.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <chrono>
@@ -15,9 +18,7 @@
 #include <string_view>
 #include <vector>
 
-#include "base/text.h"
-#include "harness/process.h"
-#include "harness/temp_dir.h"
+#include <sys/stat.h>
 
 namespace quillpost {
 namespace {
@@ -112,7 +113,7 @@ std::vector<std::string> expectedFiles() {
 void expectInstallation(const std::string& prefix) {
   const std::set<std::string> files = filesIn(prefix);
   EXPECT_THAT(files, IsSupersetOf(expectedFiles()));
-  for (const std::string& file : files) EXPECT_THAT(file, Not(HasSubstr("devboard")));
+  for (const std::string& file : files) EXPECT_THAT(file, Not(HasSubstr("quillpost-board")));
   EXPECT_TRUE(isExecutable(prefix + "/bin/quillpost-teamwork"));
   EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/cursor/stop-hook"));
   EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/antigravity/stop-hook"));

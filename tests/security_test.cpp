@@ -1,5 +1,8 @@
 // Each promise of SECURITY.md names tests, and those tests exist.
 
+#include "base/text.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -7,9 +10,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/text.h"
-#include "harness/temp_dir.h"
 
 namespace quillpost {
 namespace {

@@ -6,6 +6,9 @@
 //   simulation_test --sessions=1000000        a longer run
 //   simulation_test --seed=N --sessions=1     one session again; tells what happened in it
 
+#include "base/text.h"
+#include "simulation/session.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -13,9 +16,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
-#include "simulation/session.h"
 
 namespace quillpost::simulation {
 namespace {

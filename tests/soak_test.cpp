@@ -1,9 +1,13 @@
 // One process for a long day: two hundred thousand calls and two hundred waits, each with its own
 // answer in its own place, and nothing gathered on the way.
 
+#include "base/text.h"
+#include "base/unique_fd.h"
+#include "bridge/unix_socket.h"
+#include "harness/process.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 #include <array>
 #include <atomic>
@@ -15,11 +19,8 @@
 #include <string_view>
 #include <thread>
 
-#include "base/text.h"
-#include "base/unique_fd.h"
-#include "bridge/unix_socket.h"
-#include "harness/process.h"
-#include "harness/temp_dir.h"
+#include <sys/socket.h>
+#include <unistd.h>
 
 namespace quillpost {
 namespace {

@@ -1,6 +1,9 @@
 // The house rules that can be checked, held against the whole tree; and each rule held against
 // small trees that break it or keep it. A finding is printed as file:line: what is wrong.
 
+#include "tidy/rules.h"
+#include "tidy/source.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -8,9 +11,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "tidy/rules.h"
-#include "tidy/source.h"
 
 namespace quillpost::tidy {
 
@@ -67,15 +67,15 @@ std::string fenced(const std::string& text) {
 
 std::vector<Sample> includeSamples() {
   return {
-      {"folders", "along the arrows", {{"src/server/a.cpp", "#include \"render/a.h\"\n"}}, {}},
+      {"folders", "along the arrows", {{"src/calls/a.cpp", "#include \"render/a.h\"\n"}}, {}},
       {"folders",
        "against the arrows",
        {{"src/model/a.h", "#pragma once\n\n#include \"render/a.h\"\n"}},
        {"src/model/a.h:3"}},
       {"folders",
        "the server and the one header of the bridge",
-       {{"src/server/a.cpp", "#include \"bridge/bridge.h\"\n#include \"bridge/transport.h\"\n"}},
-       {"src/server/a.cpp:2"}},
+       {{"src/calls/a.cpp", "#include \"bridge/bridge.h\"\n#include \"bridge/transport.h\"\n"}},
+       {"src/calls/a.cpp:2"}},
       {"folders",
        "the words",
        {{"src/render/texts/a.h", "#include \"base/text.h\"\n#include \"base/clock.h\"\n"},
@@ -83,8 +83,8 @@ std::vector<Sample> includeSamples() {
        {"src/render/texts/a.h:2"}},
       {"folders",
        "the other program",
-       {{"devboard/a.cpp", "#include \"bridge/unix_socket.h\"\n#include \"server/tools.h\"\n"}},
-       {"devboard/a.cpp:2"}},
+       {{"board/a.cpp", "#include \"bridge/unix_socket.h\"\n#include \"calls/arguments.h\"\n"}},
+       {"board/a.cpp:2"}},
       {"folders",
        "a path from elsewhere",
        {{"tests/base/a_test.cpp", "#include \"../a.h\"\n#include \"a.h\"\n#include <a.h>\n"}},
@@ -107,9 +107,9 @@ std::vector<Sample> includeSamples() {
         {"src/base/b.h", ""},
         {"src/base/b.cpp", "#include <vector>\n#include \"base/b.h\"\n"},
         {"src/base/c.cpp", "#include <vector>\n"},
-        {"devboard/d.h", ""},
-        {"devboard/d.cpp", "// Why.\n"}},
-       {"src/base/b.cpp:1", "devboard/d.cpp:1"}},
+        {"board/d.h", ""},
+        {"board/d.cpp", "// Why.\n"}},
+       {"src/base/b.cpp:1", "board/d.cpp:1"}},
   };
 }
 
@@ -143,12 +143,12 @@ std::vector<Sample> shapeSamples() {
        {{"src/base/a.h", lines(200, "//")},
         {"src/base/b.h", lines(201, "//")},
         {"src/base/a.cpp", lines(400, "//")},
-        {"devboard/b.cpp", lines(401, "//")}},
-       {"src/base/b.h:201", "devboard/b.cpp:401"}},
+        {"board/b.cpp", lines(401, "//")}},
+       {"src/base/b.h:201", "board/b.cpp:401"}},
       {"fileLengths",
        "tables, words and tests",
        {{"src/base/a.h", fenced(lines(300, "//"))},
-        {"src/server/tools.h", lines(700, "//")},
+        {"src/tools/tools.h", lines(700, "//")},
         {"src/render/texts/a.h", lines(300, "//")},
         {"tests/base/a_test.cpp", lines(500, "//")}},
        {}},
@@ -193,11 +193,11 @@ std::vector<Sample> shapeSamples() {
         {"src/base/b.cpp", ""},
         {"src/base/c.h", ""},
         {"src/entry/main.cpp", ""},
-        {"devboard/rules/d.cpp", ""},
-        {"devboard/rules/e.cpp", ""},
+        {"board/rules/d.cpp", ""},
+        {"board/rules/e.cpp", ""},
         {"tests/base/a_test.cpp", ""},
-        {"tests/devboard/d_test.cpp", ""}},
-       {"src/base/b.cpp:1", "devboard/rules/e.cpp:1"}},
+        {"tests/board/rules/d_test.cpp", ""}},
+       {"src/base/b.cpp:1", "board/rules/e.cpp:1"}},
       {"targets",
        "built or not",
        {{"tests/a_test.cpp", ""},
@@ -224,12 +224,11 @@ std::vector<Sample> wordSamples() {
       {"words",
        "doors",
        {{"src/base/clock.h", "std::chrono::steady_clock::now(); std::this_thread::sleep_for(x);\n"},
-        {"src/server/a.cpp",
-         "std::chrono::steady_clock::now();\nstd::this_thread::sleep_for(x);\n"},
+        {"src/calls/a.cpp", "std::chrono::steady_clock::now();\nstd::this_thread::sleep_for(x);\n"},
         {"src/base/environment.h", "std::getenv(name);\n"},
         {"src/entry/main.cpp", "std::getenv(name);\nstd::exit(2);\n"},
         {"tests/base/a_test.cpp", "std::this_thread::sleep_for(x);\n"}},
-       {"src/server/a.cpp:1", "src/server/a.cpp:2", "src/entry/main.cpp:1",
+       {"src/calls/a.cpp:1", "src/calls/a.cpp:2", "src/entry/main.cpp:1",
         "tests/base/a_test.cpp:1"}},
       {"words",
        "namespaces",

@@ -17,6 +17,13 @@
 //   (unended) text      the text without its line feed
 // UPDATE_GOLDEN=1 rewrites the last four sections; read the difference before committing it.
 
+#include "base/text.h"
+#include "harness/golden.h"
+#include "harness/process.h"
+#include "harness/sections.h"
+#include "harness/temp_dir.h"
+#include "transcript/played_app.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -27,13 +34,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/text.h"
-#include "harness/golden.h"
-#include "harness/process.h"
-#include "harness/sections.h"
-#include "harness/temp_dir.h"
-#include "transcript/played_app.h"
 
 namespace quillpost::testing {
 namespace {

@@ -2,9 +2,9 @@
 
 // A file descriptor that closes itself.
 
-#include <unistd.h>
-
 #include <utility>
+
+#include <unistd.h>
 
 namespace quillpost {
 

@@ -2,12 +2,12 @@
 
 // The app as a door: one request, perhaps one response.
 
+#include "model/request.h"
+#include "model/response.h"
+
 #include <cstddef>
 #include <optional>
 #include <string>
-
-#include "model/request.h"
-#include "model/response.h"
 
 namespace quillpost {
 

@@ -1,10 +1,10 @@
 #include "bridge/discovery.h"
 
 #include "base/files.h"
+#include "base/support_directory.h"
 #include "base/text.h"
 #include "base/unicode.h"
 #include "base/unique_fd.h"
-#include "bridge/support_directory.h"
 #include "bridge/unix_socket.h"
 
 #include <algorithm>

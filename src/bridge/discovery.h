@@ -3,15 +3,15 @@
 // Finds the app's socket on disk when nobody says where it is: by the seat file, or by a scan that
 // counts only when exactly one socket is live. It never guesses between two.
 
+#include "base/environment.h"
+#include "json/record.h"
+
 #include <array>
 #include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/environment.h"
-#include "json/record.h"
 
 namespace quillpost {
 

@@ -4,13 +4,13 @@
 // one line, the end of sending, and the reply up to a terminator or the end. Nothing is kept from
 // one exchange to the next, and why one failed is not told.
 
-#include <cstddef>
-#include <optional>
-#include <string>
-
 #include "bridge/bridge.h"
 #include "model/request.h"
 #include "model/response.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
 
 namespace quillpost {
 

@@ -3,13 +3,13 @@
 // Local stream sockets: what has to be known about the system to open one, name one and send on it.
 // Nothing here knows what is sent.
 
-#include <sys/types.h>
+#include "base/unique_fd.h"
 
 #include <cstddef>
 #include <string>
 #include <string_view>
 
-#include "base/unique_fd.h"
+#include <sys/types.h>
 
 namespace quillpost {
 

@@ -4,11 +4,11 @@
 #include "base/clock.h"
 #include "base/environment.h"
 #include "base/memory.h"
+#include "base/output.h"
 #include "bridge/transport.h"
 #include "entry/settings.h"
 #include "entry/stop_hook.h"
-#include "server/output.h"
-#include "server/stdio_server.h"
+#include "mcp/stdio_server.h"
 
 #include <algorithm>
 #include <csignal>

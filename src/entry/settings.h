@@ -3,10 +3,10 @@
 // What the program is told at start, by its environment or by what lies on disk. Never an error:
 // what is missing is the empty text.
 
+#include "base/environment.h"
+
 #include <optional>
 #include <string>
-
-#include "base/environment.h"
 
 namespace quillpost {
 

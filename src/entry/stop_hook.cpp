@@ -1,7 +1,7 @@
 #include "entry/stop_hook.h"
 
 #include "entry/stop_hook_text.h"
-#include "model/verbs.h"
+#include "tools/tool_name.h"
 
 #include <array>
 #include <optional>

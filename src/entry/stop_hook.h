@@ -3,11 +3,11 @@
 // The stop hook: run when the agent is about to end its turn, it asks the app once whether anything
 // is waiting for this seat. Whatever is missing or goes wrong lets the agent stop.
 
+#include "base/output.h"
+#include "bridge/bridge.h"
+
 #include <string>
 #include <string_view>
-
-#include "bridge/bridge.h"
-#include "server/output.h"
 
 namespace quillpost {
 

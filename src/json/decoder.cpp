@@ -1,12 +1,13 @@
 #include "json/decoder.h"
 
-#include <array>
-#include <boost/json/basic_parser_impl.hpp>
-#include <exception>
-
 #include "base/unicode.h"
 #include "json/escapes.h"
 #include "json/numbers.h"
+
+#include <boost/json/basic_parser_impl.hpp>
+
+#include <array>
+#include <exception>
 
 namespace quillpost::json {
 namespace {

@@ -4,6 +4,8 @@
 // in between. What a record takes is described by a Shape, made at compile time from its field
 // table; the reading itself (decoder.cpp) is one piece of code for all records.
 
+#include "json/record.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -15,8 +17,6 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost::json {
 

@@ -1,11 +1,11 @@
 #include "json/escapes.h"
 
+#include "base/unicode.h"
+
 #include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
-
-#include "base/unicode.h"
 
 namespace quillpost::json {
 namespace {

@@ -16,6 +16,9 @@
 // What a row says holds in both directions: the decoder (json/decoder.h) and the encoder below
 // read the same table. A record whose table misses a member does not compile.
 
+#include "json/names.h"
+#include "json/writer.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -25,9 +28,6 @@
 #include <type_traits>
 #include <utility>
 #include <vector>
-
-#include "json/names.h"
-#include "json/writer.h"
 
 namespace quillpost::json {
 

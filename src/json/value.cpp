@@ -1,15 +1,16 @@
 #include "json/value.h"
 
-#include <array>
+#include "json/decoder.h"
+#include "json/numbers.h"
+
 #include <boost/json/basic_parser_impl.hpp>
 #include <boost/json/serializer.hpp>
 #include <boost/json/value_stack.hpp>
+
+#include <array>
 #include <cstdint>
 #include <exception>
 #include <utility>
-
-#include "json/decoder.h"
-#include "json/numbers.h"
 
 namespace quillpost::json {
 namespace {

@@ -6,6 +6,7 @@
 #include <boost/json/object.hpp>
 #include <boost/json/storage_ptr.hpp>
 #include <boost/json/value.hpp>
+
 #include <optional>
 #include <string>
 #include <string_view>

@@ -2,15 +2,15 @@
 
 // What has moved on the board since a revision: the answer to a poll.
 
+#include "json/record.h"
+#include "model/squad.h"
+#include "model/task.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
-#include "model/squad.h"
-#include "model/task.h"
 
 namespace quillpost {
 

@@ -1,8 +1,8 @@
 #include "model/client_profile.h"
 
-#include <string>
-
 #include "base/text.h"
+
+#include <string>
 
 namespace quillpost {
 

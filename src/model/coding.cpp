@@ -1,10 +1,10 @@
 #include "model/coding.h"
 
-#include <utility>
-
 #include "base/unicode.h"
 #include "json/decoder.h"
 #include "json/record.h"
+
+#include <utility>
 
 namespace quillpost {
 namespace {

@@ -2,13 +2,13 @@
 
 // Records to JSON and back. The only place where the codecs are made; everyone else calls these.
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include "model/human_ask.h"
 #include "model/request.h"
 #include "model/response.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace quillpost {
 

@@ -2,13 +2,13 @@
 
 // A discussion: a structured debate about one question, in volleys.
 
+#include "json/record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost {
 

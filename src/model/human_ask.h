@@ -2,13 +2,13 @@
 
 // The typed question to the person that rides in a blocker question as a marker.
 
+#include "json/record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost {
 

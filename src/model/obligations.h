@@ -2,13 +2,13 @@
 
 // What the agent owes the board before it may end its turn, and who else reads the Thread.
 
+#include "json/record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost {
 

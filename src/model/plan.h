@@ -2,14 +2,14 @@
 
 // The goal that a Thread serves.
 
+#include "json/record.h"
+#include "model/discussion.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
-#include "model/discussion.h"
 
 namespace quillpost {
 

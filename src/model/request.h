@@ -3,13 +3,13 @@
 // The one message that the program sends to the app: an envelope with the credentials of this seat
 // and the verb, and a flat set of arguments that each verb uses as it needs.
 
+#include "json/record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost {
 

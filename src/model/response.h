@@ -2,13 +2,6 @@
 
 // The app's answer to one request.
 
-#include <array>
-#include <cstdint>
-#include <optional>
-#include <string>
-#include <tuple>
-#include <vector>
-
 #include "json/record.h"
 #include "model/changes.h"
 #include "model/discussion.h"
@@ -17,6 +10,13 @@
 #include "model/roster.h"
 #include "model/squad.h"
 #include "model/task.h"
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <tuple>
+#include <vector>
 
 namespace quillpost {
 

@@ -2,14 +2,14 @@
 
 // Who is on a Thread: agents, open terminals and the person's other Macs.
 
+#include "json/record.h"
+#include "model/squad.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
-#include "model/squad.h"
 
 namespace quillpost {
 

@@ -3,13 +3,13 @@
 // What the process remembers between calls. It changes in the functions below and nowhere else,
 // before anything is rendered.
 
-#include <cstdint>
-#include <optional>
-#include <string>
-
 #include "model/client_profile.h"
 #include "model/obligations.h"
 #include "model/response.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
 
 namespace quillpost {
 

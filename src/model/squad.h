@@ -2,13 +2,13 @@
 
 // The squad: whom the person allows agents to address and to start.
 
+#include "json/record.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost {
 

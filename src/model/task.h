@@ -2,14 +2,14 @@
 
 // A task on the board and those who follow it.
 
+#include "json/record.h"
+#include "model/discussion.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <tuple>
 #include <vector>
-
-#include "json/record.h"
-#include "model/discussion.h"
 
 namespace quillpost {
 

@@ -1,5 +1,10 @@
 #include "render/briefing.h"
 
+#include "base/text.h"
+#include "base/unicode.h"
+#include "render/task.h"
+#include "render/texts/tasks.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -8,11 +13,6 @@
 #include <string>
 #include <unordered_map>
 #include <vector>
-
-#include "base/text.h"
-#include "base/unicode.h"
-#include "render/task.h"
-#include "render/texts/tasks.h"
 
 namespace quillpost {
 namespace {

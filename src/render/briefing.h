@@ -2,12 +2,12 @@
 
 // The backlog, sorted into what the agent can act on.
 
+#include "json/writer.h"
+#include "model/task.h"
+
 #include <optional>
 #include <span>
 #include <string_view>
-
-#include "json/writer.h"
-#include "model/task.h"
 
 namespace quillpost {
 

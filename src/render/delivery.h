@@ -2,11 +2,11 @@
 
 // Messages of other agents, delivered with a result: never without the note on how to take them.
 
-#include <span>
-#include <string>
-
 #include "json/writer.h"
 #include "model/squad.h"
+
+#include <span>
+#include <string>
 
 namespace quillpost {
 

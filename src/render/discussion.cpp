@@ -1,8 +1,8 @@
 #include "render/discussion.h"
 
 #include "base/text.h"
-#include "model/verbs.h"
 #include "render/texts/hints.h"
+#include "tools/tool_name.h"
 
 namespace quillpost {
 namespace {

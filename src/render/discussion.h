@@ -2,12 +2,12 @@
 
 // A discussion as an object, and what to do after a move in one.
 
+#include "json/writer.h"
+#include "model/discussion.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "json/writer.h"
-#include "model/discussion.h"
 
 namespace quillpost {
 

@@ -1,12 +1,12 @@
 #include "render/obligations.h"
 
+#include "base/text.h"
+#include "render/texts/obligations.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <vector>
-
-#include "base/text.h"
-#include "render/texts/obligations.h"
 
 namespace quillpost {
 namespace {

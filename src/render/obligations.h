@@ -3,11 +3,11 @@
 // What the agent owes the board, in one line for texts and in full for objects, with advice that
 // depends on who else reads the Thread.
 
-#include <optional>
-#include <string>
-
 #include "json/writer.h"
 #include "model/obligations.h"
+
+#include <optional>
+#include <string>
 
 namespace quillpost {
 

@@ -1,11 +1,11 @@
 #include "render/pages.h"
 
-#include <algorithm>
-#include <cstddef>
-
 #include "base/text.h"
 #include "base/unicode.h"
 #include "render/texts/tasks.h"
+
+#include <algorithm>
+#include <cstddef>
 
 namespace quillpost {
 namespace {

@@ -2,13 +2,13 @@
 
 // The part of a long text that one result shows: numbered lines of a task's body, lines of a log.
 
+#include "json/writer.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "json/writer.h"
 
 namespace quillpost {
 

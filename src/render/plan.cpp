@@ -1,13 +1,13 @@
 #include "render/plan.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "base/unicode.h"
 #include "render/discussion.h"
 #include "render/obligations.h"
 #include "render/texts/hints.h"
 #include "render/texts/plan.h"
+
+#include <algorithm>
+#include <iterator>
 
 namespace quillpost {
 namespace {

@@ -2,14 +2,14 @@
 
 // The plan as an object, the step that follows from it, and the step that follows a write.
 
-#include <optional>
-#include <string>
-#include <string_view>
-
 #include "json/writer.h"
 #include "model/obligations.h"
 #include "model/plan.h"
 #include "render/pages.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace quillpost {
 

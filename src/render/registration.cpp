@@ -1,10 +1,10 @@
 #include "render/registration.h"
 
-#include <string_view>
-
 #include "render/roster.h"
 #include "render/squad.h"
 #include "render/texts/registration.h"
+
+#include <string_view>
 
 namespace quillpost {
 namespace {

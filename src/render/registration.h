@@ -2,11 +2,11 @@
 
 // What a seat is told when it registers, and not again.
 
-#include <optional>
-
 #include "json/writer.h"
 #include "model/seat_state.h"
 #include "model/squad.h"
+
+#include <optional>
 
 namespace quillpost {
 

@@ -1,13 +1,6 @@
 #include "render/result.h"
 
-#include <algorithm>
-#include <iterator>
-#include <optional>
-#include <utility>
-#include <vector>
-
 #include "json/writer.h"
-#include "model/verbs.h"
 #include "render/briefing.h"
 #include "render/delivery.h"
 #include "render/discussion.h"
@@ -19,6 +12,13 @@
 #include "render/task.h"
 #include "render/texts/replies.h"
 #include "render/wait_outcome.h"
+#include "tools/tool_name.h"
+
+#include <algorithm>
+#include <iterator>
+#include <optional>
+#include <utility>
+#include <vector>
 
 namespace quillpost {
 namespace {

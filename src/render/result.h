@@ -2,13 +2,13 @@
 
 // The app's answer as the one text that the agent reads.
 
-#include <string>
-#include <string_view>
-
 #include "json/writer.h"
 #include "model/response.h"
 #include "model/seat_state.h"
 #include "render/pages.h"
+
+#include <string>
+#include <string_view>
 
 namespace quillpost {
 

@@ -1,10 +1,10 @@
 #include "render/roster.h"
 
-#include <string_view>
-#include <vector>
-
 #include "base/text.h"
 #include "render/texts/roster.h"
+
+#include <string_view>
+#include <vector>
 
 namespace quillpost {
 namespace {

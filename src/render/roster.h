@@ -3,12 +3,12 @@
 // The roster: agents as objects, and the paragraphs on open terminals and on the person's other
 // Macs.
 
+#include "json/writer.h"
+#include "model/roster.h"
+
 #include <optional>
 #include <span>
 #include <string>
-
-#include "json/writer.h"
-#include "model/roster.h"
 
 namespace quillpost {
 

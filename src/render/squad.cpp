@@ -1,10 +1,10 @@
 #include "render/squad.h"
 
-#include <algorithm>
-#include <vector>
-
 #include "base/text.h"
 #include "base/unicode.h"
+
+#include <algorithm>
+#include <vector>
 
 namespace quillpost {
 namespace {

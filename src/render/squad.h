@@ -2,14 +2,14 @@
 
 // The squad: what may be addressed, which helpers may be started, and which ones run.
 
+#include "json/writer.h"
+#include "model/squad.h"
+#include "render/texts/roster.h"
+
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "json/writer.h"
-#include "model/squad.h"
-#include "render/texts/roster.h"
 
 namespace quillpost {
 

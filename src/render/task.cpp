@@ -1,7 +1,7 @@
 #include "render/task.h"
 
 #include "base/unicode.h"
-#include "render/markers.h"
+#include "model/markers.h"
 #include "render/texts/tasks.h"
 
 namespace quillpost {

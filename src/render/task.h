@@ -2,15 +2,15 @@
 
 // One task as the agent reads it, what its log says at a glance, and the notes of other agents.
 
+#include "json/writer.h"
+#include "model/squad.h"
+#include "model/task.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-
-#include "json/writer.h"
-#include "model/squad.h"
-#include "model/task.h"
 
 namespace quillpost {
 

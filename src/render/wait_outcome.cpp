@@ -1,9 +1,5 @@
 #include "render/wait_outcome.h"
 
-#include <algorithm>
-#include <iterator>
-#include <string_view>
-
 #include "base/text.h"
 #include "json/writer.h"
 #include "render/delivery.h"
@@ -11,6 +7,10 @@
 #include "render/task.h"
 #include "render/texts/plan.h"
 #include "render/texts/waiting.h"
+
+#include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace quillpost {
 namespace {

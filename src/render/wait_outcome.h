@@ -2,14 +2,14 @@
 
 // How a wait ended, as the agent reads it.
 
+#include "json/writer.h"
+#include "model/changes.h"
+#include "model/seat_state.h"
+
 #include <cstdint>
 #include <optional>
 #include <span>
 #include <string>
-
-#include "json/writer.h"
-#include "model/changes.h"
-#include "model/seat_state.h"
 
 namespace quillpost {
 

@@ -1,16 +1,14 @@
 #include "base/unicode.h"
-
 #include "base/unicode_samples.h"
 
 #include <gtest/gtest.h>
+#include <utf8proc.h>
 
 #include <fstream>
 #include <random>
 #include <sstream>
 #include <string>
 #include <vector>
-
-#include <utf8proc.h>
 
 namespace quillpost::unicode {
 namespace {

@@ -1,12 +1,12 @@
 #include "bridge/discovery.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-
 #include "bridge/unix_socket.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
 
 namespace quillpost {
 namespace {

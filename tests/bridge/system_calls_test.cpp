@@ -4,13 +4,13 @@
 // The functions below are found before the C library's of the same names, and pass on to them
 // whatever a test has not asked to go wrong in its own thread.
 
-#include <dlfcn.h>
-#include <fcntl.h>
+#include "base/text.h"
+#include "bridge/discovery.h"
+#include "bridge/transport.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/time.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -21,11 +21,12 @@
 #include <string>
 #include <vector>
 
-#include "base/text.h"
-#include "bridge/discovery.h"
-#include "bridge/transport.h"
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace quillpost {
 namespace {

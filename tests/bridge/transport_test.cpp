@@ -1,16 +1,16 @@
 #include "bridge/transport.h"
 
-#include <gtest/gtest.h>
-
-#include <fcntl.h>
-
-#include <algorithm>
-#include <limits>
-
 #include "bridge/unix_socket.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 #include "model/coding.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+
+#include <fcntl.h>
 
 namespace quillpost {
 namespace {

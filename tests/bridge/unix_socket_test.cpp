@@ -1,5 +1,8 @@
 #include "bridge/unix_socket.h"
 
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <cerrno>
@@ -10,9 +13,6 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <unistd.h>
-
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
 
 namespace quillpost {
 namespace {

@@ -1,8 +1,8 @@
 #include "contrib/toml.h"
 
-#include <cstddef>
-
 #include "base/text.h"
+
+#include <cstddef>
 
 namespace quillpost::contrib {
 namespace {

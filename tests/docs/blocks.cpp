@@ -1,8 +1,8 @@
 #include "docs/blocks.h"
 
-#include <vector>
-
 #include "base/text.h"
+
+#include <vector>
 
 namespace quillpost::docs {
 namespace {

@@ -1,5 +1,13 @@
 #include "docs/protocol_page.h"
 
+#include "base/text.h"
+#include "harness/temp_dir.h"
+#include "json/record.h"
+#include "model/human_ask.h"
+#include "model/request.h"
+#include "model/response.h"
+#include "tools/tool_name.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -7,14 +15,6 @@
 #include <tuple>
 #include <type_traits>
 #include <vector>
-
-#include "base/text.h"
-#include "harness/temp_dir.h"
-#include "json/record.h"
-#include "model/human_ask.h"
-#include "model/request.h"
-#include "model/response.h"
-#include "model/verbs.h"
 
 namespace quillpost::docs {
 namespace {

@@ -1,12 +1,12 @@
 #include "docs/tools_page.h"
 
+#include "base/text.h"
+#include "tools/tool_name.h"
+#include "tools/tools.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/text.h"
-#include "model/verbs.h"
-#include "server/tools.h"
 
 namespace quillpost::docs {
 namespace {

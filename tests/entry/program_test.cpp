@@ -1,5 +1,10 @@
 // The program as its harness starts it: what it does at start, as the stop hook and at its end.
 
+#include "harness/process.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+#include "model/coding.h"
+
 #include <gtest/gtest.h>
 
 #include <csignal>
@@ -8,11 +13,6 @@
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "harness/process.h"
-#include "harness/scripted_app.h"
-#include "harness/temp_dir.h"
-#include "model/coding.h"
 
 namespace quillpost {
 namespace {

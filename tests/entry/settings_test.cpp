@@ -1,9 +1,9 @@
 #include "entry/settings.h"
 
-#include <gtest/gtest.h>
-
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
+
+#include <gtest/gtest.h>
 
 namespace quillpost {
 namespace {

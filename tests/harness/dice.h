@@ -2,6 +2,8 @@
 
 // Values of any type by chance, the same ones for the same seed on every machine.
 
+#include "json/record.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -11,8 +13,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "json/record.h"
 
 namespace quillpost::testing {
 

@@ -3,6 +3,11 @@
 // An app that is a script: it plays the answers it was given, lets as much time pass as each of
 // them takes, and writes down what it was asked.
 
+#include "base/text.h"
+#include "bridge/bridge.h"
+#include "harness/fake_clock.h"
+#include "model/coding.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -15,11 +20,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include "base/text.h"
-#include "bridge/bridge.h"
-#include "harness/fake_clock.h"
-#include "model/coding.h"
 
 namespace quillpost::testing {
 

@@ -2,6 +2,8 @@
 
 // A client that is two lists: the pieces in which its bytes arrive, and the messages it was sent.
 
+#include "base/output.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <deque>
@@ -11,8 +13,6 @@
 #include <string_view>
 #include <utility>
 #include <vector>
-
-#include "server/output.h"
 
 namespace quillpost::testing {
 

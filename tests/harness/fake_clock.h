@@ -2,10 +2,10 @@
 
 // Time that moves only when somebody lets it.
 
+#include "base/clock.h"
+
 #include <algorithm>
 #include <vector>
-
-#include "base/clock.h"
 
 namespace quillpost::testing {
 

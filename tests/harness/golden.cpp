@@ -1,11 +1,11 @@
 #include "harness/golden.h"
 
+#include "base/environment.h"
+
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-
-#include "base/environment.h"
 
 namespace quillpost::testing {
 namespace {

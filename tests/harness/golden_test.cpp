@@ -1,10 +1,10 @@
 #include "harness/golden.h"
 
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
-
-#include "harness/temp_dir.h"
 
 namespace quillpost::testing {
 namespace {

@@ -2,15 +2,15 @@
 
 // JSON written in a test, as the values that the program works on.
 
+#include "json/value.h"
+#include "model/coding.h"
+#include "model/response.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
 #include <string_view>
-
-#include "json/value.h"
-#include "model/coding.h"
-#include "model/response.h"
 
 namespace quillpost::testing {
 

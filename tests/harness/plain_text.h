@@ -2,13 +2,13 @@
 
 // What a reader gets of a text that was kept escaped.
 
+#include "json/value.h"
+#include "json/writer.h"
+
 #include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
-
-#include "json/value.h"
-#include "json/writer.h"
 
 namespace quillpost::testing {
 

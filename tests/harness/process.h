@@ -2,7 +2,8 @@
 
 // A program run by a test: exactly the environment given, its three standard streams in hand.
 
-#include <sys/types.h>
+#include "base/clock.h"
+#include "base/unique_fd.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -15,8 +16,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/clock.h"
-#include "base/unique_fd.h"
+#include <sys/types.h>
 
 namespace quillpost::testing {
 

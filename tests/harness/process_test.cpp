@@ -1,6 +1,7 @@
 #include "harness/process.h"
 
 #include <gtest/gtest.h>
+
 #include <signal.h>
 
 namespace quillpost::testing {

@@ -3,7 +3,8 @@
 // An app on a real socket that behaves as a test tells it to, well or badly, one behaviour for each
 // connection.
 
-#include <sys/types.h>
+#include "base/clock.h"
+#include "base/unique_fd.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -17,8 +18,7 @@
 #include <thread>
 #include <vector>
 
-#include "base/clock.h"
-#include "base/unique_fd.h"
+#include <sys/types.h>
 
 namespace quillpost::testing {
 

@@ -1,17 +1,18 @@
 #include "harness/scripted_app.h"
 
-#include <fcntl.h>
+#include "harness/temp_dir.h"
+
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 #include <array>
 #include <cerrno>
 #include <cstring>
 #include <optional>
 
-#include "harness/temp_dir.h"
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
 
 namespace quillpost::testing {
 namespace {

@@ -1,15 +1,16 @@
 #include "harness/temp_dir.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <array>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace quillpost::testing {
 

@@ -1,9 +1,10 @@
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
+
+#include <sys/stat.h>
 
 namespace quillpost::testing {
 namespace {

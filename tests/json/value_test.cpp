@@ -1,8 +1,8 @@
 #include "json/value.h"
 
+#include <boost/json/monotonic_resource.hpp>
 #include <gtest/gtest.h>
 
-#include <boost/json/monotonic_resource.hpp>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>

@@ -1,12 +1,12 @@
+#include "json/decoder.h"
+#include "model/coding.h"
+#include "model/samples.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
 #include <random>
-
-#include "json/decoder.h"
-#include "model/coding.h"
-#include "model/samples.h"
 
 // Replies that no app would send, from a fixed seed: whatever comes, the decoder gives a record or
 // nothing, and a record that it gives can be written and read again.

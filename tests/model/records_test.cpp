@@ -1,13 +1,13 @@
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <utility>
-
 #include "harness/golden.h"
 #include "json/decoder.h"
 #include "json/value.h"
 #include "model/samples.h"
 #include "model/wire_table.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <utility>
 
 namespace quillpost {
 namespace {

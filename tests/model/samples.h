@@ -3,15 +3,6 @@
 // Every record that crosses the app's socket, by name, and sample values for any of them made from
 // their field tables.
 
-#include <gtest/gtest.h>
-
-#include <cstddef>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <type_traits>
-#include <vector>
-
 #include "json/record.h"
 #include "model/changes.h"
 #include "model/discussion.h"
@@ -23,6 +14,15 @@
 #include "model/roster.h"
 #include "model/squad.h"
 #include "model/task.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <type_traits>
+#include <vector>
 
 namespace quillpost::samples {
 

@@ -1,13 +1,5 @@
 // Whatever the app answers, the result is valid UTF-8, and JSON where it is meant to be.
 
-#include <gtest/gtest.h>
-
-#include <array>
-#include <cstdint>
-#include <string>
-#include <string_view>
-#include <vector>
-
 #include "base/unicode.h"
 #include "harness/dice.h"
 #include "harness/plain_text.h"
@@ -15,9 +7,17 @@
 #include "json/record.h"
 #include "json/value.h"
 #include "model/coding.h"
-#include "model/verbs.h"
 #include "render/result.h"
 #include "render/wait_outcome.h"
+#include "tools/tool_name.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
 
 namespace quillpost {
 namespace {

@@ -1,5 +1,8 @@
 #include "render/briefing.h"
 
+#include "harness/golden.h"
+#include "json/value.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,9 +14,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "json/value.h"
 
 namespace quillpost {
 namespace {

@@ -1,13 +1,13 @@
 #include "render/delivery.h"
 
+#include "harness/golden.h"
+#include "harness/plain_text.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "harness/golden.h"
-#include "harness/plain_text.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

@@ -1,13 +1,13 @@
 #include "render/discussion.h"
 
+#include "harness/golden.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

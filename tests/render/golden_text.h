@@ -2,6 +2,8 @@
 
 // Expected results that quote the fixed texts by name, so that a whole result fits on a screen.
 
+#include "json/writer.h"
+
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -9,8 +11,6 @@
 #include <map>
 #include <string>
 #include <string_view>
-
-#include "json/writer.h"
 
 namespace quillpost::testing {
 

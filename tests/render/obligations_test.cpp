@@ -1,5 +1,9 @@
 #include "render/obligations.h"
 
+#include "harness/golden.h"
+#include "json/value.h"
+#include "model/coding.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,10 +13,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "json/value.h"
-#include "model/coding.h"
 
 namespace quillpost {
 namespace {

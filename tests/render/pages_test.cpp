@@ -1,5 +1,8 @@
 #include "render/pages.h"
 
+#include "harness/golden.h"
+#include "json/value.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,9 +12,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "json/value.h"
 
 namespace quillpost {
 namespace {

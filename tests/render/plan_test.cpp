@@ -1,15 +1,15 @@
 #include "render/plan.h"
 
+#include "harness/golden.h"
+#include "render/golden_text.h"
+#include "tools/tool_name.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "model/verbs.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

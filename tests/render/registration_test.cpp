@@ -1,12 +1,12 @@
 #include "render/registration.h"
 
+#include "harness/golden.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-#include "harness/golden.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

@@ -1,14 +1,14 @@
 #include "render/result.h"
 
+#include "harness/golden.h"
+#include "harness/plain_text.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "harness/plain_text.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

@@ -1,5 +1,8 @@
 #include "render/squad.h"
 
+#include "harness/golden.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,9 +10,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

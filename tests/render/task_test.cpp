@@ -1,5 +1,8 @@
 #include "render/task.h"
 
+#include "harness/golden.h"
+#include "json/value.h"
+
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -10,9 +13,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "json/value.h"
 
 namespace quillpost {
 namespace {

@@ -1,5 +1,16 @@
 // Every fixed text against an independent copy, so that a changed comma is noticed.
 
+#include "entry/stop_hook_text.h"
+#include "mcp/instructions.h"
+#include "render/texts/hints.h"
+#include "render/texts/obligations.h"
+#include "render/texts/plan.h"
+#include "render/texts/registration.h"
+#include "render/texts/replies.h"
+#include "render/texts/roster.h"
+#include "render/texts/tasks.h"
+#include "render/texts/waiting.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -13,17 +24,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "entry/stop_hook_text.h"
-#include "render/texts/hints.h"
-#include "render/texts/obligations.h"
-#include "render/texts/plan.h"
-#include "render/texts/registration.h"
-#include "render/texts/replies.h"
-#include "render/texts/roster.h"
-#include "render/texts/tasks.h"
-#include "render/texts/waiting.h"
-#include "server/instructions.h"
 
 namespace quillpost {
 namespace {
@@ -404,7 +404,7 @@ TEST(Texts, EveryDeclaredTextIsCompared) {
     compared.insert(text.name.substr(0, text.name.find_first_of(".(")));
   }
   const fs::path source = fs::path(QUILLPOST_TESTS_DIR).parent_path() / "src";
-  std::vector<fs::path> headers = {source / "server/instructions.h",
+  std::vector<fs::path> headers = {source / "mcp/instructions.h",
                                    source / "entry/stop_hook_text.h"};
   for (const fs::directory_entry& entry : fs::directory_iterator(source / "render/texts")) {
     headers.push_back(entry.path());

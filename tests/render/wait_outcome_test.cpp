@@ -1,5 +1,10 @@
 #include "render/wait_outcome.h"
 
+#include "harness/golden.h"
+#include "harness/plain_text.h"
+#include "json/value.h"
+#include "render/golden_text.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -7,11 +12,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/golden.h"
-#include "harness/plain_text.h"
-#include "json/value.h"
-#include "render/golden_text.h"
 
 namespace quillpost {
 namespace {

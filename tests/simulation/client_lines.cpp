@@ -1,13 +1,13 @@
 #include "simulation/client_lines.h"
 
-#include <array>
-#include <set>
-
 #include "base/text.h"
 #include "json/value.h"
 #include "json/writer.h"
-#include "model/verbs.h"
-#include "server/tools.h"
+#include "tools/tool_name.h"
+#include "tools/tools.h"
+
+#include <array>
+#include <set>
 
 namespace quillpost::simulation {
 namespace {

@@ -3,13 +3,13 @@
 // What a client may send, by chance: every method and tool, arguments of right and wrong kinds, and
 // noise.
 
+#include "harness/dice.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/dice.h"
 
 namespace quillpost::simulation {
 

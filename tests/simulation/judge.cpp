@@ -1,13 +1,13 @@
 #include "simulation/judge.h"
 
-#include <algorithm>
-
 #include "base/text.h"
+#include "calls/hold_budget.h"
 #include "model/coding.h"
-#include "model/verbs.h"
 #include "render/texts/replies.h"
 #include "render/texts/waiting.h"
-#include "server/hold_budget.h"
+#include "tools/tool_name.h"
+
+#include <algorithm>
 
 namespace quillpost::simulation {
 

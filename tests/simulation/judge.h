@@ -2,6 +2,14 @@
 
 // Watches one session from both ends and ends it at the first thing that must not happen.
 
+#include "base/environment.h"
+#include "json/value.h"
+#include "model/request.h"
+#include "model/response.h"
+#include "model/seat_state.h"
+#include "simulation/client_lines.h"
+#include "simulation/sim_clock.h"
+
 #include <chrono>
 #include <cstdint>
 #include <deque>
@@ -10,14 +18,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "base/environment.h"
-#include "json/value.h"
-#include "model/request.h"
-#include "model/response.h"
-#include "model/seat_state.h"
-#include "simulation/client_lines.h"
-#include "simulation/sim_clock.h"
 
 namespace quillpost::simulation {
 

@@ -1,5 +1,13 @@
 #include "simulation/session.h"
 
+#include "base/environment.h"
+#include "base/text.h"
+#include "mcp/stdio_server.h"
+#include "simulation/client_lines.h"
+#include "simulation/live_blocks.h"
+#include "simulation/sim_app.h"
+#include "simulation/sim_clock.h"
+
 #include <algorithm>
 #include <array>
 #include <cstddef>
@@ -7,14 +15,6 @@
 #include <span>
 #include <string_view>
 #include <utility>
-
-#include "base/environment.h"
-#include "base/text.h"
-#include "server/stdio_server.h"
-#include "simulation/client_lines.h"
-#include "simulation/live_blocks.h"
-#include "simulation/sim_app.h"
-#include "simulation/sim_clock.h"
 
 namespace quillpost::simulation {
 namespace {

@@ -2,11 +2,11 @@
 
 // One whole session: a client, the server and an app, in one thread, on virtual time, by chance.
 
+#include "simulation/judge.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
-
-#include "simulation/judge.h"
 
 namespace quillpost::simulation {
 

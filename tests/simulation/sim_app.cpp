@@ -1,12 +1,12 @@
 #include "simulation/sim_app.h"
 
-#include <array>
-#include <chrono>
-
 #include "base/text.h"
 #include "model/coding.h"
-#include "model/verbs.h"
 #include "simulation/live_blocks.h"
+#include "tools/tool_name.h"
+
+#include <array>
+#include <chrono>
 
 namespace quillpost::simulation {
 namespace {

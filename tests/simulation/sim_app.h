@@ -3,14 +3,14 @@
 // An app that behaves by chance, well and badly, behind the server's door to it. Its answers are
 // bytes, and are decoded as those of the real app are.
 
-#include <cstddef>
-#include <optional>
-#include <string>
-
 #include "bridge/bridge.h"
 #include "harness/dice.h"
 #include "simulation/judge.h"
 #include "simulation/sim_clock.h"
+
+#include <cstddef>
+#include <optional>
+#include <string>
 
 namespace quillpost::simulation {
 

@@ -2,11 +2,11 @@
 
 // Virtual time that runs in order except when the machine sleeps in between.
 
-#include <algorithm>
-#include <chrono>
-
 #include "base/clock.h"
 #include "harness/dice.h"
+
+#include <algorithm>
+#include <chrono>
 
 namespace quillpost::simulation {
 

@@ -1,8 +1,8 @@
+#include "tidy/rules.h"
+
 #include <algorithm>
 #include <array>
 #include <optional>
-
-#include "tidy/rules.h"
 
 namespace quillpost::tidy {
 namespace {
@@ -32,7 +32,7 @@ std::vector<Include> includesOf(const Source& source) {
 /// that fits a file is its own.
 struct FolderRow {
   std::string_view folder;
-  std::array<std::string_view, 7> mayInclude;
+  std::array<std::string_view, 9> mayInclude;
 };
 
 // clang-format off
@@ -40,13 +40,14 @@ constexpr FolderRow folderTable[] = {
     {"src/base/",         {"base/"}},
     {"src/json/",         {"json/", "base/"}},
     {"src/model/",        {"model/", "json/", "base/"}},
+    {"src/tools/",        {"tools/", "model/", "json/", "base/"}},
     {"src/bridge/",       {"bridge/", "model/", "json/", "base/"}},
     {"src/render/texts/", {"render/texts/", "base/text.h"}},
-    {"src/render/",       {"render/", "model/", "json/", "base/"}},
-    {"src/server/",       {"server/", "render/", "model/", "json/", "base/", "bridge/bridge.h"}},
-    {"src/entry/",        {"entry/", "server/", "render/", "bridge/", "model/", "json/", "base/"}},
-    {"devboard/",         {"devboard/", "model/", "json/", "base/", "bridge/unix_socket.h",
-                           "bridge/support_directory.h"}},
+    {"src/render/",       {"render/", "tools/", "model/", "json/", "base/"}},
+    {"src/calls/",        {"calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
+    {"src/mcp/",          {"mcp/", "calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
+    {"src/entry/",        {"entry/", "mcp/", "calls/", "render/", "tools/", "bridge/", "model/", "json/", "base/"}},
+    {"board/",            {"board/", "tools/tool_name.h", "model/", "json/", "base/", "bridge/unix_socket.h"}},
 };
 // clang-format on
 
@@ -65,20 +66,20 @@ struct HeaderRow {
 
 // clang-format off
 constexpr HeaderRow headerTable[] = {
-    {"sys/socket.h", {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "devboard/"}},
-    {"sys/un.h",     {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "devboard/"}},
+    {"sys/socket.h", {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "board/"}},
+    {"sys/un.h",     {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "board/"}},
     {"netinet/in.h", {}},
     {"arpa/inet.h",  {}},
     {"netdb.h",      {}},
-    {"iostream",     {"devboard/"}},
-    {"mutex",        {"devboard/"}},
-    {"atomic",       {"devboard/"}},
+    {"iostream",     {"board/"}},
+    {"mutex",        {"board/"}},
+    {"atomic",       {"board/"}},
     {"future",       {}},
     {"typeinfo",     {}},
 };
 // clang-format on
 
-bool isProgram(const Source& source) { return source.isIn("src/") || source.isIn("devboard/"); }
+bool isProgram(const Source& source) { return source.isIn("src/") || source.isIn("board/"); }
 
 }  // namespace
 

@@ -2,14 +2,14 @@
 
 // The house rules that a program can check. Each looks at the whole tree and says what breaks it.
 
+#include "tidy/source.h"
+
 #include <cstddef>
 #include <ostream>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "tidy/source.h"
 
 namespace quillpost::tidy {
 

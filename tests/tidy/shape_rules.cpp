@@ -1,7 +1,7 @@
+#include "tidy/rules.h"
+
 #include <algorithm>
 #include <array>
-
-#include "tidy/rules.h"
 
 namespace quillpost::tidy {
 namespace {
@@ -12,7 +12,7 @@ constexpr std::size_t mostSourceLines = 400;
 constexpr std::size_t mostFunctionLines = 60;
 
 bool isProgram(const Source& source) {
-  return source.isCode() && (source.isIn("src/") || source.isIn("devboard/"));
+  return source.isCode() && (source.isIn("src/") || source.isIn("board/"));
 }
 
 /// The programs and what the tests share; a test itself is as long as its table.
@@ -25,7 +25,7 @@ bool hasLimitedLength(const Source& source) {
 /// Files that are one table, or nothing but words.
 bool isTableOrWords(const Source& source) {
   constexpr auto files = std::to_array<std::string_view>(
-      {"src/server/tools.h", "src/server/tool_texts.h", "src/server/instructions.h"});
+      {"src/tools/tools.h", "src/tools/tool_texts.h", "src/mcp/instructions.h"});
   return source.isIn("src/render/texts/") || std::ranges::count(files, source.path) > 0;
 }
 
@@ -62,8 +62,8 @@ bool isDocumented(const Source& source, std::size_t line) {
 
 bool isOneOf(std::string_view folder) {
   constexpr auto folders = std::to_array<std::string_view>(
-      {"base", "json", "model", "bridge", "render", "server", "entry", "devboard", "harness"});
-  return std::ranges::count(folders, folder) > 0;
+      {"base", "json", "model", "bridge", "tools", "render", "calls", "mcp", "entry", "harness"});
+  return std::ranges::count(folders, folder) > 0 || folder.starts_with("board/");
 }
 
 /// The folders of a path between its top folder and its file, with "/" between them.
@@ -165,8 +165,9 @@ Findings checkTestPerSource(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
     if (!isProgram(source) || source.isHeader() || stemOf(source.path) == "main") continue;
-    const std::string folder =
-        source.isIn("devboard/") ? "devboard" : std::string(foldersBelowTop(source.path));
+    const std::string_view path = source.path;
+    const std::string folder(source.isIn("board/") ? path.substr(0, path.rfind('/'))
+                                                   : foldersBelowTop(path));
     const std::string test =
         "tests/" + folder + "/" + std::string(stemOf(source.path)) + "_test.cpp";
     if (std::ranges::find(tree, test, &Source::path) == tree.end()) {

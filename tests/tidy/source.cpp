@@ -1,13 +1,13 @@
 #include "tidy/source.h"
 
+#include "harness/sections.h"
+#include "harness/temp_dir.h"
+
 #include <algorithm>
 #include <cctype>
 #include <filesystem>
 #include <optional>
 #include <utility>
-
-#include "harness/sections.h"
-#include "harness/temp_dir.h"
 
 namespace quillpost::tidy {
 namespace {

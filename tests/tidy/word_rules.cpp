@@ -1,9 +1,9 @@
+#include "tidy/rules.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <optional>
-
-#include "tidy/rules.h"
 
 // The words that the tree must not hold are put together from pieces here, so that this file does
 // not hold them either.
@@ -38,28 +38,28 @@ constexpr std::string_view itself = "say it as the system itself would";
 
 // clang-format off
 constexpr Ban bans[] = {
-    {"system_clock",          Where::code, oneClock, {"src/", "devboard/rules/"}},
-    {"steady_clock",          Where::code, oneClock, {"src/", "devboard/rules/"}, {"src/base/clock.h"}},
-    {"high_resolution_clock", Where::code, oneClock, {"src/", "devboard/"}},
-    {"clock_gettime",         Where::code, oneClock, {"src/", "devboard/"}},
-    {"gettimeofday",          Where::code, oneClock, {"src/", "devboard/"}},
-    {"sleep_for",             Where::code, noSleep, {"src/", "devboard/", "tests/"}, {"src/base/clock.h"}},
-    {"sleep_until",           Where::code, noSleep, {"src/", "devboard/", "tests/"}},
-    {"usleep",                Where::code, noSleep, {"src/", "devboard/", "tests/"}},
-    {"nanosleep",             Where::code, noSleep, {"src/", "devboard/", "tests/"}},
-    {"getenv",                Where::code, oneEnvironment, {"src/", "devboard/", "tests/"}, {"src/base/environment.h"}},
-    {"setenv",                Where::code, oneEnvironment, {"src/", "devboard/"}},
-    {"environ",               Where::code, oneEnvironment, {"src/", "devboard/", "tests/"}, {"src/base/environment.h"}},
+    {"system_clock",          Where::code, oneClock, {"src/", "board/rules/"}},
+    {"steady_clock",          Where::code, oneClock, {"src/", "board/rules/"}, {"src/base/clock.h"}},
+    {"high_resolution_clock", Where::code, oneClock, {"src/", "board/"}},
+    {"clock_gettime",         Where::code, oneClock, {"src/", "board/"}},
+    {"gettimeofday",          Where::code, oneClock, {"src/", "board/"}},
+    {"sleep_for",             Where::code, noSleep, {"src/", "board/", "tests/"}, {"src/base/clock.h"}},
+    {"sleep_until",           Where::code, noSleep, {"src/", "board/", "tests/"}},
+    {"usleep",                Where::code, noSleep, {"src/", "board/", "tests/"}},
+    {"nanosleep",             Where::code, noSleep, {"src/", "board/", "tests/"}},
+    {"getenv",                Where::code, oneEnvironment, {"src/", "board/", "tests/"}, {"src/base/environment.h"}},
+    {"setenv",                Where::code, oneEnvironment, {"src/", "board/"}},
+    {"environ",               Where::code, oneEnvironment, {"src/", "board/", "tests/"}, {"src/base/environment.h"}},
     {"std::cout",             Where::code, oneOutput, {"src/"}},
     {"std::cerr",             Where::code, oneOutput, {"src/"}},
-    {"std::clog",             Where::code, oneOutput, {"src/", "devboard/"}},
+    {"std::clog",             Where::code, oneOutput, {"src/", "board/"}},
     {"printf",                Where::code, oneOutput, {"src/"}},
     {"puts",                  Where::code, oneOutput, {"src/"}},
     {"putchar",               Where::code, oneOutput, {"src/"}},
     {"using namespace std;",  Where::code, "names of the library say so", {""}},
-    {"throw",                 Where::code, noException, {"src/", "devboard/"}},
-    {"dynamic_cast",          Where::code, "the type is known where it matters", {"src/", "devboard/"}},
-    {"typeid",                Where::code, "the type is known where it matters", {"src/", "devboard/"}},
+    {"throw",                 Where::code, noException, {"src/", "board/"}},
+    {"dynamic_cast",          Where::code, "the type is known where it matters", {"src/", "board/"}},
+    {"typeid",                Where::code, "the type is known where it matters", {"src/", "board/"}},
     {"std::thread",           Where::code, oneThread, {"src/"}},
     {"std::mutex",            Where::code, oneThread, {"src/"}},
     {"std::async",            Where::code, oneThread, {"src/"}},
@@ -71,10 +71,10 @@ constexpr Ban bans[] = {
     {"exit",                  Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp"}},
     {"_exit",                 Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp"}},
     {"abort",                 Where::code, oneEnd, {"src/"}},
-    {"TO" "DO",               Where::everything, finished, {"src/", "devboard/", "tests/", "scripts/"}},
-    {"FIX" "ME",              Where::everything, finished, {"src/", "devboard/", "tests/", "scripts/"}},
-    {"XX" "X",                Where::everything, finished, {"src/", "devboard/", "tests/", "scripts/"}},
-    {"HA" "CK",               Where::everything, finished, {"src/", "devboard/", "tests/", "scripts/"}},
+    {"TO" "DO",               Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
+    {"FIX" "ME",              Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
+    {"XX" "X",                Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
+    {"HA" "CK",               Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
     {"GTEST" "_SKIP",         Where::everything, canFail, {"tests/"}},
     {"DISABLED" "_",          Where::everything, canFail, {"tests/"}},
     {"SUCC" "EED()",          Where::everything, canFail, {"tests/"}},

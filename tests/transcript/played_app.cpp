@@ -1,13 +1,13 @@
 #include "transcript/played_app.h"
 
+#include "harness/sections.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cctype>
 #include <optional>
 #include <utility>
-
-#include "harness/sections.h"
 
 namespace quillpost::testing {
 namespace {

@@ -2,14 +2,14 @@
 
 // The app of a transcript: answers by the lines of its section.
 
+#include "harness/scripted_app.h"
+
 #include <deque>
 #include <map>
 #include <mutex>
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "harness/scripted_app.h"
 
 namespace quillpost::testing {
 

@@ -2,12 +2,12 @@
 
 // What the agent is told to do next: after a write, by verb, and after a move in a discussion.
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

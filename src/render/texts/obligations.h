@@ -2,11 +2,11 @@
 
 // What the agent owes, in one line and in full, and what to do about it.
 
+#include "base/text.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

@@ -2,10 +2,10 @@
 
 // The plan's next step.
 
+#include "base/text.h"
+
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

@@ -2,12 +2,12 @@
 
 // Whole results that need no rendering, and the words shared by several kinds of result.
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

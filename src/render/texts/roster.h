@@ -2,12 +2,12 @@
 
 // Who is on the board, what can be addressed and started, and the same board's command line.
 
+#include "base/text.h"
+
 #include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

@@ -2,11 +2,11 @@
 
 // The notes in tasks, in the briefing and around the pages of a task's body and log.
 
+#include "base/text.h"
+
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

@@ -2,12 +2,12 @@
 
 // What a wait says while it listens and when it ends.
 
+#include "base/text.h"
+
 #include <cstdint>
 #include <iterator>
 #include <string>
 #include <string_view>
-
-#include "base/text.h"
 
 namespace quillpost::texts {
 

@@ -1,0 +1,97 @@
+#include "board/person/client.h"
+
+#include "base/files.h"
+#include "base/text.h"
+#include "base/unicode.h"
+#include "base/unique_fd.h"
+#include "board/serving/publication.h"
+#include "bridge/unix_socket.h"
+#include "model/coding.h"
+
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace quillpost::board {
+
+namespace {
+
+constexpr std::string_view prefix = "teamwork-";
+constexpr std::string_view extension = ".sock";
+
+bool isServed(const std::string& path) {
+  const UniqueFd probe = openUnixSocket();
+  return probe && connectUnixSocket(probe, path);
+}
+
+bool sendWhole(const UniqueFd& socket, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = sendSome(socket, bytes);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+std::string readToEnd(const UniqueFd& socket) {
+  std::string bytes;
+  std::array<char, 4096> chunk;
+  for (;;) {
+    const ssize_t count = ::read(socket.get(), chunk.data(), chunk.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return bytes;
+    bytes.append(chunk.data(), static_cast<std::size_t>(count));
+  }
+}
+
+}  // namespace
+
+std::optional<std::string> findServed(const std::string& directory,
+                                      const std::optional<std::string>& suffix, std::string& why) {
+  std::vector<std::string> served;
+  for (const files::Entry& entry : files::list(directory)) {
+    const std::string_view name = entry.name;
+    if (!name.starts_with(prefix) || !name.ends_with(extension)) continue;
+    if (name.size() < prefix.size() + extension.size()) continue;
+    const std::string found(
+        name.substr(prefix.size(), name.size() - prefix.size() - extension.size()));
+    if (suffix && found != *suffix) continue;
+    if (isServed(filesIn(directory, found).socket)) served.push_back(found);
+  }
+  if (served.size() == 1) return served.front();
+  if (served.empty()) {
+    why = text::cat("no board is served in ", directory, ": start one with quillpost-board");
+  } else {
+    why = text::cat("several boards are served in ", directory, " (", text::join(served, ", "),
+                    "): say which with --suffix");
+  }
+  return std::nullopt;
+}
+
+std::optional<TeamworkResponse> askBoard(const std::string& directory, const std::string& suffix,
+                                         TeamworkRequest request, std::string& why) {
+  const BoardFiles files = filesIn(directory, suffix);
+  request.token = unicode::trim(files::readSmallText(files.personToken).value_or(""));
+  const std::optional<std::string> line = encodeRequest(request);
+  if (!line) {
+    why = "that is not UTF-8";
+    return std::nullopt;
+  }
+  const UniqueFd socket = openUnixSocket();
+  if (!socket || !connectUnixSocket(socket, files.socket) || !sendWhole(socket, *line + "\n")) {
+    why = text::cat("cannot reach the board at ", files.socket);
+    return std::nullopt;
+  }
+  ::shutdown(socket.get(), SHUT_WR);
+  std::optional<TeamworkResponse> response = decodeResponse(readToEnd(socket));
+  if (!response) why = text::cat("the board at ", files.socket, " did not answer");
+  return response;
+}
+
+}  // namespace quillpost::board

@@ -1,0 +1,46 @@
+#pragma once
+
+// Discussions: who is party to one, who owes the next volley, when the person has to step in.
+
+#include "board/rules/board.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillpost::board {
+
+/// The volleys after which a discussion that the person has not spoken in is put before them.
+inline constexpr int64_t volleyCap = 8;
+
+/// Whether a discussion is still going on.
+bool isOpen(const TeamworkDiscussion& discussion);
+
+/// Whether this fingerprint (or "human") opened it or was addressed.
+bool isParty(const TeamworkDiscussion& discussion, std::string_view party);
+
+/// Whether the next volley is for this party to make.
+bool owes(const TeamworkDiscussion& discussion, std::string_view party);
+
+/// The open discussions of a task, or of the whole board when `taskID` is empty.
+std::vector<const TeamworkDiscussion*> openOn(const Board& board, std::string_view taskID);
+
+/// Who the other side is, as a line calls them: those who owe a reply, or all other parties.
+std::string counterpart(const Board& board, const TeamworkDiscussion& discussion,
+                        std::string_view party);
+
+/// A new discussion, put on the board with the next id; the addressees owe the first volley and are
+/// woken. Everything but id, state and debts is taken from `discussion`.
+const TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion);
+
+/// Adds a volley and wakes the other parties. At the cap the discussion escalates: the person owes
+/// a volley too.
+void addVolley(Board& board, const TeamworkDiscussion& discussion,
+               TeamworkDiscussion::Volley volley);
+
+/// Closes a discussion and wakes the other parties.
+void resolve(Board& board, const TeamworkDiscussion& discussion, const std::string& resolution,
+             const std::string& by);
+
+}  // namespace quillpost::board

@@ -1,0 +1,242 @@
+#include "base/text.h"
+#include "base/unicode.h"
+#include "board/rules/debates.h"
+#include "board/rules/limits.h"
+#include "board/rules/moves.h"
+#include "board/rules/people.h"
+#include "board/rules/readiness.h"
+#include "board/verbs/methods.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quillpost::board {
+
+namespace {
+
+/// What an agent that does not hold a task is told.
+TeamworkResponse notYours(const Call& call, const Task& task) {
+  const std::string state = task.state == TaskState::claimed
+                                ? text::cat("is held by ", calling(call.board, task.owner))
+                                : "is not claimed by you";
+  return refused(text::cat(named(task), " ", state, ". comment_task needs no claim."));
+}
+
+/// Why the caller may not claim a task that nobody holds; nothing when it may.
+std::optional<std::string> whyNotClaimable(const Call& call, const Task& task) {
+  if (call.board.thread().goalComplete) return "The goal is complete, so nothing is to be started.";
+  if (!isOpen(task)) return text::cat(named(task), " is closed.");
+  if (task.state == TaskState::claimed) {
+    return text::cat(named(task), " is held by ", calling(call.board, task.owner),
+                     ". Claim another READY task; request_release asks for this one.");
+  }
+  if (!isReady(call.board, task)) {
+    return text::cat(named(task), " is not READY: it waits on ", text::join(task.waitsOn, ", "),
+                     ".");
+  }
+  if (task.blocked && task.blockedBy != call.self()) {
+    return text::cat(named(task), " is blocked on a question to the person.");
+  }
+  const bool isOwnToTake = unicode::equalIgnoringCase(task.routedTo, call.seat.handle);
+  if (!isOwnToTake && isMeantForSomebodyHere(call.board, task, call.at.nowMs)) {
+    return text::cat(named(task), " is handed to ", task.routedTo, ", who is here.");
+  }
+  return std::nullopt;
+}
+
+/// Tells of every task that is READY now that this one is done.
+void announceUnlocked(const Call& call, const Task& done) {
+  for (const Task* task : dependentsOf(call.board, done.id)) {
+    if (!isReady(call.board, *task)) continue;
+    std::vector<Notice> notices;
+    const std::string summary = text::cat(named(*task), " is READY: ", named(done), " is done");
+    if (task->state == TaskState::claimed) {
+      notices.push_back({task->owner, "taskReady", summary});
+    } else if (const Seat* seat = whoIs(call.board, task->routedTo)) {
+      notices.push_back({seat->fingerprint, "taskReady", summary});
+    }
+    announce(call.board, {"taskReady", task->id, call.self()}, notices);
+  }
+}
+
+/// Whoever may verify the caller's work: the one asked for, or all here who have the authority and,
+/// when one is given, the role.
+std::vector<const Seat*> reviewersFor(const Call& call) {
+  std::vector<const Seat*> reviewers;
+  for (const Seat* seat : othersHere(call.board, call.self())) {
+    if (!mayVerify(seat->authority)) continue;
+    const std::string role = call.request.reviewOfRole.value_or("");
+    if (role.empty() || unicode::equalIgnoringCase(role, seat->role)) reviewers.push_back(seat);
+  }
+  return reviewers;
+}
+
+TeamworkResponse claimTask(const Call& call, const Task& task) {
+  if (isHeldBy(task, call.self())) {
+    renewClaim(call.board, task, call.at);
+    return written(text::cat("You hold ", named(task), " already; the lease is renewed."));
+  }
+  if (const auto reason = whyNotClaimable(call, task)) return refused(*reason);
+  takeClaim(call.board, task, call.seat, call.at);
+  announce(call.board, {"taskClaimed", task.id, call.self()});
+  return written(text::cat("You hold ", named(task), " for ", call.at.leaseMs / 1000,
+                           " seconds, renewed whenever you listen or write."));
+}
+
+TeamworkResponse releaseTask(const Call& call, const Task& task) {
+  if (!isHeldBy(task, call.self())) return notYours(call, task);
+  unwatch(call.board, task, call.self(), Unwatch::autoOnly);
+  const bool handedOver =
+      giveUpClaim(call.board, task, {"taskReleased", task.id, call.self()}, call.at);
+  if (handedOver) {
+    return written(text::cat("Released ", named(task), "; it went to ",
+                             calling(call.board, task.owner), ", who had asked for it."));
+  }
+  return written(text::cat("Released ", named(task), "."));
+}
+
+TeamworkResponse completeTask(const Call& call, const Task& task) {
+  // A client whose answer was lost asks again, and is to hear that all is well.
+  if (task.state == TaskState::done && task.owner == call.self()) {
+    return written(text::cat("Completed ", named(task), " already."));
+  }
+  if (!isHeldBy(task, call.self())) return notYours(call, task);
+  const std::string summary(unicode::trim(call.request.summary.value_or("")));
+  if (summary.empty()) {
+    return refused("A `summary` is required: the outcome and how you verified it.");
+  }
+  const auto debates = openOn(call.board, task.id);
+  if (!debates.empty()) {
+    return refused(text::cat("The open discussion ", debates.front()->id,
+                             " holds this completion back. resolve_discussion first."));
+  }
+  refreshSummary(call.board, task, call.seat, summary);
+  Task& done = call.board.tasks.edit(task);
+  done.state = TaskState::done;
+  done.blocked = false;
+  done.parkedReason.clear();
+  done.releaseAsks.clear();
+  takeBackWakes(call.board, call.seat, "claimExpiring", task.id);
+  std::vector<Notice> notices;
+  if (const Seat* asker = seatAt(call.board, task.reportsTo)) {
+    notices.push_back({asker->fingerprint, "handedTaskDone",
+                       text::cat(call.seat.handle, " completed ", named(task))});
+  }
+  announce(call.board, {"taskCompleted", task.id, call.self()}, notices);
+  announceUnlocked(call, task);
+  return written(text::cat("Completed ", named(task), "."));
+}
+
+TeamworkResponse requestRelease(const Call& call, const Task& task) {
+  if (isHeldBy(task, call.self())) return refused(text::cat("You hold ", named(task), " already."));
+  if (task.state != TaskState::claimed) {
+    return refused(text::cat("Nobody holds ", named(task), ": claim_task is all it takes."));
+  }
+  const std::string holder = task.owner;
+  const std::string reason = cut(oneLine(call.request.releaseReason.value_or("")), reasonLimit);
+  std::vector<ReleaseAsk>& asks = call.board.tasks.edit(task).releaseAsks;
+  std::erase_if(asks, [&](const ReleaseAsk& ask) { return ask.requester == call.self(); });
+  asks.push_back({call.self(), reason.empty() ? "no reason given" : reason});
+  if (settleReleaseAsks(call.board, task, call.self(), call.at) && isHeldBy(task, call.self())) {
+    return written(text::cat(named(task), " was stuck with ", calling(call.board, holder),
+                             ": the lease was handed over and you hold it now."));
+  }
+  const Notice notices[] = {{holder, "releaseRequested",
+                             text::cat(call.seat.handle, " asks you to release ", named(task), ": ",
+                                       reason.empty() ? "no reason given" : reason)}};
+  announce(call.board, {"releaseRequested", task.id, call.self()}, notices);
+  return written(text::cat(named(task), " is still held by ", calling(call.board, task.owner),
+                           ", who has been told. Your request stands."));
+}
+
+TeamworkResponse assignTask(const Call& call, const Task& task) {
+  const std::string to = call.request.to.value_or("");
+  if (const auto reason = whyUnreachable(call, to)) return refused(*reason);
+  if (!isOpen(task)) return refused(text::cat(named(task), " is closed."));
+  if (task.state == TaskState::claimed) {
+    return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),
+                             ". Only a task that nobody holds can be handed over."));
+  }
+  const Seat& peer = *seatAt(call.board, to);
+  Task& handed = call.board.tasks.edit(task);
+  handed.routedTo = peer.handle;
+  handed.reportsTo = call.seat.handle;
+  handed.log.push_back({LogKind::handOff, call.self(), call.seat.handle,
+                        text::cat("handed to ", peer.handle, " by ", call.seat.handle)});
+  const Notice notices[] = {
+      {peer.fingerprint, "taskAssigned", text::cat(call.seat.handle, " handed you ", named(task))}};
+  announce(call.board, {"taskAssigned", task.id, call.self()}, notices);
+  return written(
+      text::cat("Handed ", named(task), " to ", peer.handle, ". Claiming it is theirs to do."));
+}
+
+TeamworkResponse requestReview(const Call& call, const Task& task) {
+  if (task.state != TaskState::done && !isHeldBy(task, call.self())) return notYours(call, task);
+  const std::string mark = call.request.reviewOfFingerprint.value_or("");
+  const Seat* asked = mark.empty() ? nullptr : whoIs(call.board, mark);
+  if (!mark.empty() && asked == nullptr) {
+    return refused(text::cat("Nobody here is ", mark, ". list_agents has the fingerprints."));
+  }
+  std::vector<const Seat*> reviewers = asked != nullptr ? std::vector{asked} : reviewersFor(call);
+  Task& reviewed = call.board.tasks.edit(task);
+  reviewed.reviewState = "requested";
+  reviewed.reviewRequestedBy = call.self();
+  reviewed.reviewRequestedFrom = asked != nullptr ? asked->fingerprint : "";
+  reviewed.reviewBy.clear();
+  reviewed.reviewNote = cut(oneLine(call.request.note.value_or("")), noteLimit);
+  std::vector<Notice> notices;
+  notices.reserve(reviewers.size());
+  for (const Seat* reviewer : reviewers) {
+    notices.push_back({reviewer->fingerprint, "reviewRequested",
+                       text::cat(call.seat.handle, " asks for a review of ", named(task))});
+  }
+  announce(call.board, {"reviewRequested", task.id, call.self()}, notices);
+  return written(text::cat("A review of ", named(task), " is requested."),
+                 reviewers.empty() ? "Nobody who may give a verdict is here now." : "");
+}
+
+TeamworkResponse verifyTask(const Call& call, const Task& task) {
+  if (!mayVerify(call.seat.authority)) {
+    return refused("A verdict needs reviewer or lead authority, and your seat has neither.");
+  }
+  if (task.reviewState != "requested") {
+    return refused(text::cat("No review of ", named(task), " is requested."));
+  }
+  if (task.owner == call.self() || task.reviewRequestedBy == call.self()) {
+    return refused("Your own work is for a peer to judge.");
+  }
+  if (!call.request.approve) return refused("A verdict needs `approve`: true or false.");
+  const bool approves = *call.request.approve;
+  Task& verified = call.board.tasks.edit(task);
+  verified.reviewState = approves ? "verified" : "rejected";
+  verified.reviewBy = call.self();
+  const std::string note = cut(oneLine(call.request.note.value_or("")), noteLimit);
+  if (!note.empty()) verified.reviewNote = note;
+  const std::string summary =
+      text::cat(call.seat.handle, approves ? " verified " : " found wanting: ", named(task));
+  const Notice notices[] = {{task.owner, "reviewVerdict", summary},
+                            {task.reviewRequestedBy, "reviewVerdict", summary}};
+  announce(call.board, {"reviewVerdict", task.id, call.self()}, notices);
+  return written(text::cat(named(task), approves ? " is verified." : " needs more."));
+}
+
+}  // namespace
+
+// clang-format off
+std::span<const Method> claimMethods() {
+  static constexpr Method rows[] = {
+      {"claim_task",      Entry::member, claimTask},
+      {"complete_task",   Entry::member, completeTask},
+      {"release_task",    Entry::member, releaseTask},
+      {"request_review",  Entry::member, requestReview},
+      {"verify_task",     Entry::member, verifyTask},
+      {"request_release", Entry::member, requestRelease},
+      {"assign_task",     Entry::member, assignTask},
+  };
+  return rows;
+}
+// clang-format on
+
+}  // namespace quillpost::board

@@ -1,0 +1,148 @@
+#include "board/verbs/person.h"
+
+#include "base/text.h"
+#include "base/unicode.h"
+#include "board/rules/ask.h"
+#include "board/rules/debates.h"
+#include "board/rules/moves.h"
+#include "board/rules/people.h"
+#include "board/verbs/methods.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+namespace quillpost::board {
+
+namespace {
+
+struct Deed {
+  Board& board;
+  const TeamworkRequest& request;
+  Moment at;
+
+  std::string words() const { return std::string(unicode::trim(request.body.value_or(""))); }
+  std::string subject() const { return request.taskID.value_or(""); }
+};
+
+TeamworkResponse show(const Deed& deed) { return written(showBoard(deed.board, deed.at)); }
+
+TeamworkResponse answerTask(const Deed& deed, const Task& task) {
+  const bool wasBlocked = task.blocked;
+  const std::string words = spellOut(splitAsk(task.blockerQuestion), deed.words());
+  Task& answered = deed.board.tasks.edit(task);
+  answered.log.push_back({LogKind::comment, std::string(human), std::string(human), words});
+  std::erase(answered.mentions, human);
+  if (wasBlocked) {
+    answered.blocked = false;
+    answered.blockerAnswer = words;
+  }
+  const std::string_view kind = wasBlocked ? "blockerAnswered" : "humanReplied";
+  const std::string summary = text::cat("The human answered on ", named(task), ": ", words);
+  std::vector<Notice> notices;
+  for (const std::string& party : {task.blockedBy, task.owner, task.filedBy}) {
+    const bool isConcerned = !wasBlocked || party != task.filedBy || party == task.blockedBy;
+    if (!party.empty() && isConcerned) notices.push_back({party, kind, summary});
+  }
+  announce(deed.board,
+           {wasBlocked ? "taskUnblocked" : "taskCommented", task.id, std::string(human)}, notices);
+  return written(text::cat(wasBlocked ? "Answered " : "Commented on ", named(task), "."));
+}
+
+TeamworkResponse answer(const Deed& deed) {
+  if (deed.words().empty()) return refused("Say something.");
+  if (const Task* task = deed.board.tasks.find(deed.subject())) return answerTask(deed, *task);
+  const TeamworkDiscussion* discussion = deed.board.discussions.find(deed.subject());
+  if (discussion == nullptr || !isOpen(*discussion)) {
+    return refused(text::cat("No task and no open discussion is called ", deed.subject(), "."));
+  }
+  addVolley(deed.board, *discussion, {std::string(human), deed.words(), deed.at.nowMs});
+  return written(text::cat("Spoke in ", discussion->id, "."));
+}
+
+void wakeEverybody(Board& board, std::string_view kind, const std::string& summary) {
+  for (const auto& [id, seat] : board.seats)
+    if (isLive(seat)) wake(board, seat, {0, std::string(kind), "", summary, std::string(kind)});
+}
+
+TeamworkResponse confirmGoal(const Deed& deed) {
+  if (deed.board.thread().goal.empty()) return refused("There is no goal to confirm.");
+  Thread& thread = deed.board.editThread();
+  thread.goalComplete = true;
+  thread.goalProposedBy.clear();
+  record(deed.board, {"goalConfirmed", "", std::string(human)});
+  wakeEverybody(deed.board, "goalConfirmed", "The human confirmed that the goal is complete");
+  return written("The goal is complete.");
+}
+
+TeamworkResponse reopenGoal(const Deed& deed) {
+  Thread& thread = deed.board.editThread();
+  thread.goalComplete = false;
+  thread.goalProposedBy.clear();
+  record(deed.board, {"goalReopened", "", std::string(human)});
+  wakeEverybody(deed.board, "goalReopened", "The human reopened the goal");
+  return written("The goal is open again.");
+}
+
+TeamworkResponse say(const Deed& deed) {
+  const std::string handle = deed.request.to.value_or("");
+  const Seat* seat = seatAt(deed.board, handle);
+  if (seat == nullptr || !isLive(*seat))
+    return refused(text::cat("Nobody is home at ", handle, "."));
+  if (deed.words().empty()) return refused("Say something.");
+  // A wake and not a message: messages are told as another agent's words.
+  wake(deed.board, *seat, {0, "humanSaid", "", text::cat("The human says: ", deed.words()), ""});
+  return written(text::cat("Said to ", seat->handle, "."));
+}
+
+TeamworkResponse switchSquad(const Deed& deed) {
+  deed.board.editThread().squadOn = deed.request.approve.value_or(false);
+  record(deed.board, {"squadSwitched", "", std::string(human)});
+  return written(deed.board.thread().squadOn ? "The squad is on." : "The squad is off.");
+}
+
+TeamworkResponse restore(const Deed& deed) {
+  const Task* deleted = deed.board.trash.find(deed.subject());
+  if (deleted == nullptr) {
+    return refused(text::cat("No deleted task is called ", deed.subject(), "."));
+  }
+  Task task = *deleted;
+  task.deletedAtMs = 0;
+  task.deleteReason.clear();
+  deed.board.trash.remove(task.id);
+  const Task& restored = deed.board.tasks.put(std::move(task));
+  announce(deed.board, {"taskAdded", restored.id, std::string(human)});
+  return written(text::cat("Put back ", named(restored), "."));
+}
+
+struct PersonMethod {
+  std::string_view name;
+  TeamworkResponse (*run)(const Deed&);
+};
+
+// clang-format off
+constexpr PersonMethod table[] = {
+    {personShow,        show},
+    {personAnswer,      answer},
+    {personConfirmGoal, confirmGoal},
+    {personReopenGoal,  reopenGoal},
+    {personSay,         say},
+    {personSquad,       switchSquad},
+    {personRestore,     restore},
+};
+// clang-format on
+
+}  // namespace
+
+bool isForPerson(std::string_view method) {
+  return method == personSeat ||
+         std::ranges::find(table, method, &PersonMethod::name) != std::end(table);
+}
+
+TeamworkResponse carryOutForPerson(Board& board, const TeamworkRequest& request, Moment at) {
+  const PersonMethod* method = std::ranges::find(table, request.method, &PersonMethod::name);
+  if (method == std::end(table)) return refused("This board does not know that method.");
+  return method->run({board, request, at});
+}
+
+}  // namespace quillpost::board

@@ -1,0 +1,185 @@
+#include "base/text.h"
+#include "base/unicode.h"
+#include "board/rules/feed.h"
+#include "board/rules/limits.h"
+#include "board/rules/moves.h"
+#include "board/rules/people.h"
+#include "board/rules/views.h"
+#include "board/verbs/methods.h"
+#include "tools/tool_name.h"
+
+#include <string>
+#include <vector>
+
+namespace quillpost::board {
+
+namespace {
+
+using Kind = TeamworkResponse::Kind;
+
+/// A new mark such as "#a3f9" that nobody on the board has.
+std::string mintFingerprint(const Call& call) {
+  constexpr std::string_view digits = "0123456789abcdef";
+  for (;;) {
+    std::string mark = "#";
+    for (uint32_t bits = call.random(), i = 0; i < 4; ++i, bits >>= 4) mark += digits[bits & 15];
+    if (seatOf(call.board, mark) == nullptr) return mark;
+  }
+}
+
+/// Takes what the agent says of itself. What it leaves out stays as it was.
+void describe(Seat& seat, const TeamworkRequest& request) {
+  if (request.name) seat.name = cutWithMark(oneLine(*request.name), roleLimit);
+  if (request.status) seat.status = cutWithMark(oneLine(*request.status), progressLimit);
+  if (!request.role) return;
+  seat.role = cutWithMark(oneLine(*request.role), roleLimit);
+  seat.authority = authorityOf(seat.role);
+}
+
+TeamworkResponse ownSeat(const Call& call) {
+  TeamworkResponse response;
+  response.kind = Kind::registered;
+  response.agent = agentView(call.board, call.seat, call.seat, call.at);
+  return response;
+}
+
+void deliverMessages(const Call& call, TeamworkResponse& response) {
+  if (!call.seat.inbox.empty()) response.messages = messagesFor(call.seat, call.at);
+}
+
+TeamworkResponse registerSeat(const Call& call) {
+  Seat& seat = call.board.seats.edit(call.seat);
+  const bool isNew = !seat.registered;
+  if (isNew) {
+    seat.fingerprint = mintFingerprint(call);
+    seat.name.clear();
+    seat.status.clear();
+    seat.role.clear();
+    seat.authority = authorityOf("");
+  }
+  seat.registered = true;
+  seat.away = false;
+  seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
+  seat.lastCallMs = call.at.nowMs;
+  describe(seat, call.request);
+  if (isNew) record(call.board, {"agentJoined", "", seat.fingerprint});
+  TeamworkResponse response = ownSeat(call);
+  response.squad = squadView(call.board);
+  deliverMessages(call, response);
+  return response;
+}
+
+TeamworkResponse unregister(const Call& call) {
+  if (!call.seat.registered) return written("You were not on the roster; nothing to leave.");
+  int64_t returned = 0;
+  for (const auto& [id, task] : call.board.tasks) {
+    if (!isHeldBy(task, call.self())) continue;
+    ++returned;
+    giveUpClaim(call.board, task, {"taskReleased", id, call.self()}, call.at);
+  }
+  record(call.board, {"agentLeft", "", call.self()});
+  Seat& seat = call.board.seats.edit(call.seat);
+  seat.registered = seat.waiting = seat.stoodDown = false;
+  seat.parkReason.clear();
+  seat.wakes.clear();
+  return written(text::cat("You have left the board. ", returned, " claim", text::s(returned),
+                           " went back to the pool."));
+}
+
+TeamworkResponse renew(const Call& call) {
+  if (!call.seat.registered) {
+    return refused("This terminal has no agent on the roster to renew. Call register first.");
+  }
+  Seat& seat = call.board.seats.edit(call.seat);
+  seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
+  seat.lastCallMs = call.at.nowMs;
+  describe(seat, call.request);
+  seat.waiting = call.request.waiting.value_or(false);
+  seat.stoodDown = call.request.standDown.value_or(false);
+  seat.parkReason = oneLine(call.request.parkReason.value_or(""));
+  renewClaims(call.board, seat, call.at);
+  for (const auto& [id, task] : call.board.tasks)
+    if (isHeldBy(task, call.self())) settleReleaseAsks(call.board, task, "", call.at);
+  TeamworkResponse response = ownSeat(call);
+  // The answer to the heartbeat of a wait is not read by anybody: its messages come with the poll.
+  if (!seat.waiting) deliverMessages(call, response);
+  return response;
+}
+
+TeamworkResponse listAgents(const Call& call) {
+  TeamworkResponse response;
+  response.kind = Kind::agents;
+  response.agents.emplace();
+  std::vector<TeamworkPane> panes;
+  for (const auto& [id, seat] : call.board.seats) {
+    if (isLive(seat)) {
+      response.agents->push_back(agentView(call.board, seat, call.seat, call.at));
+    } else {
+      panes.push_back({seat.handle});
+    }
+  }
+  if (!panes.empty()) response.panes = panes;
+  response.squad = squadView(call.board);
+  return response;
+}
+
+TeamworkResponse poll(const Call& call) {
+  TeamworkResponse response;
+  if (isDeserted(call.board)) return response;
+  response.kind = Kind::changes;
+  response.changes = feedFor(call.board, call.seat, listeningOf(call.request), call.at);
+  return response;
+}
+
+TeamworkResponse queryWake(const Call& call) {
+  TeamworkResponse response;
+  response.kind = Kind::wake;
+  response.wakePending = !call.seat.wakes.empty() || !call.seat.inbox.empty();
+  return response;
+}
+
+TeamworkResponse sendMessage(const Call& call) {
+  const std::string to = call.request.to.value_or("");
+  if (const auto reason = whyUnreachable(call, to)) return refused(*reason);
+  const std::string words(unicode::trim(call.request.body.value_or("")));
+  if (words.empty()) return refused("There is nothing to send: pass the note as `text`.");
+  if (unicode::countCharacters(words) > messageLimit) {
+    return refused(text::cat("That is longer than ", messageLimit,
+                             " characters, so it is a task and not a message: use add_task."));
+  }
+  const Seat& reader = *seatAt(call.board, to);
+  leaveMessage(call.board, reader, {0, call.seat.handle, call.seat.name, words, call.at.nowMs});
+  return written(text::cat("Left for ", reader.handle, "."));
+}
+
+TeamworkResponse readMessages(const Call& call) {
+  const int64_t count = text::countOf(call.seat.inbox);
+  if (count == 0) {
+    TeamworkResponse response;
+    response.message = "Your inbox is empty.";
+    return response;
+  }
+  TeamworkResponse response = written(text::cat(count, " message", text::s(count), "."));
+  deliverMessages(call, response);
+  return response;
+}
+
+}  // namespace
+
+// clang-format off
+std::span<const Method> seatMethods() {
+  static constexpr Method rows[] = {
+      {"register",      Entry::anyone,   registerSeat},
+      {"unregister",    Entry::anyone,   unregister},
+      {heartbeat,       Entry::listener, renew},
+      {"list_agents",   Entry::member,   listAgents},
+      {"send_message",  Entry::member,   sendMessage},
+      {"read_messages", Entry::member,   readMessages},
+      {pollChanges,     Entry::listener, poll},
+      {wakeQuery,       Entry::listener, queryWake},
+  };
+  return rows;
+}
+// clang-format on
+
+}  // namespace quillpost::board

@@ -1,0 +1,208 @@
+#include "base/text.h"
+#include "base/unicode.h"
+#include "board/rules/ask.h"
+#include "board/rules/limits.h"
+#include "board/rules/moves.h"
+#include "board/rules/people.h"
+#include "board/rules/readiness.h"
+#include "board/verbs/methods.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace quillpost::board {
+
+namespace {
+
+/// The line without the markers that would make it something else in the log.
+std::string plainLine(std::string_view whole) {
+  std::string line = oneLine(whole);
+  for (const std::string_view marker : {"[[gist]] ", "[[for]] "})
+    while (line.starts_with(marker)) line = oneLine(std::string_view(line).substr(marker.size()));
+  return line;
+}
+
+/// Why the caller may not update the task; nothing when it may: its holder, whoever did it, and for
+/// a task that nobody holds whoever filed it or asked the person about it.
+std::optional<std::string> whyNotUpdatable(const Call& call, const Task& task) {
+  const std::string& self = call.self();
+  if (task.state == TaskState::rejected) {
+    return text::cat(named(task), " is declined. File a corrected one with add_task.");
+  }
+  const bool isOwn = task.state == TaskState::open ? task.filedBy == self || task.blockedBy == self
+                                                   : task.owner == self;
+  if (isOwn) return std::nullopt;
+  return text::cat("You do not hold ", named(task),
+                   ". Claim it first if it is READY; comment_task needs no claim.");
+}
+
+/// Why the blocker asked for cannot be raised; nothing when it can, or when none is asked for.
+std::optional<std::string> whyNotBlockable(const TeamworkRequest& request, const Task& task) {
+  if (!request.blocked.value_or(false)) return std::nullopt;
+  const std::string question = splitAsk(request.blockerQuestion.value_or("")).question;
+  if (question.empty() && task.blockerQuestion.empty()) {
+    return "Say what you need from the person: pass blockerQuestion.";
+  }
+  if (unicode::countCharacters(question) > questionLimit) {
+    return text::cat("blockerQuestion is longer than ", questionLimit,
+                     " characters. Rewrite it as one sentence; nothing was changed.");
+  }
+  return std::nullopt;
+}
+
+/// Replaces what was given and leaves the rest. Whether anything was.
+bool correct(const Call& call, Task& task) {
+  const TeamworkRequest& request = call.request;
+  const Task before = task;
+  if (request.title && !oneLine(*request.title).empty()) task.title = oneLine(*request.title);
+  task.body = request.body.value_or(task.body);
+  task.priority = request.priority.value_or(task.priority);
+  task.type = request.taskType.value_or(task.type);
+  task.resources = request.resources.value_or(task.resources);
+  task.waitsOn = request.waitsOn.value_or(task.waitsOn);
+  task.assignedRole = request.assignedRole.value_or(task.assignedRole);
+  if (request.routedToFingerprint) {
+    const Seat* seat = whoIs(call.board, *request.routedToFingerprint);
+    task.routedTo = seat != nullptr ? seat->handle : *request.routedToFingerprint;
+  }
+  return task != before;
+}
+
+/// Raises or clears the question to the person. The kind of move that was; empty for none.
+std::string_view settleBlocker(const Call& call, Task& task) {
+  if (!call.request.blocked) return {};
+  if (!*call.request.blocked) {
+    if (!std::exchange(task.blocked, false)) return {};
+    task.blockerQuestion.clear();
+    return "taskUnblocked";
+  }
+  const std::string question = call.request.blockerQuestion.value_or("");
+  if (!question.empty()) task.blockerQuestion = question;
+  task.blocked = true;
+  task.blockedBy = call.self();
+  task.blockerAnswer.clear();
+  return "taskBlocked";
+}
+
+/// Writes the progress line and says whether there was one. Work that goes on is no longer parked.
+bool writeProgress(const Call& call, Task& task, std::string& notice) {
+  const std::string line =
+      cutWithNotice(plainLine(call.request.note.value_or("")), progressLimit, "progress", notice);
+  if (line.empty()) return false;
+  task.log.push_back({LogKind::progress, call.self(), call.seat.handle, line});
+  ++task.linesSinceClaim;
+  task.parkedReason.clear();
+  return true;
+}
+
+/// The parties whom tags name: fingerprints and "human". Those who are not here go into `notice`.
+std::vector<std::string> taggedBy(const Call& call, std::string& notice) {
+  std::vector<std::string> tagged;
+  for (const std::string& tag : call.request.tags.value_or(std::vector<std::string>{})) {
+    const std::string name = tag.starts_with('@') ? tag.substr(1) : tag;
+    if (unicode::equalIgnoringCase(name, human)) {
+      tagged.emplace_back(human);
+    } else if (const Seat* seat = whoIs(call.board, name)) {
+      tagged.push_back(seat->fingerprint);
+    } else {
+      notice += text::cat(notice.empty() ? "" : " ", "Nobody here answers to \"", tag, "\".");
+    }
+  }
+  return tagged;
+}
+
+/// Adds the comment, or puts it in place of the caller's own last one.
+void writeComment(const Call& call, const Task& task, const std::string& words,
+                  std::string& notice) {
+  Task& commented = call.board.tasks.edit(task);
+  const LogLine line{LogKind::comment, call.self(), call.seat.handle, words};
+  const bool isAmendable = !commented.log.empty() &&
+                           commented.log.back().kind == LogKind::comment &&
+                           commented.log.back().author == call.self();
+  if (call.request.editLast.value_or(false) && isAmendable) {
+    commented.log.back() = line;
+    return;
+  }
+  if (call.request.editLast.value_or(false)) {
+    notice += "Your last comment is no longer the last entry, so this one was added.";
+  }
+  commented.log.push_back(line);
+}
+
+TeamworkResponse updateTask(const Call& call, const Task& task) {
+  const TeamworkRequest& request = call.request;
+  if (const auto reason = whyNotUpdatable(call, task)) return refused(*reason);
+  if (const auto reason = whyNotBlockable(request, task)) return refused(*reason);
+  if (request.waitsOn && wouldWaitOnItself(call.board, task.id, *request.waitsOn)) {
+    return refused(text::cat(named(task), " would wait on itself."));
+  }
+  std::string notice;
+  Task& changed = call.board.tasks.edit(task);
+  const bool isCorrected = correct(call, changed);
+  const bool isProgress = writeProgress(call, changed, notice);
+  const std::string_view blocker = settleBlocker(call, changed);
+  if (request.parkReason) changed.parkedReason = oneLine(*request.parkReason);
+  const bool isReopened = task.state == TaskState::done &&
+                          (isCorrected || isProgress || !blocker.empty() || request.parkReason);
+  if (isReopened) changed.state = TaskState::claimed;
+  refreshSummary(call.board, task, call.seat, request.summary.value_or(""));
+  if (request.summary && !request.summary->empty()) ++changed.linesSinceClaim;
+  if (task.state == TaskState::claimed) renewClaim(call.board, task, call.at);
+
+  if (isReopened) announce(call.board, {"taskReopened", task.id, call.self()});
+  if (isCorrected) announce(call.board, {"taskEdited", task.id, call.self()});
+  if (isProgress) announce(call.board, {"taskProgress", task.id, call.self()});
+  if (!blocker.empty()) announce(call.board, {blocker, task.id, call.self()});
+  if (request.parkReason) announce(call.board, {"taskParked", task.id, call.self()});
+  if (settleReleaseAsks(call.board, task, call.self(), call.at)) {
+    notice += text::cat(notice.empty() ? "" : " ", calling(call.board, task.owner),
+                        " had asked for this task and holds it now.");
+  }
+  return written(text::cat(isReopened ? "Reopened " : "Updated ", named(task), "."),
+                 std::move(notice));
+}
+
+TeamworkResponse commentTask(const Call& call, const Task& task) {
+  const std::string words =
+      cutWithMark(unicode::trim(call.request.note.value_or("")), commentLimit);
+  const std::string summary(unicode::trim(call.request.summary.value_or("")));
+  if (words.empty() && summary.empty()) return refused("Pass `text`, `summary` or both.");
+  std::string notice;
+  refreshSummary(call.board, task, call.seat, summary);
+  const std::vector<std::string> tagged = taggedBy(call, notice);
+  if (!words.empty()) writeComment(call, task, words, notice);
+  Task& commented = call.board.tasks.edit(task);
+  if (isHeldBy(task, call.self())) ++commented.linesSinceClaim;
+  std::erase(commented.mentions, call.self());
+  std::vector<Notice> notices;
+  for (const std::string& party : tagged) {
+    if (party == call.self()) continue;
+    if (std::ranges::find(commented.mentions, party) == commented.mentions.end()) {
+      commented.mentions.push_back(party);
+    }
+    notices.push_back({party, "mentioned",
+                       text::cat(call.seat.handle, " tagged you on ", named(task), ": ",
+                                 cutWithMark(words, questionLimit))});
+  }
+  announce(call.board, {"taskCommented", task.id, call.self()}, notices);
+  return written(
+      text::cat(words.empty() ? "Summary refreshed on " : "Commented on ", named(task), "."),
+      std::move(notice));
+}
+
+}  // namespace
+
+// clang-format off
+std::span<const Method> writingMethods() {
+  static constexpr Method rows[] = {
+      {"update_task",  Entry::member, updateTask},
+      {"comment_task", Entry::member, commentTask},
+  };
+  return rows;
+}
+// clang-format on
+
+}  // namespace quillpost::board

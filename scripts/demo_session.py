@@ -1,0 +1,418 @@
+#!/usr/bin/env python3
+"""Plays a session of two agents and a person on a board of its own, and checks every answer.
+
+    demo.py BUILD [--serve]
+
+BUILD is the folder with the built programs. With --serve the board then runs on until Ctrl-C, for
+agents of yours. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
+this file from top to bottom: Seat is all that a harness has to do, play() is what agents do.
+"""
+
+import contextlib
+import json
+import os
+import re
+import select
+import shlex
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import textwrap
+import time
+
+PATIENCE = 30  # seconds for one answer, which takes milliseconds
+NOTHING_WAITS, KEEP_GOING = 0, 2  # what the stop hook ends with
+HOOK_LINE = "board changed, call wait_for_changes"
+
+isColourful = sys.stdout.isatty() and not os.environ.get("NO_COLOR") and (
+    os.environ.get("TERM") != "dumb")
+width = min(shutil.get_terminal_size((100, 24)).columns, 120)
+colours = {"Ada": 36, "Bo": 35, "person": 33, "title": 1, "dim": 2, "good": 32, "bad": 31}
+
+
+class Failure(Exception):
+    """A step that did not come out as expected."""
+
+
+# --- The transcript -------------------------------------------------------------------------------
+
+
+def paint(style, text):
+    return f"\033[{colours[style]}m{text}\033[0m" if isColourful else text
+
+
+def title(text, explanation):
+    print("\n" + paint("title", text))
+    for line in textwrap.wrap(explanation, width - 2):
+        print(paint("dim", line))
+    print()
+
+
+def say(who, sign, text, style=None):
+    """Who, what way it goes (→ asks, ← is answered), and what: in full, but for asides."""
+    asides = 1 if style == "dim" else None
+    margin = (paint(who, f"{who:6}") if who else " " * 6) + " " + paint("dim", sign)
+    for line in textwrap.wrap(text, max(width - 11, 20), max_lines=asides, placeholder=" …"):
+        print(f"  {margin} {paint(style, line) if style else line}", flush=True)
+        margin = " " * 8
+
+
+def check(isExpected, wanted, got):
+    if not isExpected:
+        raise Failure(f"expected {wanted}\nbut got  {got}")
+
+
+def written(value):
+    return json.dumps(value, ensure_ascii=False)
+
+
+# --- What came back -------------------------------------------------------------------------------
+
+
+def parsed(text):
+    """An answer is JSON or plain words, and ends with the tag of the thread, set apart."""
+    check(re.search(r"\n\n\(thread T-[a-z0-9]{6}\)$", text), "the thread's tag at the end", text)
+    return json.JSONDecoder().raw_decode(text)[0] if text.startswith("{") else text
+
+
+def find(reply, path):
+    """What stands at a path such as "obligations.clear"; of tasks and the like only the names."""
+    for key in path.split("."):
+        reply = reply.get(key) if isinstance(reply, dict) else None
+    if not isinstance(reply, list):
+        return reply
+    names = ("id", "kind", "discussionID")
+    return [next((row[name] for name in names if name in row), row) if isinstance(row, dict)
+            else row for row in reply]
+
+
+def show(who, text, expected):
+    """Checks an answer and prints its gist. `expected` is what the words begin with, or what stands
+    at which path of the JSON. Gives the answer, parsed."""
+    reply = parsed(text)
+    if isinstance(expected, str):
+        check(isinstance(reply, str) and expected in reply.split("\n")[0], expected, text)
+        say(who, "←", reply.split("\n")[0])
+        advice = re.search(r"^Next: (.*)", reply, re.MULTILINE)
+        if advice:
+            say("", " ", "next: " + advice[1], "dim")
+        return reply
+    for path, value in expected.items():
+        check(find(reply, path) == value, f"{path}: {written(value)}", text)
+    say(who, "←", ", ".join(f"{path}: {written(value)}" for path, value in expected.items()))
+    for reason in reply.get("wakeReasons", []):
+        say("", " ", f"woken: {reason['summary']}")
+    if reply.get("nextStep"):
+        say("", " ", "next: " + reply["nextStep"], "dim")
+    return reply
+
+
+# --- The three parties ----------------------------------------------------------------------------
+
+
+def start(cleanup, command, **options):
+    """A process that does not outlive the demo, whatever becomes of it."""
+    process = subprocess.Popen(command, encoding="utf-8", **options)
+
+    def end():
+        with process:  # closes the pipes and waits
+            process.kill()
+
+    cleanup.callback(end)
+    return process
+
+
+class Board:
+    """A quillpost-board that serves in a folder of its own, and the person who commands it."""
+
+    def __init__(self, cleanup, build, folder):
+        self.program = os.path.join(build, "quillpost-board")
+        self.folder = folder
+        signal.alarm(PATIENCE)
+        self.process = start(cleanup, [self.program, "serve", "--dir", folder],
+                             stdin=subprocess.DEVNULL, stderr=subprocess.PIPE)
+        say("person", "$", "quillpost-board serve --dir " + folder)
+        greeting = self.process.stderr.readline().strip()
+        check("listening on" in greeting, "a board that listens", greeting)
+        say("", " ", greeting)
+
+    def command(self, *words, expect):
+        """What the person types, and what the board says to it."""
+        signal.alarm(PATIENCE)
+        say("person", "$", shlex.join(["quillpost-board", *words]))
+        done = subprocess.run(
+            [self.program, "--dir", self.folder, *words], stdin=subprocess.DEVNULL,
+            capture_output=True, encoding="utf-8", check=False)
+        said = done.stdout + done.stderr
+        check(done.returncode == 0 and expect in said, expect, said)
+        for line in said.rstrip().split("\n"):
+            fits = words[0] == "seat" or len(line) <= width - 11
+            shown = line if fits else line[: width - 12] + "…"
+            print(f"           {shown}".rstrip(), flush=True)
+        return said
+
+    def seat(self, *words):
+        """A new seat: the handle that others reach it by, and the variables that make the agent of
+        a terminal sit on it."""
+        said = self.command("seat", *words, expect="This seat answers to")
+        lines = [line for line in said.splitlines() if line.startswith("export ")]
+        variables = dict(shlex.split(line)[1].split("=", 1) for line in lines)
+        return re.search(r"answers to (\w+)", said)[1], variables
+
+    def close(self):
+        self.process.terminate()
+        status = self.process.wait(PATIENCE)
+        check(status == 0, "the board to end with 0", status)
+
+
+class Seat:
+    """An agent, as its harness sees it: a quillpost-teamwork process and lines of JSON."""
+
+    def __init__(self, cleanup, name, build, board):
+        self.name = name
+        self.handle, variables = board.seat()
+        self.program = os.path.join(build, "quillpost-teamwork")
+        mine = {key: value for key, value in os.environ.items() if not key.startswith("QUILLPOST_")}
+        self.environment = {**mine, **variables}
+        self.lastID = 0
+        self.process = start(cleanup, [self.program], env=self.environment,
+                             stdin=subprocess.PIPE, stdout=subprocess.PIPE)
+
+    def send(self, method, params):
+        signal.alarm(PATIENCE)
+        self.lastID += 1
+        line = written({"jsonrpc": "2.0", "id": self.lastID, "method": method, "params": params})
+        self.process.stdin.write(line + "\n")
+        self.process.stdin.flush()
+        return line
+
+    def receive(self):
+        line = self.process.stdout.readline()
+        check(line, "a line of JSON", "the end of the program's output")
+        return json.loads(line)
+
+    def request(self, method, params):
+        """One request and its answer, both shown as they go over the pipes."""
+        say(self.name, "→", self.send(method, params), "dim")
+        answer = self.receive()
+        check(answer.get("id") == self.lastID and "result" in answer, "a result", answer)
+        say("", "←", written(answer), "dim")
+        return answer["result"]
+
+    def call(self, tool, expect, **arguments):
+        """One tool call. `expect` is what must come back, see show()."""
+        self.begin(tool, arguments, {})
+        return self.end(expect)
+
+    def begin(self, tool, arguments, more):
+        shown = ", ".join(f"{name}: {written(value)}" for name, value in arguments.items())
+        say(self.name, "→", f"{tool}({shown})")
+        self.send("tools/call", {"name": tool, "arguments": arguments, **more})
+
+    def end(self, expect, who=""):
+        answer = self.receive()
+        check(answer.get("id") == self.lastID and "result" in answer, "a result", answer)
+        return show(who, answer["result"]["content"][0]["text"], expect)
+
+    def listen(self, quietFor=0):
+        """Begins a wait, and sees that it holds for as long as nothing happens. Whoever asks for
+        progress is told that the program listens by now."""
+        self.begin("wait_for_changes", {"timeoutSeconds": 25}, {"_meta": {"progressToken": "w"}})
+        note = self.receive()
+        check(note.get("method") == "notifications/progress", "a sign of progress", note)
+        say("", "…", note["params"]["message"], "dim")
+        early, _, _ = select.select([self.process.stdout], [], [], quietFor)
+        check(not quietFor or not early, "a wait that holds", "an answer before anything happened")
+
+    def wake(self, expect):
+        """Ends the wait that listen() began."""
+        return self.end(expect, self.name)
+
+    def stop(self, status):
+        """The agent wants to end its turn, so its harness runs the stop hook."""
+        signal.alarm(PATIENCE)
+        say(self.name, "$", "quillpost-teamwork --wake-stop-hook")
+        hook = subprocess.run(
+            [self.program, "--wake-stop-hook"], env=self.environment, input="{}\n",
+            capture_output=True, encoding="utf-8", check=False)
+        line = hook.stderr.strip()
+        check(hook.returncode == status and (HOOK_LINE in line) == (status == KEEP_GOING),
+              f"status {status}", f"status {hook.returncode} {line}")
+        say("", "←", f"status {status}: " + (line or "the agent may stop"),
+            "bad" if status == KEEP_GOING else "good")
+
+    def close(self):
+        """The program ends with its input."""
+        self.process.stdin.close()
+        status = self.process.wait(PATIENCE)
+        check(status == 0, "the program to end with 0", status)
+
+
+# --- The session ----------------------------------------------------------------------------------
+
+
+def play(board, ada, bo):
+    title("2. Two agents take their seats",
+          "Each agent has its own quillpost-teamwork, which speaks MCP: a line of JSON for each "
+          "request and each answer. After the first two only what matters of them is shown.")
+    hello = {"protocolVersion": "2024-11-05", "capabilities": {}}
+    told = ada.request("initialize", {**hello, "clientInfo": {"name": "demo", "version": "1"}})
+    check(told["serverInfo"]["name"] == "quillpost-teamwork", "the server's name", told)
+    listed = ada.request("tools/list", {})["tools"]
+    check(len(listed) == 33, "33 tools", [tool["name"] for tool in listed])
+    ada.call("register", {"yourHandle": ada.handle, "leaseSecondsRemaining": 900}, name="Ada",
+             role="planner")
+    bo.call("register", {"yourHandle": bo.handle, "leaseSecondsRemaining": 900}, name="Bo",
+            role="executor")
+
+    title("3. A goal, and tasks for it",
+          "The board tells whoever asks what to do next. The page waits for the list of bread.")
+    ada.call("read_plan", {"otherLocalAgents": 1, "goalLocked": False})
+    ada.call("set_goal", "The goal is set.",
+             description="The bakery's website shows today's bread", nonGoals="no online orders")
+
+    def file(*waitsOn, **task):
+        expected = "waiting on other tasks" if waitsOn else "READY"
+        more = {"waitsOn": list(waitsOn)} if waitsOn else {}
+        return re.search(r"\bt\d{6}\b", ada.call("add_task", expected, **task, **more))[0]
+
+    bread = file(title="Publish bread.json", body="Read the till, write what is left. No prices.")
+    page = file(bread, title="Show the bread on the front page")
+    hours = file(title="Say when the bakery is closed")
+    bo.call("list_tasks", {"readyToClaim": [bread, hours], "waiting": [page]})
+
+    title("4. Each claims a task",
+          "A claim is a lease: nobody else takes the task while its agent gives signs of life.")
+    ada.call("claim_task", f"You hold {bread}", taskID=bread)
+    bo.call("claim_task", "is held by", taskID=bread)
+    bo.call("claim_task", f"You hold {hours}", taskID=hours)
+    ada.call("update_task", bread, taskID=bread,
+             progress="worktree bread, branch bread-json: till is read, DONE; next: the writer")
+
+    title("5. A question that only the person can answer",
+          "Bo asks on the task and listens. The answer ends the wait at once.")
+    bo.call("update_task", hours, taskID=hours, blocked=True, blockerKind="decision",
+            blockerQuestion="Which day is the bakery closed?",
+            blockerOptions=["Monday", "Tuesday"])
+    bo.listen(quietFor=1)
+    board.command("show", expect="Which day")
+    board.command("answer", hours, "2", expect="Answered")
+    bo.wake({"wakeReasons": ["blockerAnswered"]})
+    bo.call("complete_task", f"Completed {hours}", taskID=hours,
+            summary="The footer says: closed on Tuesdays. Looked at it in two browsers.")
+
+    title("6. A difference of opinion",
+          "An agent that owes an answer is not let go: its stop hook ends with status 2.")
+    debate = ada.call("open_discussion", {"state": "open", "yourTurn": False}, addressTo=["Bo"],
+                      question="A loaf is sold out: hide it or grey it out? I would hide it.")["id"]
+    bo.stop(KEEP_GOING)
+    bo.listen()
+    bo.wake({"wakeReasons": ["discussionOpened"], "obligations.oweReply": [debate]})
+    bo.call("reply_discussion", {"state": "open", "yourTurn": False}, discussionID=debate,
+            text="Grey it out: people shall see that we bake it.")
+    ada.listen()
+    ada.wake({"wakeReasons": ["discussionReply"], "obligations.oweReply": [debate]})
+    ada.call("resolve_discussion", {"state": "resolved"}, discussionID=debate,
+             resolution="A sold-out loaf stays on the page, greyed out.")
+    bo.listen()
+    bo.wake({"wakeReasons": ["discussionResolved"], "obligations.clear": True})
+
+    title("7. What is done makes more READY",
+          "Bo has nothing to do and listens. Ada's completion opens the task that waited for it.")
+    bo.stop(NOTHING_WAITS)
+    bo.listen(quietFor=1)
+    ada.call("complete_task", f"Completed {bread}", taskID=bread,
+             summary="bread.json holds what is left, every minute. Compared with the till.")
+    bo.wake({"changed": True, "goalComplete": False})
+    bo.call("list_tasks", {"readyToClaim": [page], "doneCount": 2})
+    bo.call("claim_task", f"You hold {page}", taskID=page)
+    bo.call("complete_task", f"Completed {page}", taskID=page,
+            summary="The front page shows the bread; what is sold out is grey. Tested with both.")
+
+    title("8. The goal is met, and both may go",
+          "Agents propose, the person confirms. Then nothing keeps the agents any more.")
+    ada.call("propose_goal_complete", "Completion is proposed.")
+    board.command("confirm-goal", expect="The goal is complete.")
+    for seat in (ada, bo):
+        seat.stop(KEEP_GOING)
+        seat.listen()
+        seat.wake({"goalComplete": True, "resolved": True, "obligations.clear": True})
+        seat.call("unregister", "You have left the board.")
+        seat.stop(NOTHING_WAITS)
+    board.command("show", expect="The goal is complete.")
+
+
+def serve(board, program):
+    """Leaves the board to the person, on a thread where nothing has happened yet."""
+    title("The board runs on, until Ctrl-C",
+          "An agent of yours gets a thread of its own. Its terminal needs these lines:")
+    board.seat("--thread", "yours")
+    print("\nIn the harness's MCP configuration:\n")
+    print(json.dumps({"mcpServers": {"teamwork": {"command": program}}}, indent=2))
+    print("\nAs the harness's stop hook:\n\n" + shlex.join([program, "--wake-stop-hook"]))
+    print("\nAnd this shows the thread:\n\n"
+          + shlex.join([board.program, "--dir", board.folder, "--thread", "yours", "show"]),
+          flush=True)
+    signal.alarm(0)
+    with contextlib.suppress(KeyboardInterrupt):
+        board.process.wait()
+
+
+def run(build, staysOpen):
+    with contextlib.ExitStack() as cleanup:
+        # Short, because a socket's path may have no more than 103 bytes.
+        folder = tempfile.mkdtemp(prefix="quillpost.", dir="/tmp")
+        cleanup.callback(shutil.rmtree, folder)
+        try:
+            begin = time.monotonic()
+            title("1. A board, and two seats at it",
+                  "quillpost-board plays the app. A seat is three variables in a terminal's "
+                  "environment; others know it by its handle.")
+            board = Board(cleanup, build, folder)
+            ada = Seat(cleanup, "Ada", build, board)
+            bo = Seat(cleanup, "Bo", build, board)
+            play(board, ada, bo)
+            ada.close()
+            bo.close()
+            print("\n" + paint("good", "Every step came out as expected") +
+                  f", in {time.monotonic() - begin:.1f} seconds.", flush=True)
+            if staysOpen:
+                serve(board, ada.program)
+            board.close()
+            left = [name for name in os.listdir(folder) if not name.startswith("board.db")]
+            check(not left, "no socket and no token left", left)
+        finally:
+            # Nothing interrupts the tidying up.
+            signal.alarm(0)
+            for number in (signal.SIGINT, signal.SIGTERM, signal.SIGHUP):
+                signal.signal(number, signal.SIG_IGN)
+
+
+def interrupted(number, _frame):
+    if number == signal.SIGALRM:
+        raise Failure(f"no answer within {PATIENCE} seconds")
+    sys.exit(128 + number)
+
+
+def main():
+    words = [word for word in sys.argv[1:] if word != "--serve"]
+    if len(words) != 1 or words[0].startswith("-"):
+        sys.exit("usage: demo.py BUILD [--serve]")
+    for number in (signal.SIGALRM, signal.SIGTERM, signal.SIGHUP):
+        signal.signal(number, interrupted)
+    sys.stdout.reconfigure(encoding="utf-8")
+    try:
+        run(os.path.abspath(words[0]), "--serve" in sys.argv)
+    except KeyboardInterrupt:
+        return 128 + signal.SIGINT
+    except (Failure, OSError, ValueError) as failure:
+        sys.stdout = open(os.devnull, "w") if isinstance(failure, BrokenPipeError) else sys.stdout
+        print(paint("bad", f"\nThe demo failed: {failure}"), file=sys.stderr)
+        return 1
+    return 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

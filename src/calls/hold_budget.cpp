@@ -1,0 +1,57 @@
+#include "calls/hold_budget.h"
+
+#include "base/text.h"
+
+#include <algorithm>
+#include <string>
+
+namespace quillpost {
+namespace {
+
+using Profile = TeamworkClientProfile::Profile;
+
+// Seconds. Thirty is what every client is known to stand.
+constexpr int64_t defaultHold = 30;
+constexpr int64_t shortestBudget = 15;
+constexpr int64_t shortestMaximum = 110;
+constexpr int64_t longestHold = 3600;
+constexpr int64_t shortestHold = 1;
+
+std::optional<int64_t> readSeconds(const Environment& environment, const char* name) {
+  const std::optional<std::string> value = environment.get(name);
+  return value ? text::parseInteger(*value) : std::nullopt;
+}
+
+/// These cancel a tool call that takes longer, whatever a person sets.
+bool cancelsLongCalls(Profile profile) {
+  return profile == Profile::cursor || profile == Profile::unknown;
+}
+
+}  // namespace
+
+HoldSettings readHoldSettings(const Environment& environment) {
+  return {.budget = readSeconds(environment, "QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS"),
+          .maximum = readSeconds(environment, "QUILLPOST_COLLAB_WAIT_MAX_SECONDS")};
+}
+
+int64_t holdBudget(Profile profile, const HoldSettings& settings) {
+  if (settings.budget) {
+    const int64_t budget = std::clamp(*settings.budget, shortestBudget, longestHold);
+    return cancelsLongCalls(profile) ? std::min(budget, defaultHold) : budget;
+  }
+  if (profile == Profile::claude && settings.maximum)
+    return std::clamp(*settings.maximum, shortestMaximum, longestHold);
+  return defaultHold;
+}
+
+bool cannotHoldLong(Profile profile, const HoldSettings& settings) {
+  return cancelsLongCalls(profile) || (profile == Profile::codex && !settings.budget);
+}
+
+Hold holdFor(std::optional<int64_t> asked, int64_t budget) {
+  if (!asked) return {.seconds = budget};
+  const int64_t seconds = std::min(budget, std::max(*asked, shortestHold));
+  return {.seconds = seconds, .isShortened = seconds < *asked};
+}
+
+}  // namespace quillpost

@@ -1,0 +1,67 @@
+#include "calls/tool_call.h"
+
+#include "base/text.h"
+#include "calls/blocker.h"
+#include "calls/goal.h"
+#include "calls/request_rules.h"
+#include "render/result.h"
+#include "render/texts/replies.h"
+#include "tools/tool_name.h"
+
+#include <chrono>
+#include <utility>
+
+namespace quillpost {
+namespace {
+
+// A passing hiccup of the app, such as its restart of the socket, is over within these.
+constexpr int attempts = 3;
+constexpr Duration pauseBetweenAttempts = std::chrono::milliseconds(150);
+
+constexpr std::string_view setGoal = ToolName("set_goal").text;
+constexpr std::string_view updateTask = ToolName("update_task").text;
+
+/// The request is sent unchanged each time, its token included.
+std::optional<TeamworkResponse> sendWithRetry(const TeamworkRequest& request,
+                                              const SeatDoors& doors) {
+  for (int attempt = 1;; ++attempt) {
+    std::optional<TeamworkResponse> answer = doors.bridge.send(request);
+    if (answer || attempt == attempts) return answer;
+    doors.clock.sleepFor(pauseBetweenAttempts);
+  }
+}
+
+ResultRequest resultRequestFrom(std::string_view tool, const Arguments& arguments) {
+  const std::optional<std::string> include = arguments.text("include");
+  return {.tool = tool,
+          .body = {.offset = arguments.integer("offset"), .limit = arguments.integer("limit")},
+          .log = {.offset = arguments.integer("logOffset"), .limit = arguments.integer("logLimit")},
+          .includeAll = include && text::lowered(*include) == "all"};
+}
+
+ToolReply inWords(std::string_view text) {
+  return {.text = json::EscapedText(text), .threadTag = {}};
+}
+
+}  // namespace
+
+ToolReply callBoard(std::string_view tool, const Arguments& arguments, Seat& seat) {
+  TeamworkRequest request = requestFrom(seat, tool);
+  fillFromArguments(request, tool, arguments);
+  if (tool == setGoal) request.name = composeGoal(arguments);
+  if (tool == updateTask && request.blocked.value_or(false)) {
+    BlockerQuestion question = composeBlockerQuestion(arguments);
+    if (question.refusedLength)
+      return inWords(texts::blockerQuestionTooLong(*question.refusedLength));
+    request.blockerQuestion = std::move(question.text);
+  }
+  if (request.token.empty()) return inWords(texts::outsideThread);
+
+  std::optional<TeamworkResponse> answer = sendWithRetry(request, seat.doors);
+  if (!answer) return inWords(texts::appUnreachable);
+  absorbAnswer(seat.state, *answer);
+  return {.text = composeResult(*answer, resultRequestFrom(tool, arguments), seat.state),
+          .threadTag = std::move(answer->threadTag).value_or(std::string())};
+}
+
+}  // namespace quillpost

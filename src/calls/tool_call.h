@@ -1,0 +1,16 @@
+#pragma once
+
+// One call of a tool that reaches the app: check, build, send, remember, compose.
+
+#include "calls/arguments.h"
+#include "calls/seat.h"
+
+#include <string_view>
+
+namespace quillpost {
+
+/// Carries out a call of a board method (isBoardMethod) and gives the words for the agent,
+/// whatever happens: refused before anything is sent, not reached, or answered.
+ToolReply callBoard(std::string_view tool, const Arguments& arguments, Seat& seat);
+
+}  // namespace quillpost

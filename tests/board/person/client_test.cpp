@@ -1,0 +1,70 @@
+#include "board/person/client.h"
+
+#include "board/desk.h"
+#include "board/serving/publication.h"
+#include "harness/scripted_app.h"
+#include "harness/temp_dir.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpost::board {
+namespace {
+
+using ::testing::HasSubstr;
+using testing::TempDir;
+
+std::optional<Publication> publish(const std::string& directory, const std::string& suffix) {
+  std::string why;
+  auto publication = Publication::open(directory, suffix, countingRandom(), why);
+  EXPECT_TRUE(publication) << why;
+  return publication;
+}
+
+TEST(Finding, TakesTheOneBoardThatIsServed) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_THAT(why, HasSubstr("no board"));
+  const auto first = publish(dir.path(), "one");
+  dir.write("teamwork-dead.sock", "");
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), "one");
+  const auto second = publish(dir.path(), "two");
+  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_THAT(why, HasSubstr("--suffix"));
+  EXPECT_EQ(findServed(dir.path(), "two", why), "two");
+  EXPECT_EQ(findServed(dir.path(), "dead", why), std::nullopt);
+}
+
+TEST(Asking, BringsThePersonsTokenAndTheAnswerBack) {
+  const TempDir dir;
+  dir.write("person-dev.token", "secret\n");
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::reply(R"({"kind":"written","message":"Done."})"));
+  std::string why;
+  TeamworkRequest request;
+  request.method = personShow;
+  const auto response = askBoard(dir.path(), "dev", request, why);
+  ASSERT_TRUE(response) << why;
+  EXPECT_EQ(response->message, "Done.");
+  ASSERT_EQ(app.requests().size(), 1u);
+  EXPECT_THAT(app.requests().front(), HasSubstr(R"("token":"secret")"));
+}
+
+TEST(Asking, SaysThatABoardDidNotAnswer) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_FALSE(askBoard(dir.path(), "dev", {}, why));
+  EXPECT_THAT(why, HasSubstr("cannot reach"));
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::closeWithoutReply());
+  EXPECT_FALSE(askBoard(dir.path(), "dev", {}, why));
+  EXPECT_THAT(why, HasSubstr("did not answer"));
+  TeamworkRequest request;
+  request.body = "\xff";
+  EXPECT_FALSE(askBoard(dir.path(), "dev", request, why));
+  EXPECT_THAT(why, HasSubstr("UTF-8"));
+}
+
+}  // namespace
+}  // namespace quillpost::board

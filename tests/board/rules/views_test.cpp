@@ -1,0 +1,131 @@
+#include "board/rules/views.h"
+
+#include "board/desk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpost::board {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+TEST(Views, TheLogIsToldInLinesThatSayWhatTheyAre) {
+  Desk desk;
+  desk.person(personSquad, R"("approve":true)");
+  const std::string id = desk.add("one", R"("summary":"the gist")");
+  desk.ask("AA2", "assign_task", Desk::on(id) + R"(,"to":"BB3")");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"half done")");
+  desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"good")");
+  EXPECT_THAT(
+      desk.view("AA2", id).log,
+      ElementsAre("[[gist]] the gist", "[[for]] handed to BB3 by AA2", "half done", "AA2: good"));
+}
+
+TEST(Views, ATaskThatIsDroppedOverAndOverIsThrashing) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  for (int attempt = 1; attempt <= 4; ++attempt) {
+    desk.claim("BB3", id);
+    EXPECT_EQ(desk.view("AA2", id).thrashing, attempt > 3) << attempt;
+    if (attempt < 4) desk.ask("BB3", "release_task", Desk::on(id));
+  }
+  desk.ask("BB3", "complete_task", Desk::on(id) + R"(,"summary":"did it")");
+  EXPECT_FALSE(desk.view("AA2", id).thrashing);
+}
+
+TEST(Views, AnAgentThatHasLongBeenSilentIsQuiet) {
+  Desk desk;
+  desk.pass(599);
+  EXPECT_EQ(agentView(desk.board, desk.seat("BB3"), desk.seat("AA2"), desk.at).quietForSeconds,
+            std::nullopt);
+  desk.pass(1);
+  EXPECT_EQ(agentView(desk.board, desk.seat("BB3"), desk.seat("AA2"), desk.at).quietForSeconds,
+            600);
+}
+
+TEST(Views, AnAgentThatListensAndHoldsNothingIsIdle) {
+  Desk desk;
+  const auto roster = [&] {
+    return agentView(desk.board, desk.seat("BB3"), desk.seat("AA2"), desk.at);
+  };
+  desk.ask("BB3", "heartbeat", R"("waiting":true,"standDown":true)");
+  EXPECT_TRUE(roster().idle);
+  EXPECT_TRUE(roster().stoodDown);
+  desk.claim("BB3", desk.add("one"));
+  EXPECT_FALSE(roster().idle);
+  EXPECT_FALSE(roster().stoodDown) << "it has taken something up";
+  EXPECT_EQ(roster().activeClaims, 1);
+}
+
+TEST(Views, ThePlanTellsOfTheOthersHere) {
+  Desk desk({"AA2", "BB3", "CC4"});
+  desk.sit("DD5");
+  EXPECT_EQ(planView(desk.board, desk.seat("AA2")).otherLocalAgents, 2);
+  EXPECT_EQ(audienceFor(desk.board, desk.seat("AA2")).otherLocalAgents, 2);
+  EXPECT_FALSE(audienceFor(desk.board, desk.seat("AA2")).shared);
+}
+
+TEST(Obligations, AreClearWhenNothingIsOpen) {
+  Desk desk;
+  desk.add("one");
+  EXPECT_TRUE(desk.owed("AA2").clear);
+  desk.sit("CC4");
+  EXPECT_TRUE(desk.owed("CC4").clear) << "nobody is there to owe anything";
+}
+
+TEST(Obligations, AHeldTaskIsOwedAndAskedAboutOnlyAfterAWhile) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  EXPECT_THAT(desk.owed("BB3").tasksHeld, ElementsAre(id));
+  EXPECT_FALSE(desk.owed("BB3").clear);
+  EXPECT_THAT(desk.owed("BB3").idleHeld, IsEmpty());
+  desk.pass(301);
+  ASSERT_EQ(desk.owed("BB3").idleHeld.size(), 1u);
+  EXPECT_TRUE(desk.owed("BB3").idleHeld.front().wroteNothingSinceClaim);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"at it")");
+  EXPECT_THAT(desk.owed("BB3").idleHeld, IsEmpty());
+}
+
+TEST(Obligations, ASummaryGoesStaleWithProgressAndIsRefreshed) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  const auto progress = [&] { desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"more")"); };
+  progress();
+  progress();
+  EXPECT_THAT(desk.owed("BB3").staleSummaries, IsEmpty());
+  progress();
+  ASSERT_EQ(desk.owed("BB3").staleSummaries.size(), 1u);
+  EXPECT_EQ(desk.owed("BB3").staleSummaries.front().summaryBehindBy, 3);
+  desk.ask("BB3", "comment_task", Desk::on(id) + R"(,"summary":"nearly there")");
+  EXPECT_THAT(desk.owed("BB3").staleSummaries, IsEmpty());
+}
+
+TEST(Obligations, ATagIsOwedUntilItsBearerComments) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"see?","tags":["BB3"])");
+  EXPECT_THAT(desk.owed("BB3").mentionsToAnswer, ElementsAre(id));
+  EXPECT_TRUE(desk.view("BB3", id).mentionsYou);
+  EXPECT_FALSE(desk.view("AA2", id).mentionsYou);
+  desk.ask("BB3", "comment_task", Desk::on(id) + R"(,"note":"I see")");
+  EXPECT_TRUE(desk.owed("BB3").clear);
+}
+
+TEST(Obligations, ABlockerStaysOpenBeyondTheClaim) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+  desk.ask("BB3", "release_task", Desk::on(id));
+  EXPECT_THAT(desk.owed("BB3").yourBlockersOpen, ElementsAre(id));
+  desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")");
+  EXPECT_TRUE(desk.owed("BB3").clear);
+}
+
+}  // namespace
+}  // namespace quillpost::board

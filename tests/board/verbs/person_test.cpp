@@ -1,0 +1,31 @@
+#include "board/verbs/person.h"
+
+#include "board/desk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpost::board {
+namespace {
+
+using ::testing::ElementsAre;
+
+TEST(Person, SpeaksToAnAgentThatIsHome) {
+  Desk desk;
+  desk.sit("CC4");
+  EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"bb3","body":"Well done")")));
+  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
+  EXPECT_EQ(desk.seat("BB3").wakes.front().summary, "The human says: Well done");
+  EXPECT_TRUE(wasRefused(desk.person(personSay, R"("to":"CC4","body":"x")"), "home"));
+  EXPECT_TRUE(wasRefused(desk.person(personSay, R"("to":"BB3","body":" ")"), "Say"));
+}
+
+TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
+  Desk desk;
+  EXPECT_TRUE(wasRefused(desk.person(personAnswer, R"("taskID":"t9","body":"x")"), "t9"));
+  EXPECT_TRUE(wasRefused(desk.person(personConfirmGoal), "no goal"));
+  EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t9"));
+}
+
+}  // namespace
+}  // namespace quillpost::board

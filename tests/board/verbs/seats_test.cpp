@@ -1,0 +1,108 @@
+#include "board/desk.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpost::board {
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+TEST(Registering, GivesAFingerprintThatLastsUntilTheAgentLeaves) {
+  Desk desk;
+  const std::string mark = desk.mark("AA2");
+  EXPECT_EQ(mark.size(), 5u);
+  EXPECT_EQ(mark.front(), '#');
+  desk.ask("AA2", "register", R"("name":"Ann","status":"at it")");
+  EXPECT_EQ(desk.mark("AA2"), mark);
+  desk.ask("AA2", "unregister");
+  const auto response = desk.ask("AA2", "register");
+  EXPECT_NE(response.agent->fingerprint, mark);
+  EXPECT_EQ(response.agent->name, "") << "another agent may sit here now";
+  EXPECT_EQ(response.agent->handle, "AA2");
+}
+
+TEST(Registering, ALongRoleIsShortenedWithAnEllipsis) {
+  Desk desk;
+  const std::string role(121, 'r');
+  desk.ask("AA2", "register", text::cat(R"("role":")", role, "\""));
+  EXPECT_EQ(desk.seat("AA2").role, std::string(119, 'r') + "…");
+}
+
+TEST(Registering, LeavingReturnsWhatIsHeld) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  EXPECT_THAT(desk.ask("BB3", "unregister").message.value_or(""), HasSubstr("1 claim"));
+  EXPECT_EQ(desk.task(id).state, TaskState::open);
+  EXPECT_FALSE(desk.seat("BB3").registered);
+}
+
+TEST(Messages, AreRefusedWhileTheSquadIsOffAndWhereNobodyIsHome) {
+  Desk desk;
+  desk.sit("CC4");
+  EXPECT_TRUE(wasRefused(desk.ask("AA2", "send_message", R"("to":"BB3","body":"x")"), "squad"));
+  desk.person(personSquad, R"("approve":true)");
+  EXPECT_TRUE(wasRefused(desk.ask("AA2", "send_message", R"("to":"CC4","body":"x")"), "home"));
+  EXPECT_TRUE(wasRefused(desk.ask("AA2", "send_message", R"("to":"ZZ9","body":"x")"), "ZZ9"));
+  EXPECT_TRUE(
+      wasRefused(desk.ask("AA2", "send_message", R"("to":"KQ3@laptop","body":"x")"), "device"));
+  EXPECT_TRUE(wasWritten(desk.ask("AA2", "send_message", R"("to":"BB3","body":"x")")));
+}
+
+TEST(Messages, ALongOneIsATask) {
+  Desk desk;
+  desk.person(personSquad, R"("approve":true)");
+  const auto send = [&](std::size_t length) {
+    return desk.ask("AA2", "send_message",
+                    text::cat(R"("to":"BB3","body":")", std::string(length, 'x'), "\""));
+  };
+  EXPECT_TRUE(wasWritten(send(1000)));
+  EXPECT_TRUE(wasRefused(send(1001), "add_task"));
+}
+
+TEST(Messages, ComeWithRegisterHeartbeatAndReadingButNotWithTheHeartbeatOfAWait) {
+  struct Row {
+    const char* method;
+    const char* members;
+    bool carries;
+  };
+  for (const Row& row : {Row{"register", "", true}, Row{"heartbeat", "", true},
+                         Row{"heartbeat", R"("waiting":true)", false},
+                         Row{"read_messages", "", true}, Row{"list_tasks", "", false}}) {
+    SCOPED_TRACE(text::cat(row.method, row.members));
+    Desk desk;
+    desk.person(personSquad, R"("approve":true)");
+    desk.ask("AA2", "send_message", R"("to":"BB3","body":"x")");
+    EXPECT_EQ(desk.ask("BB3", row.method, row.members).messages.has_value(), row.carries);
+  }
+}
+
+TEST(Messages, AnEmptyInboxSaysSo) {
+  EXPECT_EQ(Desk().ask("AA2", "read_messages").message, "Your inbox is empty.");
+}
+
+TEST(WakeQuery, IsPendingWhileAWakeOrAMessageIs) {
+  Desk desk;
+  EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, false);
+  leaveMessage(desk.board, desk.seat("BB3"), {0, "AA2", "", "x", 0});
+  EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true);
+  EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true) << "asking takes nothing";
+}
+
+TEST(Agents, ThoseWhoAreHereAndTheTerminalsWithNobodyHome) {
+  Desk desk;
+  desk.sit("CC4");
+  const auto response = desk.ask("AA2", "list_agents");
+  ASSERT_EQ(response.agents->size(), 2u);
+  EXPECT_TRUE(response.agents->front().isSelf);
+  EXPECT_FALSE(response.agents->back().isSelf);
+  ASSERT_EQ(response.panes->size(), 1u);
+  EXPECT_EQ(response.panes->front().handle, "CC4");
+  EXPECT_EQ(response.squad->mode, "off");
+  EXPECT_THAT(*response.squad->helpers, IsEmpty());
+}
+
+}  // namespace
+}  // namespace quillpost::board

@@ -1,0 +1,174 @@
+#include "mcp/catalogue.h"
+
+#include "harness/json_object.h"
+#include "tools/tool_name.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <set>
+
+namespace quillpost {
+namespace {
+
+using Profile = TeamworkClientProfile::Profile;
+using testing::memberOf;
+using testing::objectFrom;
+
+const json::TreeObject& toolNamed(const json::TreeObject& list, std::string_view name) {
+  for (const json::Tree& tool : list.at("tools").as_array())
+    if (json::findText(tool.as_object(), "name") == name) return tool.as_object();
+  ADD_FAILURE() << "no tool " << name;
+  return list;
+}
+
+const json::TreeObject& schemaOf(const json::TreeObject& list, std::string_view name) {
+  return toolNamed(list, name).at("inputSchema").as_object();
+}
+
+std::string descriptionOf(Profile profile, std::string_view name) {
+  const json::TreeObject list = objectFrom(toolListResult(profile));
+  return std::string(json::findText(toolNamed(list, name), "description").value_or(""));
+}
+
+/// The ending of the wait's description that the golden file holds under a name.
+std::string goldenEnding(std::string_view name) {
+  std::ifstream in(QUILLPOST_TESTS_DIR "/golden/tool_endings.golden");
+  for (std::string line; std::getline(in, line);)
+    if (line.starts_with(std::string(name) + "\t")) return line.substr(name.size() + 1);
+  ADD_FAILURE() << "no ending " << name;
+  return {};
+}
+
+TEST(Catalogue, ListsEveryToolInOrder) {
+  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
+  EXPECT_EQ(list.size(), 1u);
+  const boost::json::array& tools = list.at("tools").as_array();
+  ASSERT_EQ(tools.size(), listedTools.size());
+  for (std::size_t i = 0; i < tools.size(); ++i)
+    EXPECT_EQ(json::findText(tools[i].as_object(), "name"), listedTools[i]);
+}
+
+TEST(Catalogue, GivesEachToolThreeMembersAndAClosedSchema) {
+  const json::TreeObject list = objectFrom(toolListResult(Profile::claude));
+  for (const json::Tree& tree : list.at("tools").as_array()) {
+    const json::TreeObject& tool = tree.as_object();
+    const std::string name(json::findText(tool, "name").value_or("?"));
+    std::set<std::string> members;
+    for (const auto& member : tool) members.emplace(member.key());
+    EXPECT_EQ(members, (std::set<std::string>{"name", "description", "inputSchema"})) << name;
+    const json::TreeObject& schema = tool.at("inputSchema").as_object();
+    EXPECT_EQ(memberOf(schema, "type"), R"("object")") << name;
+    EXPECT_EQ(memberOf(schema, "additionalProperties"), "false") << name;
+    ASSERT_TRUE(schema.at("properties").is_object()) << name;
+    EXPECT_EQ(schema.size(), schema.contains("required") ? 4u : 3u) << name;
+    for (const auto& property : schema.at("properties").as_object()) {
+      const json::TreeObject& value = property.value().as_object();
+      EXPECT_TRUE(json::findText(value, "description")) << name << "." << property.key();
+      const bool isList = memberOf(value, "type") == R"("array")";
+      EXPECT_EQ(memberOf(value, "items"), isList ? R"({"type":"string"})" : "absent")
+          << name << "." << property.key();
+    }
+  }
+}
+
+TEST(Catalogue, WritesEmptyAndSharedSchemasAsTheyAre) {
+  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
+  for (const std::string_view name : {"unregister", "list_agents", "read_messages"})
+    EXPECT_EQ(memberOf(toolNamed(list, name), "inputSchema"),
+              R"({"type":"object","properties":{},"additionalProperties":false})")
+        << name;
+  for (const std::string_view name : {"claim_task", "watch_task", "unwatch_task"})
+    EXPECT_EQ(memberOf(toolNamed(list, name), "inputSchema"),
+              R"({"type":"object","properties":{"taskID":{"type":"string",)"
+              R"("description":"The task id as returned by list_tasks."}},)"
+              R"("required":["taskID"],"additionalProperties":false})")
+        << name;
+}
+
+TEST(Catalogue, NamesWhatIsRequiredInTheOrderOfTheProperties) {
+  struct Row {
+    std::string_view tool, required;
+  };
+  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
+  for (const Row& row : {
+           Row{"register", "absent"},
+           Row{"wait_for_changes", "absent"},
+           Row{"request_hands", "absent"},
+           Row{"add_task", R"(["title"])"},
+           Row{"complete_task", R"(["taskID","summary"])"},
+           Row{"verify_task", R"(["taskID","approve"])"},
+           Row{"open_discussion", R"(["question"])"},
+           Row{"suggest_helper", R"(["command","explanation"])"},
+       }) {
+    EXPECT_EQ(memberOf(schemaOf(list, row.tool), "required"), row.required) << row.tool;
+  }
+}
+
+TEST(Catalogue, ListsClosedSetsInOrder) {
+  struct Row {
+    std::string_view tool, property, choices;
+  };
+  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
+  for (const Row& row : {
+           Row{"add_task", "type", R"(["bug","feature","chore","research"])"},
+           Row{"update_task", "type", R"(["bug","feature","chore","research",""])"},
+           Row{"update_task", "blockerKind",
+               R"(["decision","approval","secret","review","respond"])"},
+           Row{"list_tasks", "include", R"(["active","all"])"},
+           Row{"update_task", "blocked", "absent"},
+           Row{"update_task", "waitsOn", "absent"},
+       }) {
+    const json::TreeObject& properties = schemaOf(list, row.tool).at("properties").as_object();
+    EXPECT_EQ(memberOf(properties.at(row.property).as_object(), "enum"), row.choices)
+        << row.tool << "." << row.property;
+  }
+}
+
+TEST(Catalogue, NamesTheKindOfEachProperty) {
+  struct Row {
+    std::string_view tool, property, type;
+  };
+  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
+  for (const Row& row : {
+           Row{"read_plan", "offset", R"("integer")"},
+           Row{"update_task", "blocked", R"("boolean")"},
+           Row{"update_task", "waitsOn", R"("array")"},
+           Row{"update_task", "progress", R"("string")"},
+       }) {
+    const json::TreeObject& properties = schemaOf(list, row.tool).at("properties").as_object();
+    EXPECT_EQ(memberOf(properties.at(row.property).as_object(), "type"), row.type) << row.property;
+  }
+}
+
+TEST(Catalogue, EndsTheWaitByTheClient) {
+  const std::string longEnding = goldenEnding("waitEndingForClaude");
+  const std::string shortEnding = goldenEnding("waitEndingForOthers");
+  for (const Profile profile :
+       {Profile::claude, Profile::codex, Profile::antigravity, Profile::cursor, Profile::unknown}) {
+    const bool isLong = profile == Profile::claude;
+    EXPECT_EQ(hasLongWaitEnding(profile), isLong);
+    const std::string description = descriptionOf(profile, "wait_for_changes");
+    EXPECT_TRUE(description.ends_with(". " + (isLong ? longEnding : shortEnding))) << description;
+    EXPECT_EQ(description.find(isLong ? shortEnding : longEnding), std::string::npos);
+  }
+}
+
+TEST(Catalogue, DependsOnTheClientInNothingElse) {
+  const json::TreeObject one = objectFrom(toolListResult(Profile::claude));
+  const json::TreeObject other = objectFrom(toolListResult(Profile::unknown));
+  for (const std::string_view name : listedTools) {
+    if (name == waitForChanges) continue;
+    EXPECT_EQ(toolNamed(one, name), toolNamed(other, name)) << name;
+  }
+  EXPECT_EQ(schemaOf(one, waitForChanges), schemaOf(other, waitForChanges));
+  EXPECT_EQ(toolListResult(Profile::codex), toolListResult(Profile::cursor));
+}
+
+TEST(Catalogue, NeverListsTheOtherNameOfTheWait) {
+  for (const Profile profile : {Profile::claude, Profile::unknown})
+    EXPECT_EQ(toolListResult(profile).find("wait_for_tasks"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace quillpost
