@@ -2,6 +2,7 @@
 // and what becomes of the conversation. broken_calls/preload.c stands between the two.
 
 #include "base/text.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -80,7 +81,7 @@ class BrokenCalls : public ::testing::Test {
     environment["QUILLPOST_FAULTS_LOG"] = home.pathOf("log");
     const std::size_t before = app.requests().size();
     Ending ending;
-    Process process({QUILLPOST_PROGRAM, std::move(arguments), std::move(environment)});
+    Process process({testing::seatProgram(), std::move(arguments), std::move(environment)});
     process.write(input);
     process.closeInput();
     ending.status = process.waitForExit();

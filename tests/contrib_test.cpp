@@ -3,6 +3,7 @@
 
 #include "base/text.h"
 #include "contrib/toml.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -39,7 +40,7 @@ constexpr std::string_view hookLine =
     "keep listening";
 
 std::string contribFile(std::string_view name) {
-  return readFile(text::cat(QUILLPOST_SOURCE_DIR "/contrib/", name));
+  return readFile(testing::inSources(text::cat("contrib/", name)));
 }
 
 std::string replaced(std::string whole, std::string_view old, std::string_view fresh) {
@@ -51,8 +52,8 @@ std::string replaced(std::string whole, std::string_view old, std::string_view f
 
 /// A command with the installed paths replaced by those of the build and of the sources.
 std::string here(std::string command) {
-  return replaced(replaced(std::move(command), program, QUILLPOST_PROGRAM), shared,
-                  QUILLPOST_SOURCE_DIR "/contrib/");
+  return replaced(replaced(std::move(command), program, testing::seatProgram()), shared,
+                  testing::inSources("contrib/"));
 }
 
 /// A value in a JSON file by its path of keys and list positions; null when there is none.

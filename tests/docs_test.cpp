@@ -8,6 +8,7 @@
 #include "docs/protocol_page.h"
 #include "docs/tools_page.h"
 #include "harness/golden.h"
+#include "harness/paths.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -22,7 +23,7 @@ namespace {
 using testing::matchesGolden;
 using testing::readFile;
 
-std::string pathOf(std::string_view page) { return text::cat(QUILLPOST_SOURCE_DIR "/docs/", page); }
+std::string pathOf(std::string_view page) { return testing::inSources(text::cat("docs/", page)); }
 
 TEST(Docs, TheProtocolPageIsWhatTheFieldTablesSay) {
   const std::string path = pathOf("protocol.md");

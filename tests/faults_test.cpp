@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "base/unique_fd.h"
 #include "harness/golden.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -54,11 +55,11 @@ class Faults : public ::testing::Test {
             {"QUILLPOST_COLLAB_SOCKET", app.path()}};
   }
 
-  Command server() const { return {QUILLPOST_PROGRAM, {}, seat()}; }
+  Command server() const { return {testing::seatProgram(), {}, seat()}; }
 
   /// A shell that becomes, or starts, the program it gets as "$0".
   Command shell(const std::string& script, const std::string& argument = "") const {
-    return {"/bin/sh", {"-c", script, QUILLPOST_PROGRAM, argument}, seat()};
+    return {"/bin/sh", {"-c", script, testing::seatProgram(), argument}, seat()};
   }
 
   TempDir home;

@@ -1,6 +1,7 @@
 // What the program's file says of itself: that it is loaded anywhere, that nothing in it is both
 // writable and executable, and that it was compiled to notice when something goes out of bounds.
 
+#include "harness/paths.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ class Hardening : public ::testing::Test {
     return count;
   }
 
-  const std::string file = testing::readFile(QUILLPOST_PROGRAM);
+  const std::string file = testing::readFile(testing::seatProgram());
 };
 
 TEST_F(Hardening, ItIsLoadedAnywhere) {

@@ -2,6 +2,7 @@
 // build that runs the tests is the one that is installed and packed.
 
 #include "base/text.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/temp_dir.h"
 
@@ -35,7 +36,7 @@ using testing::TempDir;
 constexpr Duration packingPatience = std::chrono::seconds(110);
 
 std::string buildDirectory() {
-  return std::filesystem::path(QUILLPOST_PROGRAM).parent_path().string();
+  return std::filesystem::path(testing::seatProgram()).parent_path().string();
 }
 
 /// A tool as the build system found it; its plain name when it did not say.

@@ -1,6 +1,7 @@
 // Each promise of SECURITY.md names tests, and those tests exist.
 
 #include "base/text.h"
+#include "harness/paths.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ struct Promise {
 /// Every "Suite.Name" that some file of the tests defines.
 std::set<std::string> testNames() {
   std::set<std::string> names;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(QUILLPOST_TESTS_DIR)) {
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(testing::inTests(""))) {
     if (!entry.path().string().ends_with("_test.cpp")) continue;
     const std::string file = testing::readFile(entry.path().string());
     for (const std::string_view line : text::split(file, '\n')) {
@@ -58,7 +59,7 @@ std::vector<Promise> promisesOf(std::string_view page) {
 
 TEST(Security, EachPromiseNamesTestsThatExist) {
   const std::set<std::string> names = testNames();
-  const std::string page = testing::readFile(QUILLPOST_SOURCE_DIR "/SECURITY.md");
+  const std::string page = testing::readFile(testing::inSources("SECURITY.md"));
   const std::vector<Promise> promises = promisesOf(page);
   EXPECT_GT(promises.size(), 20U);
   for (const Promise& promise : promises) {
@@ -69,7 +70,7 @@ TEST(Security, EachPromiseNamesTestsThatExist) {
 }
 
 TEST(Security, NothingIsPromisedOutsideTheTables) {
-  const std::string page = testing::readFile(QUILLPOST_SOURCE_DIR "/SECURITY.md");
+  const std::string page = testing::readFile(testing::inSources("SECURITY.md"));
   const std::size_t firstTable = page.find("\n## ");
   ASSERT_NE(firstTable, std::string::npos);
   for (const std::string_view line : text::split(std::string_view(page).substr(firstTable), '\n'))

@@ -4,6 +4,7 @@
 #include "base/text.h"
 #include "base/unique_fd.h"
 #include "bridge/unix_socket.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/temp_dir.h"
 
@@ -146,7 +147,7 @@ bool makeWait(Process& process, int64_t number) {
 TEST(Soak, ALongDayLeavesNothingBehindAndMixesNothingUp) {
   const TempDir home;
   const TirelessApp app(home.pathOf("a.sock"));
-  Process process({QUILLPOST_PROGRAM,
+  Process process({testing::seatProgram(),
                    {},
                    {{"HOME", home.path()},
                     {"QUILLPOST_SESSION_ID", "S1"},

@@ -1,6 +1,7 @@
 // The house rules that can be checked, held against the whole tree; and each rule held against
 // small trees that break it or keep it. A finding is printed as file:line: what is wrong.
 
+#include "harness/paths.h"
 #include "tidy/rules.h"
 #include "tidy/source.h"
 
@@ -20,7 +21,7 @@ static void PrintTo(const Rule& rule, std::ostream* out) { *out << rule.name; }
 namespace {
 
 const Tree& wholeTree() {
-  static const Tree tree = readTree(QUILLPOST_SOURCE_DIR);
+  static const Tree tree = readTree(testing::inSources(""));
   return tree;
 }
 

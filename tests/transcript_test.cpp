@@ -19,6 +19,7 @@
 
 #include "base/text.h"
 #include "harness/golden.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/sections.h"
 #include "harness/temp_dir.h"
@@ -41,9 +42,7 @@ namespace {
 constexpr std::string_view soFar = R"({"jsonrpc":"2.0","result":{},"id":"answered so far"})";
 constexpr std::string_view askSoFar = R"({"id":"answered so far","method":"ping"})";
 
-std::filesystem::path transcriptFolder() {
-  return std::filesystem::path(QUILLPOST_TESTS_DIR) / "transcripts";
-}
+std::filesystem::path transcriptFolder() { return testing::inTests("transcripts"); }
 
 std::vector<std::string> transcriptNames() {
   std::vector<std::string> names;
@@ -97,7 +96,7 @@ void Conversation::prepare() {
 }
 
 SectionFile Conversation::play() {
-  Command command = {QUILLPOST_PROGRAM, linesOf(script_.body("arguments")), {}};
+  Command command = {testing::seatProgram(), linesOf(script_.body("arguments")), {}};
   for (const std::string& line : linesOf(script_.body("env"))) {
     const std::size_t equals = std::min(line.find('='), line.size());
     command.environment[line.substr(0, equals)] = expand(line.substr(equals + 1));

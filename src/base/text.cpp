@@ -39,15 +39,6 @@ std::vector<std::string_view> split(std::string_view whole, char separator) {
   return pieces;
 }
 
-std::string join(std::span<const std::string> pieces, std::string_view separator) {
-  std::string out;
-  for (const std::string& piece : pieces) {
-    if (&piece != pieces.data()) out.append(separator);
-    out.append(piece);
-  }
-  return out;
-}
-
 std::optional<int64_t> parseInteger(std::string_view digits) {
   // The library reads "-5" but not "+5", and must not be handed the rest of "+-5".
   if (digits.starts_with('+')) {

@@ -5,8 +5,8 @@
 
 #include <concepts>
 #include <cstdint>
+#include <functional>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <type_traits>
@@ -59,8 +59,18 @@ inline std::string lowered(std::string_view whole) {
 /// The pieces between the separators, empty ones kept: always at least one.
 std::vector<std::string_view> split(std::string_view whole, char separator);
 
-/// The pieces with `separator` between them; empty when there are none.
-std::string join(std::span<const std::string> pieces, std::string_view separator);
+/// What `textOf` gives for each piece, with `separator` between them; empty when there are none.
+template <class Pieces, class TextOf = std::identity>
+std::string join(const Pieces& pieces, std::string_view separator, TextOf textOf = {}) {
+  std::string out;
+  std::string_view between;
+  for (const auto& piece : pieces) {
+    out.append(between);
+    append(out, std::invoke(textOf, piece));
+    between = separator;
+  }
+  return out;
+}
 
 /// A whole decimal integer: an optional "+" or "-", then digits only. Nothing when `digits` has
 /// anything else, no digit at all, or a value outside 64 bits.

@@ -107,6 +107,17 @@ class Object {
   /// Adds a value that is JSON text already.
   Object& addJson(std::string_view key, std::string_view json);
 
+  /// Adds an array with one object for each item, in their order: `addMembers(object, item)` fills
+  /// it.
+  template <class Items, class AddMembers>
+  Object& list(std::string_view key, const Items& items, AddMembers addMembers);
+  /// Adds an object that `addMembers(object)` fills.
+  template <class AddMembers>
+  Object& object(std::string_view key, AddMembers addMembers);
+  /// Adds an array that `addElements(array)` fills.
+  template <class AddElements>
+  Object& array(std::string_view key, AddElements addElements);
+
   /// Opens a child, which must close before anything else is added here.
   Object object(std::string_view key);
   Array array(std::string_view key);
@@ -140,6 +151,16 @@ class Array {
   /// Adds an element that is JSON text already.
   Array& addJson(std::string_view json);
 
+  /// Adds one object for each item, in their order: `addMembers(object, item)` fills it.
+  template <class Items, class AddMembers>
+  Array& list(const Items& items, AddMembers addMembers) {
+    for (const auto& item : items) {
+      Object child = object();
+      addMembers(child, item);
+    }
+    return *this;
+  }
+
   /// Opens a child, which must close before anything else is added here.
   Object object();
 
@@ -152,5 +173,39 @@ class Array {
   Nesting nesting_;
   bool empty_ = true;
 };
+
+template <class Items, class AddMembers>
+Object& Object::list(std::string_view key, const Items& items, AddMembers addMembers) {
+  array(key).list(items, addMembers);
+  return *this;
+}
+
+template <class AddMembers>
+Object& Object::object(std::string_view key, AddMembers addMembers) {
+  Object child = object(key);
+  addMembers(child);
+  return *this;
+}
+
+template <class AddElements>
+Object& Object::array(std::string_view key, AddElements addElements) {
+  Array child = array(key);
+  addElements(child);
+  return *this;
+}
+
+/// Appends an object that `addMembers(object)` fills.
+template <class Text, class AddMembers>
+void appendObject(Text& out, AddMembers addMembers) {
+  Object object(out);
+  addMembers(object);
+}
+
+/// Appends an array with one object for each item, in their order: `addMembers(object, item)` fills
+/// it.
+template <class Text, class Items, class AddMembers>
+void appendList(Text& out, const Items& items, AddMembers addMembers) {
+  Array(out).list(items, addMembers);
+}
 
 }  // namespace quillpost::json

@@ -98,12 +98,10 @@ class ResourceConflicts {
 
 void addTaskList(json::Object& out, std::string_view key, const Tasks& tasks,
                  const ResourceConflicts& conflicts) {
-  json::Array list = out.array(key);
-  for (const TeamworkTask* task : tasks) {
-    json::Object object = list.object();
+  out.list(key, tasks, [&](json::Object& object, const TeamworkTask* task) {
     addTask(object, *task);
     conflicts.addTo(object, *task);
-  }
+  });
 }
 
 std::string hintFor(const Buckets& buckets, const BriefingView& view) {

@@ -7,20 +7,13 @@ namespace quillpost {
 
 void addDelivery(json::Object& out, std::span<const TeamworkSquadMessage> messages) {
   if (messages.empty()) return;
-  {
-    json::Array list = out.array("messages");
-    addMessages(list, messages);
-  }
-  out.add("messagesNote", texts::messagesNote);
+  out.list("messages", messages, addMessage).add("messagesNote", texts::messagesNote);
 }
 
 void appendDelivery(json::EscapedText& out, std::span<const TeamworkSquadMessage> messages) {
   if (messages.empty()) return;
   out.append("\n\n");
-  {
-    json::Array list(out);
-    addMessages(list, messages);
-  }
+  json::appendList(out, messages, addMessage);
   out.append("\n\n").append(texts::messagesNote);
 }
 

@@ -22,10 +22,7 @@ void addDiscussion(json::Object& out, const TeamworkDiscussion& discussion) {
   out.add("id", discussion.id).add("state", discussion.state);
   out.add("question", discussion.question);
   out.add("addressedTo", discussion.addressedTo);
-  {
-    json::Array volleys = out.array("volleys");
-    addVolleys(volleys, discussion);
-  }
+  out.array("volleys", [&](json::Array& volleys) { addVolleys(volleys, discussion); });
   out.add("owingParties", discussion.owingParties);
   out.add("yourTurn", discussion.yourTurn);
   out.add("volleysSinceHuman", discussion.volleysSinceHuman);

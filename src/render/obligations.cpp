@@ -45,24 +45,25 @@ std::string undeliveredNote(const Audience& audience) {
                                                     : texts::undeliveredLocalAgents);
 }
 
-void addDebates(json::Object& out, std::string_view key,
-                const std::vector<TeamworkObligations::DebateRef>& debates) {
-  if (debates.empty()) return;
-  json::Array list = out.array(key);
-  for (const TeamworkObligations::DebateRef& debate : debates) {
-    json::Object object = list.object();
-    object.add("discussionID", debate.discussionID);
-    object.add("question", debate.question).add("counterpart", debate.counterpart);
-    if (debate.taskID) {
-      object.add("taskID", *debate.taskID);
-    } else {
-      object.add("scope", "board");
-    }
-  }
+/// Adds a list that is worth a member only when it holds something.
+template <class Items, class AddMembers>
+void addUnlessEmpty(json::Object& out, std::string_view key, const Items& items,
+                    AddMembers addMembers) {
+  if (!items.empty()) out.list(key, items, addMembers);
 }
 
 void addTaskIDs(json::Object& out, std::string_view key, const std::vector<std::string>& taskIDs) {
   if (!taskIDs.empty()) out.add(key, taskIDs);
+}
+
+void addDebate(json::Object& out, const TeamworkObligations::DebateRef& debate) {
+  out.add("discussionID", debate.discussionID);
+  out.add("question", debate.question).add("counterpart", debate.counterpart);
+  if (debate.taskID) {
+    out.add("taskID", *debate.taskID);
+  } else {
+    out.add("scope", "board");
+  }
 }
 
 void addHeldTask(json::Object& out, const TeamworkObligations::HeldRef& held,
@@ -83,28 +84,6 @@ void addUndelivered(json::Object& out, const TeamworkObligations::UndeliveredRef
     out.add("state", texts::writeRefused).add("do", texts::redoOrSayWhy);
   } else {
     out.add("state", texts::writeQueued).add("do", undeliveredNote(audience));
-  }
-}
-
-void addHeldTasks(json::Object& out, std::string_view key,
-                  const std::vector<TeamworkObligations::HeldRef>& tasks,
-                  const Audience& audience) {
-  if (tasks.empty()) return;
-  json::Array list = out.array(key);
-  for (const TeamworkObligations::HeldRef& held : tasks) {
-    json::Object object = list.object();
-    addHeldTask(object, held, audience);
-  }
-}
-
-void addUndeliveredWrites(json::Object& out,
-                          const std::vector<TeamworkObligations::UndeliveredRef>& writes,
-                          const Audience& audience) {
-  if (writes.empty()) return;
-  json::Array list = out.array("undelivered");
-  for (const TeamworkObligations::UndeliveredRef& write : writes) {
-    json::Object object = list.object();
-    addUndelivered(object, write, audience);
   }
 }
 
@@ -133,14 +112,21 @@ void addObligations(json::Object& out, const TeamworkObligations& obligations,
                     const std::optional<TeamworkAudience>& audience) {
   out.add("clear", obligations.clear);
   if (obligations.clear) return;
-  addDebates(out, "oweReply", obligations.oweReply);
-  addDebates(out, "awaitingReply", obligations.awaitingReply);
+  const auto addHeld = [&](json::Object& object, const TeamworkObligations::HeldRef& held) {
+    addHeldTask(object, held, audience);
+  };
+  const auto addWrite = [&](json::Object& object,
+                            const TeamworkObligations::UndeliveredRef& write) {
+    addUndelivered(object, write, audience);
+  };
+  addUnlessEmpty(out, "oweReply", obligations.oweReply, addDebate);
+  addUnlessEmpty(out, "awaitingReply", obligations.awaitingReply, addDebate);
   addTaskIDs(out, "yourBlockersOpen", obligations.yourBlockersOpen);
   addTaskIDs(out, "mentionsToAnswer", obligations.mentionsToAnswer);
   addTaskIDs(out, "tasksHeld", obligations.tasksHeld);
-  addHeldTasks(out, "staleSummaries", obligations.staleSummaries, audience);
-  addHeldTasks(out, "idleHeld", obligations.idleHeld, audience);
-  addUndeliveredWrites(out, obligations.undelivered, audience);
+  addUnlessEmpty(out, "staleSummaries", obligations.staleSummaries, addHeld);
+  addUnlessEmpty(out, "idleHeld", obligations.idleHeld, addHeld);
+  addUnlessEmpty(out, "undelivered", obligations.undelivered, addWrite);
 }
 
 bool areClear(const std::optional<TeamworkObligations>& obligations) {

@@ -32,11 +32,7 @@ void addPlan(json::Object& out, const TeamworkPlan& plan, const Page& goalPage) 
   out.addIf("goalComplete", plan.goalComplete);
   out.addIf("pendingGoalComplete", plan.pendingGoalComplete);
   out.addText("charter", plan.charter);
-  json::Array discussions = out.array("discussions");
-  for (const TeamworkDiscussion& discussion : plan.discussions) {
-    json::Object child = discussions.object();
-    addDiscussion(child, discussion);
-  }
+  out.list("discussions", plan.discussions, addDiscussion);
 }
 
 std::string nextStep(const TeamworkPlan& plan,

@@ -9,17 +9,13 @@
 namespace quillpost {
 namespace {
 
-void addRules(json::Object& out) {
-  json::Array rules = out.array("rules");
-  for (const std::string_view rule : texts::rules) rules.add(rule);
+void addRules(json::Array& out) {
+  for (const std::string_view rule : texts::rules) out.add(rule);
 }
 
 void addSquadNotes(json::Object& out, const std::optional<TeamworkSquadState>& squad) {
   if (!squad) return;
-  {
-    json::Object child = out.object("squad");
-    addSquad(child, *squad);
-  }
+  out.object("squad", [&](json::Object& child) { addSquad(child, *squad); });
   out.add("squadNote", squadParagraph(squad->mode));
   out.add("helpersNote", helpersHereParagraph(squad));
 }
@@ -31,7 +27,7 @@ void addRegistration(json::Object& out, const std::optional<TeamworkSquadState>&
   out.add("nextStep", texts::registeredNextStep);
   out.add("protocol", texts::boardProtocol);
   out.add("access", texts::access);
-  addRules(out);
+  out.array("rules", addRules);
   // What waits cost is said at length in the description of the tool that waits, for this client
   // alone.
   const bool toldElsewhere = state.clientProfile == TeamworkClientProfile::Profile::claude;

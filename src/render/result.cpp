@@ -39,49 +39,45 @@ void appendParagraph(json::EscapedText& out, std::optional<std::string_view> par
 }
 
 /// A text result with what is owed at its end.
-json::EscapedText closed(json::EscapedText text, const Answer& answer) {
+json::EscapedText withOwed(json::EscapedText text, const Answer& answer) {
   text.append(obligationsSuffix(answer.response.obligations));
   return text;
 }
 
-json::EscapedText closed(std::string_view text, const Answer& answer) {
-  return closed(json::EscapedText(text), answer);
+json::EscapedText withOwed(std::string_view text, const Answer& answer) {
+  return withOwed(json::EscapedText(text), answer);
 }
 
-/// Adds what is owed, the last member of an object.
-void addOwed(json::Object& out, const Answer& answer) {
-  if (!answer.response.obligations) return;
-  json::Object child = out.object("obligations");
-  addObligations(child, *answer.response.obligations, answer.state.lastAudience);
-}
-
-json::EscapedText composeRegistered(const Answer& answer) {
-  const auto& [response, request, state] = answer;
-  if (!response.agent) return closed(texts::registered, answer);
+/// An object with what is owed as its last member, the others added by `addMembers(object)`.
+template <class AddMembers>
+json::EscapedText objectWithOwed(const Answer& answer, AddMembers addMembers) {
+  const std::optional<TeamworkObligations>& owed = answer.response.obligations;
   json::EscapedText out;
-  {
-    json::Object object(out);
-    addAgent(object, *response.agent);
-    if (request.tool == registerTool.text) addRegistration(object, response.squad, state);
-    if (response.messages) addDelivery(object, *response.messages);
-    addOwed(object, answer);
-  }
+  json::appendObject(out, [&](json::Object& object) {
+    addMembers(object);
+    if (!owed) return;
+    json::Object child = object.object("obligations");
+    addObligations(child, *owed, answer.state.lastAudience);
+  });
   return out;
 }
 
-void appendAgents(json::EscapedText& out, const std::optional<std::vector<TeamworkAgent>>& agents) {
-  json::Array list(out);
-  if (!agents) return;
-  for (const TeamworkAgent& agent : *agents) {
-    json::Object child = list.object();
-    addAgent(child, agent);
-  }
+json::EscapedText composeRegistered(const Answer& answer) {
+  const TeamworkResponse& response = answer.response;
+  if (!response.agent) return withOwed(texts::registered, answer);
+  return objectWithOwed(answer, [&](json::Object& object) {
+    addAgent(object, *response.agent);
+    if (answer.request.tool == registerTool.text)
+      addRegistration(object, response.squad, answer.state);
+    if (response.messages) addDelivery(object, *response.messages);
+  });
 }
 
 json::EscapedText composeAgents(const Answer& answer) {
   const TeamworkResponse& response = answer.response;
   json::EscapedText out;
-  appendAgents(out, response.agents);
+  const std::vector<TeamworkAgent> none;
+  json::appendList(out, response.agents ? *response.agents : none, addAgent);
   if (response.squad) appendParagraph(out, squadParagraph(response.squad->mode));
   if (response.panes) appendParagraph(out, openPanesParagraph(*response.panes));
   if (response.macs) appendParagraph(out, otherDevicesParagraph(*response.macs));
@@ -90,53 +86,39 @@ json::EscapedText composeAgents(const Answer& answer) {
     appendParagraph(out,
                     helpersRunningParagraph(*response.runningHelpers, answer.state.selfHandle));
   }
-  return closed(std::move(out), answer);
+  return withOwed(std::move(out), answer);
 }
 
 json::EscapedText composeTasks(const Answer& answer) {
-  const auto& [response, request, state] = answer;
-  if (!response.tasks || response.tasks->empty()) return closed(texts::backlogEmpty, answer);
-  json::EscapedText out;
-  {
-    json::Object object(out);
+  const TeamworkResponse& response = answer.response;
+  if (!response.tasks || response.tasks->empty()) return withOwed(texts::backlogEmpty, answer);
+  return objectWithOwed(answer, [&](json::Object& object) {
     addBriefing(object, *response.tasks,
-                {.includeAll = request.includeAll,
-                 .fingerprint = state.selfFingerprint,
-                 .handle = state.selfHandle});
-    addOwed(object, answer);
-  }
-  return out;
+                {.includeAll = answer.request.includeAll,
+                 .fingerprint = answer.state.selfFingerprint,
+                 .handle = answer.state.selfHandle});
+  });
 }
 
 json::EscapedText composeTask(const Answer& answer) {
-  const auto& [response, request, state] = answer;
-  if (!response.task) return closed(texts::taskNotFound, answer);
-  json::EscapedText out;
-  {
-    json::Object object(out);
+  const TeamworkResponse& response = answer.response;
+  if (!response.task) return withOwed(texts::taskNotFound, answer);
+  return objectWithOwed(answer, [&](json::Object& object) {
     addTask(object, *response.task);
-    object.add("body", numberedBody(response.task->body, request.body));
-    {
-      json::Array log = object.array("log");
-      addLogPage(log, response.task->log, request.log);
-    }
+    object.add("body", numberedBody(response.task->body, answer.request.body));
+    object.array(
+        "log", [&](json::Array& log) { addLogPage(log, response.task->log, answer.request.log); });
     object.addText("notice", response.notice);
-    addOwed(object, answer);
-  }
-  return out;
+  });
 }
 
 json::EscapedText composePlan(const Answer& answer) {
-  const auto& [response, request, state] = answer;
-  if (!response.plan) return closed(texts::noPlan, answer);
-  json::EscapedText out;
-  {
-    json::Object object(out);
-    addPlan(object, *response.plan, request.body);
+  const TeamworkResponse& response = answer.response;
+  if (!response.plan) return withOwed(texts::noPlan, answer);
+  return objectWithOwed(answer, [&](json::Object& object) {
+    addPlan(object, *response.plan, answer.request.body);
     object.add("nextStep", nextStep(*response.plan, response.obligations));
-    addOwed(object, answer);
-  }
-  return out;
+  });
 }
 
 /// As from a wait of the whole backlog that did not time out.
@@ -147,19 +129,15 @@ json::EscapedText composeChanges(const Answer& answer) {
 }
 
 json::EscapedText composeDiscussion(const Answer& answer) {
-  const auto& [response, request, state] = answer;
-  if (!response.discussion) return closed(texts::discussionUpdated, answer);
+  const TeamworkResponse& response = answer.response;
+  if (!response.discussion) return withOwed(texts::discussionUpdated, answer);
   const TeamworkDiscussion& discussion = *response.discussion;
-  json::EscapedText out;
-  {
-    json::Object object(out);
+  return objectWithOwed(answer, [&](json::Object& object) {
     addDiscussion(object, discussion);
     object.add("nextStep",
-               discussionHint(request.tool, discussion.id, !discussion.taskID.has_value()));
+               discussionHint(answer.request.tool, discussion.id, !discussion.taskID.has_value()));
     object.addText("note", response.message).addText("notice", response.notice);
-    addOwed(object, answer);
-  }
-  return out;
+  });
 }
 
 json::EscapedText composeWritten(const Answer& answer) {
@@ -168,21 +146,21 @@ json::EscapedText composeWritten(const Answer& answer) {
   if (response.messages) appendDelivery(out, *response.messages);
   appendParagraph(out, response.notice);
   appendParagraph(out, nextHint(answer.request.tool));
-  return closed(std::move(out), answer);
+  return withOwed(std::move(out), answer);
 }
 
 json::EscapedText composeEmpty(const Answer& answer) {
   const auto& [response, request, state] = answer;
-  if (response.message && !response.message->empty()) return closed(*response.message, answer);
+  if (response.message && !response.message->empty()) return withOwed(*response.message, answer);
   const texts::EmptyAnswer* const row =
       std::ranges::find(texts::emptyAnswers, request.tool, &texts::EmptyAnswer::tool);
-  if (row != std::end(texts::emptyAnswers)) return closed(row->text, answer);
-  return closed(texts::nothingToShow(request.tool), answer);
+  if (row != std::end(texts::emptyAnswers)) return withOwed(row->text, answer);
+  return withOwed(texts::nothingToShow(request.tool), answer);
 }
 
 json::EscapedText composeError(const Answer& answer) {
   const std::optional<std::string>& message = answer.response.message;
-  return closed(message ? std::string_view(*message) : texts::teamworkError, answer);
+  return withOwed(message ? std::string_view(*message) : texts::teamworkError, answer);
 }
 
 }  // namespace
@@ -207,7 +185,7 @@ json::EscapedText composeResult(const TeamworkResponse& response, const ResultRe
     case Kind::discussion:
       return composeDiscussion(answer);
     case Kind::wake:
-      return closed(texts::nothingToActOn, answer);
+      return withOwed(texts::nothingToActOn, answer);
     case Kind::written:
       return composeWritten(answer);
     case Kind::empty:

@@ -96,11 +96,7 @@ void addAgent(json::Object& out, const TeamworkAgent& agent) {
 
 std::optional<std::string> openPanesParagraph(std::span<const TeamworkPane> panes) {
   if (panes.empty()) return std::nullopt;
-  std::string handles;
-  for (const TeamworkPane& pane : panes) {
-    if (&pane != &panes.front()) handles += ", ";
-    handles += pane.handle;
-  }
+  const std::string handles = text::join(panes, ", ", &TeamworkPane::handle);
   return texts::alsoOpenHere(handles, panes.size() == 1 ? texts::onePane : texts::severalPanes);
 }
 

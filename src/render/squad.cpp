@@ -78,12 +78,8 @@ void addSquad(json::Object& out, const TeamworkSquadState& squad) {
   const std::optional<HelperCount> count = helperCount(squad);
   out.addOrNull("helpersLeft", count ? std::optional(helpersLeft(*count)) : std::nullopt);
   addLead(out, squad.lead);
-  json::Array helpers = out.array("helpers");
-  if (!squad.helpers) return;
-  for (const TeamworkHelper& helper : *squad.helpers) {
-    json::Object child = helpers.object();
-    addHelper(child, helper);
-  }
+  const std::vector<TeamworkHelper> none;
+  out.list("helpers", squad.helpers ? *squad.helpers : none, addHelper);
 }
 
 std::string_view squadParagraph(std::string_view mode) {
@@ -93,11 +89,7 @@ std::string_view squadParagraph(std::string_view mode) {
 std::optional<std::string> helpersHereParagraph(const std::optional<TeamworkSquadState>& squad) {
   if (!squad || squad->mode != onMode) return std::nullopt;
   if (!squad->helpers || squad->helpers->empty()) return std::string(texts::noHelpersHere);
-  std::string lines;
-  for (const TeamworkHelper& helper : *squad->helpers) {
-    if (!lines.empty()) lines += "; ";
-    lines += helperLine(helper);
-  }
+  const std::string lines = text::join(*squad->helpers, "; ", helperLine);
   const std::string_view naming =
       squad->helpers->size() == 1 ? texts::helperNameMayBeOmitted : texts::helperNameRequired;
   std::string paragraph = texts::helpersHere({.naming = naming, .lines = lines});
@@ -126,12 +118,8 @@ std::string helperRunLine(const TeamworkHelperRun& run,
 std::optional<std::string> helpersRunningParagraph(std::span<const TeamworkHelperRun> runs,
                                                    const std::optional<std::string>& callerHandle) {
   if (runs.empty()) return std::nullopt;
-  std::string lines;
-  for (const TeamworkHelperRun& run : runs) {
-    if (!lines.empty()) lines += "; ";
-    lines += helperRunLine(run, callerHandle);
-  }
-  std::string paragraph = texts::helpersRunningHere(lines);
+  const auto line = [&](const TeamworkHelperRun& run) { return helperRunLine(run, callerHandle); };
+  std::string paragraph = texts::helpersRunningHere(text::join(runs, "; ", line));
   if (std::ranges::any_of(runs, canBeStopped)) paragraph += texts::stopOneOfYours;
   return paragraph;
 }

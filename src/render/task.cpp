@@ -72,13 +72,6 @@ void addMessage(json::Object& out, const TeamworkSquadMessage& message) {
   out.add("ageSeconds", message.ageSeconds);
 }
 
-void addMessages(json::Array& out, std::span<const TeamworkSquadMessage> messages) {
-  for (const TeamworkSquadMessage& message : messages) {
-    json::Object object = out.object();
-    addMessage(object, message);
-  }
-}
-
 Progress progressOf(std::span<const std::string> log) {
   Progress progress;
   for (const std::string& line : log) {

@@ -21,9 +21,6 @@ void addTask(json::Object& out, const TeamworkTask& task);
 /// Adds the members of a message object: from, text, fromName when it is not empty, ageSeconds.
 void addMessage(json::Object& out, const TeamworkSquadMessage& message);
 
-/// Adds one object per message, in their order; nothing when there are none.
-void addMessages(json::Array& out, std::span<const TeamworkSquadMessage> messages);
-
 /// The progress lines of a log: all lines but those that begin with a marker.
 struct Progress {
   /// The latest one, a view into the log; empty when there is none.

@@ -71,12 +71,7 @@ std::string mainStep(const WaitOutcome& outcome, const SeatState& state) {
 }
 
 std::string owedDiscussions(const TeamworkObligations& obligations) {
-  std::string ids;
-  for (const TeamworkObligations::DebateRef& debate : obligations.oweReply) {
-    if (&debate != &obligations.oweReply.front()) ids += ", ";
-    ids += debate.discussionID;
-  }
-  return ids;
+  return text::join(obligations.oweReply, ", ", &TeamworkObligations::DebateRef::discussionID);
 }
 
 std::string nextStepAfterWait(const WaitOutcome& outcome, const SeatState& state) {
@@ -95,14 +90,6 @@ void addWatching(json::Object& out, std::span<const std::string> watching) {
   }
 }
 
-void addTasks(json::Object& out, std::span<const TeamworkTask> tasks) {
-  json::Array list = out.array("tasks");
-  for (const TeamworkTask& task : tasks) {
-    json::Object child = list.object();
-    addTask(child, task);
-  }
-}
-
 void addHold(json::Object& out, const WaitOutcome& outcome) {
   if (!outcome.shortenedFrom) return;
   out.add("heldForSeconds", outcome.heldSeconds);
@@ -110,13 +97,9 @@ void addHold(json::Object& out, const WaitOutcome& outcome) {
                                                            .granted = outcome.heldSeconds}));
 }
 
-void addWakeReasons(json::Object& out, WakeReasons reasons) {
-  json::Array list = out.array("wakeReasons");
-  for (const TeamworkWakeReason& reason : reasons) {
-    json::Object child = list.object();
-    child.add("kind", reason.kind).add("summary", reason.summary);
-    child.addText("taskID", reason.taskID).addText("cause", reason.cause);
-  }
+void addWakeReason(json::Object& out, const TeamworkWakeReason& reason) {
+  out.add("kind", reason.kind).add("summary", reason.summary);
+  out.addText("taskID", reason.taskID).addText("cause", reason.cause);
 }
 
 void addOutcome(json::Object& out, const WaitOutcome& outcome, const SeatState& state) {
@@ -124,13 +107,13 @@ void addOutcome(json::Object& out, const WaitOutcome& outcome, const SeatState& 
   out.add("waitSeq", state.waitSeq);
   if (feed) out.add("rev", feed->rev);
   addWatching(out, outcome.watching);
-  if (feed) addTasks(out, feed->tasks);
+  if (feed) out.list("tasks", feed->tasks, addTask);
   addHold(out, outcome);
   if (feed) {
     out.add("pendingGoalComplete", feed->pendingGoalComplete).add("changed", feed->changed);
     out.add("goalComplete", feed->goalComplete);
   }
-  addWakeReasons(out, wakeReasonsOf(feed));
+  out.list("wakeReasons", wakeReasonsOf(feed), addWakeReason);
   if (feed) addDelivery(out, feed->messages);
   out.add("resolved", goalIsComplete(outcome) && areClear(state.lastObligations));
   out.add("nextStep", nextStepAfterWait(outcome, state));
@@ -143,10 +126,7 @@ void addOutcome(json::Object& out, const WaitOutcome& outcome, const SeatState& 
 
 json::EscapedText waitOutcome(const WaitOutcome& outcome, const SeatState& state) {
   json::EscapedText out;
-  {
-    json::Object object(out);
-    addOutcome(object, outcome, state);
-  }
+  json::appendObject(out, [&](json::Object& object) { addOutcome(object, outcome, state); });
   return out;
 }
 

@@ -87,8 +87,17 @@ TEST(Join, PutsTheSeparatorBetweenThePieces) {
   const std::vector<std::string> pieces = {"a", "", "c"};
   EXPECT_EQ(join(pieces, ", "), "a, , c");
   EXPECT_EQ(join(pieces, ""), "ac");
-  EXPECT_EQ(join(std::span(pieces).first(1), ", "), "a");
-  EXPECT_EQ(join({}, ", "), "");
+  EXPECT_EQ(join(std::vector<std::string>{"a"}, ", "), "a");
+  EXPECT_EQ(join(std::vector<std::string>{}, ", "), "");
+}
+
+TEST(Join, TakesOfEachPieceWhatItIsToldTo) {
+  struct Named {
+    std::string name;
+  };
+  EXPECT_EQ(join(std::vector<Named>{{"a"}, {""}, {"c"}}, "; ", &Named::name), "a; ; c");
+  EXPECT_EQ(join(std::vector<int64_t>{1, 2}, "-", [](int64_t number) { return number * 10; }),
+            "10-20");
 }
 
 TEST(Join, PutsTogetherWhatSplitTookApart) {

@@ -1,5 +1,6 @@
 #include "base/unicode.h"
 #include "base/unicode_samples.h"
+#include "harness/paths.h"
 
 #include <gtest/gtest.h>
 #include <utf8proc.h>
@@ -111,7 +112,7 @@ std::vector<std::string> charactersOfLine(const std::string& line) {
 }
 
 TEST(Characters, AreThoseOfTheUnicodeConsortium) {
-  std::ifstream data(QUILLPOST_TESTS_DIR "/base/data/GraphemeBreakTest.txt");
+  std::ifstream data(testing::inTests("base/data/GraphemeBreakTest.txt"));
   std::size_t linesRun = 0;
   for (std::string line; std::getline(data, line);) {
     const std::vector<std::string> characters = charactersOfLine(line.substr(0, line.find('#')));

@@ -3,6 +3,7 @@
 // A board and agents as real processes: quillpost-board, and quillpost-teamwork in its seats.
 
 #include "base/text.h"
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/temp_dir.h"
 #include "json/value.h"
@@ -31,7 +32,7 @@ class RealBoard {
 
   void start() {
     board_ = std::make_unique<testing::Process>(
-        testing::Command{QUILLPOST_BOARD, {"--dir", dir_.path()}, {}});
+        testing::Command{testing::boardProgram(), {"--dir", dir_.path()}, {}});
     // It is served as soon as it answers.
     const Instant deadline = SteadyClock().now() + realPatience;
     while (!person({"seat", "--thread", "warming-up"}) && isBefore(deadline)) continue;
@@ -50,7 +51,7 @@ class RealBoard {
   /// What a command of the person's prints; nothing when it fails.
   std::optional<std::string> person(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"--dir", dir_.path()});
-    testing::Process process({QUILLPOST_BOARD, arguments, {}});
+    testing::Process process({testing::boardProgram(), arguments, {}});
     std::string printed = process.restOfOutput();
     if (process.waitForExit() != 0) return std::nullopt;
     return printed;
@@ -82,7 +83,8 @@ class RealBoard {
 class RealSeat {
  public:
   explicit RealSeat(std::map<std::string, std::string> environment)
-      : environment_(std::move(environment)), process_({QUILLPOST_PROGRAM, {}, environment_}) {}
+      : environment_(std::move(environment)),
+        process_({testing::seatProgram(), {}, environment_}) {}
 
   /// Calls a tool and gives the text of its result; `arguments` is a JSON object. Progress on the
   /// way is passed over.
@@ -126,7 +128,7 @@ class RealSeat {
 
   /// The exit status of the stop hook in this seat.
   int stopHook() const {
-    testing::Process hook({QUILLPOST_PROGRAM, {"--wake-stop-hook"}, environment_});
+    testing::Process hook({testing::seatProgram(), {"--wake-stop-hook"}, environment_});
     hook.closeInput();
     return hook.waitForExit().value_or(-1);
   }

@@ -1,6 +1,7 @@
 #include "docs/protocol_page.h"
 
 #include "base/text.h"
+#include "harness/paths.h"
 #include "harness/temp_dir.h"
 #include "json/record.h"
 #include "model/human_ask.h"
@@ -126,7 +127,7 @@ std::string presenceText(const Field& field) {
 template <class T>
 std::string recordTable() {
   const std::string source =
-      testing::readFile(text::cat(QUILLPOST_SOURCE_DIR "/src/model/", placeOf<T>.header));
+      testing::readFile(testing::inSources(text::cat("src/model/", placeOf<T>.header)));
   std::string out = "| Key | Type | Presence | Meaning |\n|---|---|---|---|\n";
   json::forEachField<T>([&](const auto& field) {
     using Value = std::remove_cvref_t<decltype(T().*field.member)>;

@@ -1,5 +1,6 @@
 // The program as its harness starts it: what it does at start, as the stop hook and at its end.
 
+#include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -47,7 +48,7 @@ class Program : public ::testing::Test {
 
   Ending run(std::vector<std::string> arguments, Variables environment,
              const std::string& input = "") {
-    Process process({QUILLPOST_PROGRAM, std::move(arguments), std::move(environment)});
+    Process process({testing::seatProgram(), std::move(arguments), std::move(environment)});
     process.write(input);
     process.closeInput();
     return endOf(process);
@@ -61,7 +62,7 @@ class Program : public ::testing::Test {
   Ending runHookWith(const std::string& redirections) {
     Process process(
         {"/bin/sh",
-         {"-c", std::string("exec '") + QUILLPOST_PROGRAM + "' --wake-stop-hook " + redirections},
+         {"-c", "exec '" + testing::seatProgram() + "' --wake-stop-hook " + redirections},
          seat()});
     process.closeInput();
     return endOf(process);
@@ -103,14 +104,14 @@ TEST_F(Program, AnswersWithoutAnySetting) {
 
 TEST_F(Program, EndsQuietlyWithItsStandardDescriptorsClosed) {
   Process process(
-      {"/bin/sh", {"-c", std::string("exec '") + QUILLPOST_PROGRAM + "' <&- >&- 2>&-"}, seat()});
+      {"/bin/sh", {"-c", "exec '" + testing::seatProgram() + "' <&- >&- 2>&-"}, seat()});
   expectSilence(endOf(process));
 }
 
 TEST_F(Program, SendsTheCallToTheAppWithTheTokenOfTheFile) {
   home.write("a.token", "one\n");
   app.otherwise([](const std::string&) { return testing::reply(R"({"kind":"empty"})"); });
-  Process process({QUILLPOST_PROGRAM, {}, seat()});
+  Process process({testing::seatProgram(), {}, seat()});
   const std::string call = R"({"id":1,"method":"tools/call","params":{"name":"read_plan"}})";
   ASSERT_TRUE(process.writeLine(call));
   ASSERT_TRUE(process.readLine());
@@ -210,7 +211,7 @@ TEST_F(Program, LetsTheAgentStopWhenItCannotAsk) {
 
 TEST_F(Program, ReadsTheWholeEventBeforeItAsks) {
   app.play(testing::reply(pendingWake));
-  Process process({QUILLPOST_PROGRAM, {"--wake-stop-hook"}, seat()});
+  Process process({testing::seatProgram(), {"--wake-stop-hook"}, seat()});
   const std::string much(8'000'000, '{');
   EXPECT_TRUE(process.write(much));
   EXPECT_TRUE(app.connections().empty());
@@ -221,7 +222,7 @@ TEST_F(Program, ReadsTheWholeEventBeforeItAsks) {
 }
 
 TEST_F(Program, ReadsTheEventEvenWhenItWillNotAsk) {
-  Process process({QUILLPOST_PROGRAM, {"--wake-stop-hook"}, {}});
+  Process process({testing::seatProgram(), {"--wake-stop-hook"}, {}});
   EXPECT_TRUE(process.write(std::string(8'000'000, '{')));
   process.closeInput();
   EXPECT_EQ(process.waitForExit(), 0);
@@ -242,9 +243,8 @@ TEST_F(Program, EndsWithItsStatusWhateverItsDescriptorsAre) {
 
 TEST_F(Program, EndsWithItsStatusWhenNobodyReadsItsLine) {
   app.play(testing::reply(pendingWake));
-  Process process({"/bin/sh",
-                   {"-c", std::string("exec '") + QUILLPOST_PROGRAM + "' --wake-stop-hook 2>&1"},
-                   seat()});
+  Process process(
+      {"/bin/sh", {"-c", "exec '" + testing::seatProgram() + "' --wake-stop-hook 2>&1"}, seat()});
   process.closeOutput();
   process.closeInput();
   EXPECT_EQ(process.waitForExit(), 2);

@@ -1,6 +1,7 @@
 #include "harness/golden.h"
 
 #include "base/environment.h"
+#include "harness/paths.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -52,7 +53,7 @@ GoldenMode goldenMode() {
 ::testing::AssertionResult matchesGolden(const std::string& path, std::string_view actual,
                                          GoldenMode mode) {
   // An absolute path replaces what stands before it.
-  const std::filesystem::path file = std::filesystem::path(QUILLPOST_TESTS_DIR) / "golden" / path;
+  const std::filesystem::path file = std::filesystem::path(inTests("golden")) / path;
   if (mode == GoldenMode::rewrite) {
     std::ofstream out(file, std::ios::binary | std::ios::trunc);
     out.write(actual.data(), static_cast<std::streamsize>(actual.size()));

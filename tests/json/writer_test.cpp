@@ -263,6 +263,26 @@ TEST(Objects, CloseTheirChildrenBeforeThemselves) {
                  R"("list":[{},{"a":1,"b":2},"text",[0]],"nothing":[],"last":"end"})");
 }
 
+TEST(Objects, ListOneObjectForEachItem) {
+  std::string out;
+  const auto addNumber = [](Object& object, int number) { object.add("n", number); };
+  appendObject(out, [&](Object& object) {
+    object.list("some", std::vector<int>{1, 2}, addNumber)
+        .list("none", std::vector<int>{}, addNumber);
+    object.object("child", [](Object& child) { child.add("a", "b"); });
+    object.array("list", [](Array& list) { list.add("c"); });
+  });
+  EXPECT_EQ(out, R"({"some":[{"n":1},{"n":2}],"none":[],"child":{"a":"b"},"list":["c"]})");
+}
+
+TEST(Arrays, ListOneObjectForEachItem) {
+  std::string out;
+  const auto addNumber = [](Object& object, int number) { object.add("n", number); };
+  appendList(out, std::vector<int>{1, 2}, addNumber);
+  appendList(out, std::vector<int>{}, addNumber);
+  EXPECT_EQ(out, R"([{"n":1},{"n":2}][])");
+}
+
 TEST(Arrays, JoinATextFromTwoPieces) {
   EXPECT_EQ(arrayOf([](Array& array) {
               array.add("12: ", "a \"line\"").add("", "").add("\\", "\n").add("one");

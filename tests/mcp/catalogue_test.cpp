@@ -1,6 +1,7 @@
 #include "mcp/catalogue.h"
 
 #include "harness/json_object.h"
+#include "harness/paths.h"
 #include "tools/tool_name.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +34,7 @@ std::string descriptionOf(Profile profile, std::string_view name) {
 
 /// The ending of the wait's description that the golden file holds under a name.
 std::string goldenEnding(std::string_view name) {
-  std::ifstream in(QUILLPOST_TESTS_DIR "/golden/tool_endings.golden");
+  std::ifstream in(testing::inTests("golden/tool_endings.golden"));
   for (std::string line; std::getline(in, line);)
     if (line.starts_with(std::string(name) + "\t")) return line.substr(name.size() + 1);
   ADD_FAILURE() << "no ending " << name;

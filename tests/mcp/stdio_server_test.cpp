@@ -5,6 +5,7 @@
 #include "harness/fake_client.h"
 #include "harness/golden.h"
 #include "harness/json_object.h"
+#include "harness/paths.h"
 #include "tools/tool_name.h"
 
 #include <gtest/gtest.h>
@@ -44,7 +45,7 @@ std::string answerText(std::string_view escaped, std::string_view id) {
 
 /// The instructions as the golden file has them.
 std::string goldenInstructions() {
-  std::ifstream in(QUILLPOST_TESTS_DIR "/golden/texts.golden");
+  std::ifstream in(testing::inTests("golden/texts.golden"));
   for (std::string line; std::getline(in, line);) {
     if (!line.starts_with("serverInstructions\t")) continue;
     const std::string inString = line.substr(line.rfind('\t') + 1);

@@ -2,6 +2,7 @@
 
 // Expected results that quote the fixed texts by name, so that a whole result fits on a screen.
 
+#include "harness/paths.h"
 #include "json/writer.h"
 
 #include <gtest/gtest.h>
@@ -18,7 +19,7 @@ namespace quillpost::testing {
 inline const std::map<std::string, std::string, std::less<>>& goldenTextsByName() {
   static const std::map<std::string, std::string, std::less<>> all = [] {
     std::map<std::string, std::string, std::less<>> texts;
-    std::ifstream file(QUILLPOST_TESTS_DIR "/golden/texts.golden", std::ios::binary);
+    std::ifstream file(testing::inTests("golden/texts.golden"), std::ios::binary);
     for (std::string line; std::getline(file, line);) {
       const std::size_t afterName = line.find('\t');
       const std::size_t afterLength = line.find('\t', afterName + 1);

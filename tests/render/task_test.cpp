@@ -321,22 +321,10 @@ TEST(Message, TheNameIsShownWhenThereIsOne) {
       {.id = "m2", .from = "#a3f9", .fromName = "", .text = "", .ageSeconds = 0},
   };
   std::string out;
-  {
-    json::Array list(out);
-    addMessages(list, messages);
-  }
+  json::appendList(out, messages, addMessage);
   EXPECT_TRUE(sameText(R"([{"from":"KQ3","text":"Say \"hi\"","fromName":"Ada","ageSeconds":12},)"
                        R"({"from":"#a3f9","text":"","ageSeconds":0}])",
                        out));
-}
-
-TEST(Message, NoMessagesAddNothing) {
-  std::string out;
-  {
-    json::Array list(out);
-    addMessages(list, {});
-  }
-  EXPECT_EQ(out, "[]");
 }
 
 TEST(Task, AnyLogGivesJsonWhoseCountAndSummaryAgreeWithIt) {

@@ -1,6 +1,7 @@
 // Every fixed text against an independent copy, so that a changed comma is noticed.
 
 #include "entry/stop_hook_text.h"
+#include "harness/paths.h"
 #include "mcp/instructions.h"
 #include "render/texts/hints.h"
 #include "render/texts/obligations.h"
@@ -332,7 +333,7 @@ struct GoldenText {
 
 std::map<std::string, GoldenText> goldenTexts() {
   std::map<std::string, GoldenText> golden;
-  std::ifstream file(QUILLPOST_TESTS_DIR "/golden/texts.golden", std::ios::binary);
+  std::ifstream file(testing::inTests("golden/texts.golden"), std::ios::binary);
   for (std::string line; std::getline(file, line);) {
     const std::size_t afterName = line.find('\t');
     const std::size_t afterLength = line.find('\t', afterName + 1);
@@ -403,7 +404,7 @@ TEST(Texts, EveryDeclaredTextIsCompared) {
   for (const NamedText& text : allTexts()) {
     compared.insert(text.name.substr(0, text.name.find_first_of(".(")));
   }
-  const fs::path source = fs::path(QUILLPOST_TESTS_DIR).parent_path() / "src";
+  const fs::path source = testing::inSources("src");
   std::vector<fs::path> headers = {source / "mcp/instructions.h",
                                    source / "entry/stop_hook_text.h"};
   for (const fs::directory_entry& entry : fs::directory_iterator(source / "render/texts")) {

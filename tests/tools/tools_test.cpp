@@ -1,5 +1,7 @@
 #include "tools/tools.h"
 
+#include "harness/paths.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -116,7 +118,7 @@ using Line = std::pair<std::string, std::string>;
 
 /// The lines of a golden file, each split at its first tab. Empty when the file cannot be read.
 std::vector<Line> golden(const std::string& name) {
-  std::ifstream in(std::string(QUILLPOST_TESTS_DIR) + "/golden/" + name);
+  std::ifstream in(testing::inTests("golden/" + std::string(name)));
   std::vector<Line> lines;
   for (std::string line; std::getline(in, line);) {
     const std::size_t tab = line.find('\t');
