@@ -111,9 +111,6 @@ class Object {
   /// it.
   template <class Items, class AddMembers>
   Object& list(std::string_view key, const Items& items, AddMembers addMembers);
-  /// Adds an object that `addMembers(object)` fills.
-  template <class AddMembers>
-  Object& object(std::string_view key, AddMembers addMembers);
   /// Adds an array that `addElements(array)` fills.
   template <class AddElements>
   Object& array(std::string_view key, AddElements addElements);
@@ -180,13 +177,6 @@ Object& Object::list(std::string_view key, const Items& items, AddMembers addMem
   return *this;
 }
 
-template <class AddMembers>
-Object& Object::object(std::string_view key, AddMembers addMembers) {
-  Object child = object(key);
-  addMembers(child);
-  return *this;
-}
-
 template <class AddElements>
 Object& Object::array(std::string_view key, AddElements addElements) {
   Array child = array(key);
@@ -201,8 +191,7 @@ void appendObject(Text& out, AddMembers addMembers) {
   addMembers(object);
 }
 
-/// Appends an array with one object for each item, in their order: `addMembers(object, item)` fills
-/// it.
+/// Appends an array with one object for each item, as `Array::list` adds them.
 template <class Text, class Items, class AddMembers>
 void appendList(Text& out, const Items& items, AddMembers addMembers) {
   Array(out).list(items, addMembers);

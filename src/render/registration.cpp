@@ -13,9 +13,14 @@ void addRules(json::Array& out) {
   for (const std::string_view rule : texts::rules) out.add(rule);
 }
 
+void addSquadObject(json::Object& out, const TeamworkSquadState& squad) {
+  json::Object child = out.object("squad");
+  addSquad(child, squad);
+}
+
 void addSquadNotes(json::Object& out, const std::optional<TeamworkSquadState>& squad) {
   if (!squad) return;
-  out.object("squad", [&](json::Object& child) { addSquad(child, *squad); });
+  addSquadObject(out, *squad);
   out.add("squadNote", squadParagraph(squad->mode));
   out.add("helpersNote", helpersHereParagraph(squad));
 }
