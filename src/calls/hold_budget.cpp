@@ -16,6 +16,8 @@ constexpr int64_t shortestBudget = 15;
 constexpr int64_t shortestMaximum = 110;
 constexpr int64_t longestHold = 3600;
 constexpr int64_t shortestHold = 1;
+// As good as for ever, and far below what a clock can count.
+constexpr int64_t aYear = 31'536'000;
 
 std::optional<int64_t> readSeconds(const Environment& environment, const char* name) {
   const std::optional<std::string> value = environment.get(name);
@@ -48,9 +50,9 @@ bool cannotHoldLong(Profile profile, const HoldSettings& settings) {
   return cancelsLongCalls(profile) || (profile == Profile::codex && !settings.budget);
 }
 
-Hold holdFor(std::optional<int64_t> asked, int64_t budget) {
+Hold holdFor(std::optional<int64_t> asked, std::optional<int64_t> budget) {
   if (!asked) return {.seconds = budget};
-  const int64_t seconds = std::min(budget, std::max(*asked, shortestHold));
+  const int64_t seconds = std::min(budget.value_or(aYear), std::max(*asked, shortestHold));
   return {.seconds = seconds, .isShortened = seconds < *asked};
 }
 

@@ -30,12 +30,14 @@ bool cannotHoldLong(TeamworkClientProfile::Profile profile, const HoldSettings& 
 
 /// The hold of one call.
 struct Hold {
-  int64_t seconds = 0;
+  /// Nothing for a hold without an end.
+  std::optional<int64_t> seconds = std::nullopt;
   /// Whether that is less than the agent asked for.
   bool isShortened = false;
 };
 
-/// The hold for a call that asked for `asked` seconds, or for nothing in particular.
-Hold holdFor(std::optional<int64_t> asked, int64_t budget);
+/// The hold for a call that asked for `asked` seconds, or for nothing in particular, by a caller
+/// who stands `budget` seconds, or any number of them.
+Hold holdFor(std::optional<int64_t> asked, std::optional<int64_t> budget);
 
 }  // namespace quillpost

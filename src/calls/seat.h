@@ -1,45 +1,26 @@
 #pragma once
 
-// What one seat at the board has: its session, its memory, and its doors to the world.
+// One seat at the board: who it is, what it remembers, and what it reaches the world through.
 
-#include "base/clock.h"
-#include "base/environment.h"
-#include "bridge/bridge.h"
-#include "json/writer.h"
+#include "calls/doors.h"
+#include "model/request.h"
 #include "model/seat_state.h"
 
-#include <functional>
 #include <string>
+#include <string_view>
 
 namespace quillpost {
 
-/// The doors that a tool call goes through. Not owned.
-struct SeatDoors {
-  Clock& clock;
-  const Environment& environment;
-  Bridge& bridge;
-};
-
-/// One seat.
+/// Lives as long as the process, or for one command that takes its state from the last one.
 struct Seat {
   SeatDoors doors;
   /// The session on the app; empty outside a Thread.
   std::string sessionID;
-  SeatState state;
+  SeatState state = {};
 };
 
-/// What a tool call gives the agent.
-struct ToolReply {
-  json::EscapedText text;
-  /// The Thread that answered; empty when none did.
-  std::string threadTag;
-};
-
-/// Tells the client how far a running call has come, counting from 1. False when nobody reads any
-/// more. Empty for a call that asked for no progress.
-using ProgressReport = std::function<bool(int64_t count)>;
-
-/// A request with the envelope of this seat and nothing else.
+/// A request with the envelope of this seat and nothing else. Its token, which may be empty, is
+/// read at this moment: the app changes it when it starts anew.
 TeamworkRequest requestFrom(const Seat& seat, std::string_view method);
 
 }  // namespace quillpost

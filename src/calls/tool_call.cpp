@@ -39,8 +39,8 @@ ResultRequest resultRequestFrom(std::string_view tool, const Arguments& argument
           .includeAll = include && text::lowered(*include) == "all"};
 }
 
-ToolReply inWords(std::string_view text) {
-  return {.text = json::EscapedText(text), .threadTag = {}};
+ToolReply inWords(std::string_view text, CallEnd end) {
+  return {.text = json::EscapedText(text), .end = end};
 }
 
 }  // namespace
@@ -52,16 +52,19 @@ ToolReply callBoard(std::string_view tool, const Arguments& arguments, Seat& sea
   if (tool == updateTask && request.blocked.value_or(false)) {
     BlockerQuestion question = composeBlockerQuestion(arguments);
     if (question.refusedLength)
-      return inWords(texts::blockerQuestionTooLong(*question.refusedLength));
+      return inWords(texts::blockerQuestionTooLong(*question.refusedLength),
+                     CallEnd::refusedUnsent);
     request.blockerQuestion = std::move(question.text);
   }
-  if (request.token.empty()) return inWords(texts::outsideThread);
+  if (request.token.empty()) return inWords(texts::outsideThread, CallEnd::outsideThread);
 
   std::optional<TeamworkResponse> answer = sendWithRetry(request, seat.doors);
-  if (!answer) return inWords(texts::appUnreachable);
+  if (!answer) return inWords(texts::appUnreachable, CallEnd::unreachable);
   absorbAnswer(seat.state, *answer);
+  const bool isRefused = answer->kind == TeamworkResponse::Kind::error;
   return {.text = composeResult(*answer, resultRequestFrom(tool, arguments), seat.state),
-          .threadTag = std::move(answer->threadTag).value_or(std::string())};
+          .threadTag = std::move(answer->threadTag).value_or(std::string()),
+          .end = isRefused ? CallEnd::refused : CallEnd::answered};
 }
 
 }  // namespace quillpost

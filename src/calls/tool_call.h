@@ -4,6 +4,7 @@
 
 #include "calls/arguments.h"
 #include "calls/seat.h"
+#include "calls/tool_reply.h"
 
 #include <string_view>
 

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <optional>
 
 namespace quillpost {
 
@@ -17,9 +18,10 @@ class WaitTimetable {
   /// Clients that show progress time a call out when none comes.
   static constexpr Duration progressEvery = std::chrono::seconds(5);
 
-  /// Until it has been sent once, everything is due from the start on.
-  WaitTimetable(Instant start, Duration hold, bool reportsProgress)
-      : deadline_(start + hold),
+  /// Until it has been sent once, everything is due from the start on. Without a hold the wait is
+  /// never over.
+  WaitTimetable(Instant start, std::optional<Duration> hold, bool reportsProgress)
+      : deadline_(hold ? start + *hold : Instant::max()),
         reportsProgress_(reportsProgress),
         nextHeartbeat_(start),
         nextProgress_(start) {}

@@ -4,6 +4,8 @@
 // it lives and closes itself; while a child is open, nothing may be added to its parent. Texts are
 // written as UTF-8, slashes are not escaped, and members stand in the order of adding.
 
+#include "json/escaped_text.h"
+
 #include <concepts>
 #include <cstdint>
 #include <optional>
@@ -20,29 +22,6 @@ void appendEscaped(std::string& out, std::string_view text);
 
 /// Appends `text` as a whole JSON string, quotes included.
 void appendString(std::string& out, std::string_view text);
-
-/// A text on its way into a JSON string: kept escaped from the start, so that a long result is
-/// escaped while it is written and never gone through again. JSON may be part of it, as text.
-class EscapedText {
- public:
-  EscapedText() = default;
-  explicit EscapedText(std::string_view plain) { append(plain); }
-
-  /// Appends a plain text, which must be UTF-8.
-  EscapedText& append(std::string_view plain) {
-    appendEscaped(escaped_, plain);
-    return *this;
-  }
-
-  /// The inside of the JSON string.
-  const std::string& escaped() const { return escaped_; }
-
- private:
-  friend class Object;
-  friend class Array;
-
-  std::string escaped_;
-};
 
 /// Where an object or array is written: onto a text as JSON, or onto one that will stand inside a
 /// JSON string, where every quote and every escape is itself escaped.

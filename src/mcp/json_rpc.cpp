@@ -1,6 +1,5 @@
 #include "mcp/json_rpc.h"
 
-#include "base/text.h"
 #include "json/writer.h"
 
 namespace quillpost {
@@ -20,12 +19,12 @@ void JsonRpcWriter::sendResult(const json::Tree* id, std::string_view resultJson
 }
 
 void JsonRpcWriter::sendText(const json::Tree* id, const json::EscapedText& text,
-                             std::string_view threadTag) {
+                             std::string_view ending) {
   // Written around the text rather than built from objects: a long result is copied once.
   message_.reserve(text.escaped().size() + aroundText);
   message_.append(envelope).append(R"("result":{"content":[{"type":"text","text":")");
   message_.append(text.escaped());
-  if (!threadTag.empty()) json::appendEscaped(message_, text::cat("\n\n(thread ", threadTag, ")"));
+  json::appendEscaped(message_, ending);
   message_.append(R"("}],"isError":false})");
   addId(id);
   writeMessage();

@@ -26,9 +26,8 @@ class JsonRpcWriter {
   /// Answers with a result that is JSON text already.
   void sendResult(const json::Tree* id, std::string_view resultJson);
 
-  /// Answers a tool call with one text. A `threadTag` that is not empty follows it as its last
-  /// line, "(thread T-xxxxxx)", after a blank one.
-  void sendText(const json::Tree* id, const json::EscapedText& text, std::string_view threadTag);
+  /// Answers a tool call with one text: `text` and then `ending`, a plain text that may be empty.
+  void sendText(const json::Tree* id, const json::EscapedText& text, std::string_view ending);
 
   /// Answers with an error.
   void sendError(const json::Tree* id, int64_t code, std::string_view message);

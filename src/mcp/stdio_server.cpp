@@ -74,7 +74,7 @@ constexpr std::array<TeamworkStdioServer::Method, 6> TeamworkStdioServer::method
 
 TeamworkStdioServer::TeamworkStdioServer(std::string sessionID, const SeatDoors& doors,
                                          Output& output)
-    : seat_{.doors = doors, .sessionID = std::move(sessionID), .state = {}}, writer_(output) {}
+    : seat_{.doors = doors, .sessionID = std::move(sessionID)}, writer_(output) {}
 
 void TeamworkStdioServer::run(Input& input) {
   const auto chunk = std::make_unique_for_overwrite<char[]>(inputChunkBytes);
@@ -138,7 +138,7 @@ void TeamworkStdioServer::answerToolsCall(const Message& message) {
     return;
   }
   const ToolReply reply = callTool(name, params);
-  writer_.sendText(message.id, reply.text, reply.threadTag);
+  writer_.sendText(message.id, reply.text, threadEnding(reply));
   if (seat_.doors.bridge.lastReplyBytes() >= largeBytes) holdsMuchMemory_ = true;
 }
 
@@ -164,7 +164,7 @@ ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeO
       return writer_.sendProgress(*token, count, texts::listening);
     };
   }
-  return runWait(arguments, seat_, progress);
+  return runWait(arguments, seat_, clientOf(seat_, std::move(progress)));
 }
 
 }  // namespace quillpost

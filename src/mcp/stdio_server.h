@@ -4,6 +4,7 @@
 
 #include "base/output.h"
 #include "calls/seat.h"
+#include "calls/tool_reply.h"
 #include "json/value.h"
 #include "mcp/json_rpc.h"
 

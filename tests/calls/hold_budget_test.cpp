@@ -105,9 +105,7 @@ TEST(HoldBudget, IsTooShortForSomeClients) {
 TEST(Hold, IsWhatWasAskedWithinTheBudget) {
   constexpr int64_t highest = std::numeric_limits<int64_t>::max();
   struct Row {
-    std::optional<int64_t> asked;
-    int64_t budget;
-    int64_t seconds;
+    std::optional<int64_t> asked, budget, seconds;
     bool isShortened;
   };
   for (const Row& row : {
@@ -122,10 +120,16 @@ TEST(Hold, IsWhatWasAskedWithinTheBudget) {
            Row{-highest - 1, 30, 1, false},
            Row{3600, 3600, 3600, false},
            Row{3601, 3600, 3600, true},
+           Row{std::nullopt, std::nullopt, std::nullopt, false},
+           Row{0, std::nullopt, 1, false},
+           Row{100'000, std::nullopt, 100'000, false},
+           Row{highest, std::nullopt, 31'536'000, true},
        }) {
     const Hold hold = holdFor(row.asked, row.budget);
-    EXPECT_EQ(hold.seconds, row.seconds) << row.asked.value_or(-99) << " of " << row.budget;
-    EXPECT_EQ(hold.isShortened, row.isShortened) << row.asked.value_or(-99) << " of " << row.budget;
+    EXPECT_EQ(hold.seconds, row.seconds)
+        << row.asked.value_or(-99) << " of " << row.budget.value_or(-99);
+    EXPECT_EQ(hold.isShortened, row.isShortened)
+        << row.asked.value_or(-99) << " of " << row.budget.value_or(-99);
   }
 }
 

@@ -2,7 +2,7 @@
 
 // A tool's reply as the agent reads it.
 
-#include "calls/seat.h"
+#include "calls/tool_reply.h"
 #include "harness/plain_text.h"
 
 #include <string>
@@ -12,10 +12,11 @@ namespace quillpost {
 /// A reply with its text as a JSON reader gets it.
 struct PlainReply {
   explicit PlainReply(const ToolReply& reply)
-      : text(testing::plainText(reply.text)), threadTag(reply.threadTag) {}
+      : text(testing::plainText(reply.text)), threadTag(reply.threadTag), end(reply.end) {}
 
   std::string text;
   std::string threadTag;
+  CallEnd end;
 };
 
 }  // namespace quillpost

@@ -213,6 +213,29 @@ TEST_F(ToolCall, CarriesTheThreadThatAnswered) {
   EXPECT_EQ(call("claim_task").threadTag, "") << "an answer without one is not given the last one";
 }
 
+// --- How it ended, for a caller that goes by that -----------------------------------------------
+
+TEST_F(ToolCall, SaysHowItEnded) {
+  EXPECT_EQ(call("claim_task").end, CallEnd::answered);
+  bridge.answers("claim_task", responseFrom(R"({"kind":"empty"})"));
+  EXPECT_EQ(call("claim_task").end, CallEnd::answered);
+  bridge.answers("claim_task", responseFrom(R"({"kind":"error","message":"Held."})"));
+  EXPECT_EQ(call("claim_task").end, CallEnd::refused);
+  const std::string tooLong(141, 'x');
+  EXPECT_EQ(
+      call("update_task", text::cat(R"({"blocked":true,"blockerQuestion":")", tooLong, "\"}")).end,
+      CallEnd::refusedUnsent);
+  for (int i = 0; i < 3; ++i) bridge.fails("claim_task");
+  EXPECT_EQ(call("claim_task").end, CallEnd::unreachable);
+  bridge.token = "";
+  EXPECT_EQ(call("claim_task").end, CallEnd::outsideThread);
+}
+
+TEST_F(ToolCall, NamesItsThreadBehindABlankLine) {
+  EXPECT_EQ(threadEnding({.threadTag = "T-abc123"}), "\n\n(thread T-abc123)");
+  EXPECT_EQ(threadEnding({}), "");
+}
+
 // --- What is remembered -------------------------------------------------------------------------
 
 TEST_F(ToolCall, RemembersWhatTheAnswerSays) {

@@ -56,14 +56,18 @@ struct Wait : ::testing::Test {
     seat.state.lastSeenRev = 7;
   }
 
+  /// A wait of the seat's client.
   PlainReply run(std::string_view arguments) {
-    const json::TreeObject object = objectFrom(arguments);
     const ProgressReport report = [this](int64_t count) {
       bridge.note(text::cat("progress ", count));
       return count < clientGoneAt;
     };
-    const ToolReply reply =
-        runWait(Arguments(object), seat, reportsProgress ? report : ProgressReport());
+    return runFor(clientOf(seat, reportsProgress ? report : ProgressReport()), arguments);
+  }
+
+  PlainReply runFor(const Listener& listener, std::string_view arguments) {
+    const json::TreeObject object = objectFrom(arguments);
+    const ToolReply reply = runWait(Arguments(object), seat, listener);
     bridge.note("end");
     return PlainReply(reply);
   }
@@ -217,7 +221,7 @@ TEST_F(Wait, AHoldIsAskedForOnlyAboveAFifthOfASecondAndInWholeMilliseconds) {
              .state = {}};
     own.state.lastSeenRev = 7;
     const json::TreeObject arguments = objectFrom(R"({"timeoutSeconds":1})");
-    runWait(Arguments(arguments), own, {});
+    runWait(Arguments(arguments), own, clientOf(own, {}));
     EXPECT_NE(ownBridge.timeline.find(row.second), std::string::npos) << row.name << "\n"
                                                                       << ownBridge.timeline;
   }
@@ -647,6 +651,127 @@ TEST_F(Wait, CarriesTheThreadOfTheLastAnswerThatNamedOne) {
   bridge.answers("poll_changes", responseFrom(R"({"kind":"wake","threadTag":"T-c"})"), 1s);
   bridge.fails("poll_changes", 40s);
   EXPECT_EQ(run("{}").threadTag, "T-c") << "an answer without a feed is an answer";
+}
+
+// --- How it ended, for a caller that goes by that -----------------------------------------------
+
+TEST_F(Wait, SaysHowItEnded) {
+  struct Row {
+    std::string_view name;
+    std::optional<TeamworkResponse> answer;
+    CallEnd end;
+  };
+  for (Row& row : std::vector<Row>{
+           {"news", news(8), CallEnd::moved},
+           {"a quiet feed", feed({}), CallEnd::timedOut},
+           {"no answer", std::nullopt, CallEnd::timedOut},
+           {"nothing there", responseFrom(R"({"kind":"empty"})"), CallEnd::nothingToWaitOn},
+           {"a refusal", responseFrom(R"({"kind":"error"})"), CallEnd::refused},
+       }) {
+    bridge.otherwise = [&](const TeamworkRequest&) {
+      return FakeAnswer{.response = row.answer, .took = 1s};
+    };
+    EXPECT_EQ(run(R"({"timeoutSeconds":1})").end, row.end) << row.name;
+  }
+  reportsProgress = true;
+  clientGoneAt = 1;
+  EXPECT_EQ(run("{}").end, CallEnd::callerGone);
+  seat.sessionID = "";
+  EXPECT_EQ(run("{}").end, CallEnd::outsideThread);
+}
+
+// --- Without a budget ---------------------------------------------------------------------------
+
+TEST_F(Wait, HasNoDeadlineForAListenerWithoutABudget) {
+  for (int poll = 0; poll < 4; ++poll) bridge.answers("poll_changes", feed({}), 20s);
+  bridge.answers("poll_changes", news(8), 5s);
+  const PlainReply reply = runFor({}, "{}");
+  EXPECT_TRUE(
+      sameText("  0.0  heartbeat\n"
+               "  0.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 20.0  heartbeat\n"
+               " 20.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 40.0  heartbeat\n"
+               " 40.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 60.0  heartbeat\n"
+               " 60.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 80.0  heartbeat\n"
+               " 80.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 85.0  end\n",
+               bridge.timeline));
+  EXPECT_EQ(reply.end, CallEnd::moved);
+  EXPECT_EQ(memberOf(objectFrom(reply.text), "rev"), "8");
+  EXPECT_TRUE(clock.sleeps.empty());
+}
+
+TEST_F(Wait, TriesAnAppThatIsAwayEveryTwoSecondsForAsLongAsItTakes) {
+  int tries = 0;
+  bridge.otherwise = [&](const TeamworkRequest& request) {
+    if (request.method != pollChanges || ++tries < 3000) return FakeAnswer();
+    return FakeAnswer{.response = news(8)};
+  };
+  EXPECT_EQ(runFor({}, "{}").end, CallEnd::moved);
+  EXPECT_EQ(clock.sleeps, std::vector<Duration>(2999, 2s));
+}
+
+TEST_F(Wait, EndsWhenItIsAskedToThoughThereIsNoBudget) {
+  environment.variables["QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS"] = "15";
+  const PlainReply reply = runFor({}, R"({"timeoutSeconds":130})");
+  EXPECT_EQ(reply.end, CallEnd::timedOut);
+  EXPECT_EQ(clock.elapsed(), 130s);
+  EXPECT_EQ(memberOf(objectFrom(reply.text), "heldForSeconds"), "absent");
+}
+
+TEST_F(Wait, EndsBeforeAnythingIsSentForAListenerThatHasGone) {
+  int turns = 0;
+  const Listener listener = {.isThere = [&] { return ++turns < 3; }};
+  EXPECT_EQ(runFor(listener, "{}").end, CallEnd::callerGone);
+  EXPECT_TRUE(
+      sameText("  0.0  heartbeat\n"
+               "  0.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 20.0  heartbeat\n"
+               " 20.0  poll_changes sinceRev=7 holdMs=20000\n"
+               " 40.0  end\n",
+               bridge.timeline));
+}
+
+TEST_F(Wait, GoesOnAfterWhatTheListenerDoesNotEndWith) {
+  bridge.answers("poll_changes", news(8), 1s);
+  bridge.answers("poll_changes", responseFrom(R"({"kind":"empty"})"), 1s);
+  bridge.answers("poll_changes", feed({.rev = 9}), 1s);
+  bridge.answers("poll_changes", news(10));
+  bridge.answers("poll_changes", responseFrom(R"({"kind":"error","message":"Gone."})"), 1s);
+  const Listener listener = {.goesOn = [&](CallEnd end, const TeamworkChangeFeed* feed) {
+    bridge.note(text::cat("told ", end == CallEnd::moved ? "news of " : "of the end at ",
+                          feed ? feed->rev : -1));
+    return end != CallEnd::refused;
+  }};
+  EXPECT_EQ(runFor(listener, "{}").text, "Gone.");
+  EXPECT_TRUE(
+      sameText("  0.0  heartbeat\n"
+               "  0.0  poll_changes sinceRev=7 holdMs=20000\n"
+               "  1.0  told news of 8\n"
+               "  1.0  poll_changes sinceRev=8 holdMs=19000\n"
+               "  2.0  told of the end at 8\n"
+               "  2.0  poll_changes sinceRev=8 holdMs=18000\n"
+               "  3.0  poll_changes sinceRev=9 holdMs=17000\n"
+               "  3.0  told news of 10\n"
+               "  5.0  poll_changes sinceRev=10 holdMs=15000\n"
+               "  6.0  told of the end at 10\n"
+               "  6.0  end\n",
+               bridge.timeline))
+      << "news in quick succession does not make it busy";
+}
+
+TEST_F(Wait, TellsAListenerThatNoFeedEverCame) {
+  bridge.answers("poll_changes", responseFrom(R"({"kind":"empty"})"));
+  bool hadFeed = true;
+  const Listener listener = {.goesOn = [&](CallEnd, const TeamworkChangeFeed* feed) {
+    hadFeed = feed != nullptr;
+    return false;
+  }};
+  EXPECT_EQ(runFor(listener, "{}").end, CallEnd::nothingToWaitOn);
+  EXPECT_FALSE(hadFeed);
 }
 
 // --- What is remembered -------------------------------------------------------------------------

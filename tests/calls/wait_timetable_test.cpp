@@ -41,10 +41,15 @@ TEST(WaitTimetable, IsOverAtItsDeadline) {
   EXPECT_TRUE(timetable.overAt(start + 31s));
 }
 
+TEST(WaitTimetable, IsNeverOverWithoutAHold) {
+  const WaitTimetable timetable(start, std::nullopt, false);
+  EXPECT_FALSE(timetable.overAt(start + std::chrono::years(100)));
+}
+
 TEST(WaitTimetable, WakesForWhateverComesFirst) {
   struct Row {
     std::string_view name;
-    Duration hold;
+    std::optional<Duration> hold;
     bool reportsProgress;
     Duration heartbeatSent, progressSent, wake;
   };
@@ -56,6 +61,7 @@ TEST(WaitTimetable, WakesForWhateverComesFirst) {
            Row{"the heartbeat before the progress", 60s, true, 0s, 17s, 20s},
            Row{"the deadline before the progress", 2s, true, 0s, 0s, 2s},
            Row{"the heartbeat although progress is noted", 60s, false, 1s, 1s, 21s},
+           Row{"the heartbeat where there is no deadline", std::nullopt, false, 40s, 0s, 60s},
            Row{"a deadline that has passed", 30s, true, 40s, 40s, 30s},
        }) {
     WaitTimetable timetable(start, row.hold, row.reportsProgress);

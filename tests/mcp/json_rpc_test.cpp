@@ -36,18 +36,18 @@ TEST_F(JsonRpc, ATextResultEscapesWhatAStringMustEscape) {
                      "\"id\":7}\n"});
 }
 
-TEST_F(JsonRpc, ATextResultEndsWithItsThread) {
+TEST_F(JsonRpc, ATextResultEndsWithItsEnding) {
   struct Row {
-    std::string_view text, threadTag, expected;
+    std::string_view text, ending, expected;
   };
   for (const Row& row : {
            Row{"Done.", "", R"("text":"Done.")"},
-           Row{"Done.", "T-abc123", R"x("text":"Done.\n\n(thread T-abc123)")x"},
-           Row{"", "T-abc123", R"x("text":"\n\n(thread T-abc123)")x"},
+           Row{"Done.", "\n\nbehind", R"("text":"Done.\n\nbehind")"},
+           Row{"", "\n\nbehind", R"("text":"\n\nbehind")"},
            Row{"", "", R"("text":"")"},
-           Row{"Done.", "\"\n", R"x("text":"Done.\n\n(thread \"\n)")x"},
+           Row{"Done.", "\"\\", R"x("text":"Done.\"\\")x"},
        }) {
-    writer.sendText(&id, json::EscapedText(row.text), row.threadTag);
+    writer.sendText(&id, json::EscapedText(row.text), row.ending);
     const Messages messages = output.take();
     ASSERT_EQ(messages.size(), 1u);
     EXPECT_NE(messages[0].find(std::string(row.expected) + R"(}],"isError":false},"id":7})"),
@@ -127,7 +127,7 @@ TEST_F(JsonRpc, NothingIsWrittenOnceTheReaderHasGone) {
   EXPECT_FALSE(writer.sendProgress(id, 2, "b"));
   EXPECT_FALSE(writer.connected());
   writer.sendResult(&id, "{}");
-  writer.sendText(&id, json::EscapedText("text"), "T-abc123");
+  writer.sendText(&id, json::EscapedText("text"), "behind");
   writer.sendError(&id, methodNotFound, "m");
   EXPECT_FALSE(writer.sendProgress(id, 3, "c"));
   EXPECT_FALSE(writer.connected());

@@ -62,12 +62,18 @@ TEST(AnyResult, IsValidTextAndJsonWhereItIsMeantToBe) {
       dice.fill(*number);
     request.includeAll = dice.flip();
 
-    const std::string text = testing::plainText(composeResult(response, request, state));
+    const json::EscapedText result = composeResult(response, request, state);
+    const std::string text = testing::plainText(result);
     ASSERT_TRUE(unicode::isValid(text)) << encodeResponse(response).value_or("");
+    EXPECT_EQ(result.json() + result.sentences(), text);
     if (testing::isObjectResult(response)) {
       ++objects;
       expectObject(text);
+      EXPECT_EQ(result.sentences(), "");
     } else {
+      const std::optional<json::Tree> begins = json::parse(result.json());
+      EXPECT_EQ(begins && begins->is_array(), response.kind == Kind::agents) << text;
+      EXPECT_EQ(result.json().empty(), response.kind != Kind::agents) << text;
       const bool owes = response.obligations && !response.obligations->clear;
       EXPECT_EQ(text.find("\n\nobligations: ") != std::string::npos, owes) << text;
     }

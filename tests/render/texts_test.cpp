@@ -244,6 +244,7 @@ void addReplies(Texts& out) {
       {"blockerQuestionTooLong(141)", texts::blockerQuestionTooLong(141)},
       CONSTANT(outsideThread),
       CONSTANT(appUnreachable),
+      {"threadLine(T-abc123)", texts::threadLine("T-abc123")},
       CONSTANT(registered),
       CONSTANT(messagesNote),
       CONSTANT(taskNotFound),

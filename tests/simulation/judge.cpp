@@ -72,7 +72,7 @@ void Judge::beginWait() {
   const int64_t budget = holdBudget(state->clientProfile, settings);
   const std::optional<int64_t> timeout =
       expectation.wait ? expectation.wait->timeoutSeconds : std::nullopt;
-  const Duration hold = seconds(holdFor(timeout, budget).seconds);
+  const Duration hold = seconds(holdFor(timeout, budget).seconds.value_or(0));
   wait_.begun = true;
   wait_.deadline = scene_.clock.instant() + hold;
   wait_.deadlineInOrder = scene_.clock.ran() + hold;

@@ -37,6 +37,11 @@ inline constexpr std::string_view appUnreachable =
     "Your Thread is still active. "
     "Wait a moment and retry this call.";
 
+/// The last line of every result: the Thread that answered, behind a blank line.
+inline std::string threadLine(std::string_view tag) {
+  return text::cat("\n\n(thread ", tag, ")");
+}
+
 /// A registration that came back without an agent.
 inline constexpr std::string_view registered = "Registered.";
 
