@@ -80,6 +80,14 @@ TEST(Feed, FromRevisionZeroNothingHasBeenMissed) {
   EXPECT_EQ(feed.tasks.size(), 1u);
 }
 
+TEST(Feed, FromTheFirstRevisionOnEveryMoveIsNamed) {
+  Desk desk;
+  const auto feed = feedFor(desk.board, desk.seat("AA2"), {1, {}, true}, desk.at);
+  EXPECT_TRUE(feed.changed);
+  ASSERT_EQ(feed.changes.size(), 1u) << "the second agent's arrival";
+  EXPECT_THAT(feed.changeKinds, ElementsAre(feed.changes.front().kind));
+}
+
 TEST(Feed, WhoeverHasLostTrackIsToldThatTheBoardMoved) {
   Desk desk;
   EXPECT_TRUE(hasMoved(desk.board, desk.seat("AA2"), {desk.board.thread().rev + 1, {}, false}));

@@ -60,6 +60,21 @@ TEST(Views, AnAgentThatListensAndHoldsNothingIsIdle) {
   EXPECT_EQ(roster().activeClaims, 1);
 }
 
+TEST(Views, ATaskTellsOfItsOpenDiscussionsAndHowManyOfThemAreForTheHuman) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  for (int count = 0; count < 2; ++count) {
+    desk.ask("AA2", "open_discussion", Desk::on(id) + R"(,"body":"Which way?","tags":["BB3"])");
+  }
+  for (int volley = 1; volley <= 8; ++volley) {
+    desk.ask(volley % 2 == 1 ? "BB3" : "AA2", "reply_discussion",
+             R"("discussionID":"d000001","body":"no")");
+  }
+  EXPECT_EQ(desk.view("AA2", id).openDiscussions, 2);
+  EXPECT_EQ(desk.view("AA2", id).escalatedDiscussions, 1);
+  EXPECT_EQ(desk.view("AA2", id).discussions.size(), 2u);
+}
+
 TEST(Views, ThePlanTellsOfTheOthersHere) {
   Desk desk({"AA2", "BB3", "CC4"});
   desk.sit("DD5");

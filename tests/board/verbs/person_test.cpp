@@ -20,6 +20,20 @@ TEST(Person, SpeaksToAnAgentThatIsHome) {
   EXPECT_TRUE(wasRefused(desk.person(personSay, R"("to":"BB3","body":" ")"), "Say"));
 }
 
+TEST(Person, AnsweringUnblocksABlockedTaskAndIsACommentOnAnother) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  const auto kindsOfAnswering = [&] {
+    const int64_t rev = desk.board.thread().rev;
+    EXPECT_TRUE(wasWritten(desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")")));
+    return feedFor(desk.board, desk.seat("AA2"), {rev, {}, true}, desk.at).changeKinds;
+  };
+  EXPECT_THAT(kindsOfAnswering(), ElementsAre("taskCommented"));
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+  EXPECT_THAT(kindsOfAnswering(), ElementsAre("taskUnblocked"));
+}
+
 TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
   Desk desk;
   EXPECT_TRUE(wasRefused(desk.person(personAnswer, R"("taskID":"t9","body":"x")"), "t9"));
