@@ -18,6 +18,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace quillpost::fuzz {
@@ -119,9 +120,42 @@ void tryText(std::string_view inside) {
   require(*response->message == std::string_view(tree->get_string()), "a text that is another");
 }
 
+/// Whether a number in the text may have a fraction.
+bool mayHaveFraction(std::string_view text) {
+  return text.find_first_of(".eE") != std::string_view::npos;
+}
+
+/// The decoder reads what the parser of trees reads, which has the last of two equal keys and
+/// writes each number its own way. It alone knows a fraction that is too small for a double.
+void tryRespelled(std::string_view reply, const std::optional<TeamworkResponse>& response) {
+  const std::optional<json::Tree> tree = json::parse(reply);
+  require(tree || !response, "a reply that is not JSON");
+  if (!tree) return;
+  std::string respelled;
+  json::appendTree(respelled, *tree);
+  require(decodeResponse(std::move(respelled)) == response || (!response && mayHaveFraction(reply)),
+          "a reply that is another when it is respelled");
+}
+
+/// The bytes as a number: the decoder and the reading of arguments agree about integers.
+void tryNumber(std::string_view number) {
+  if (number.find_first_not_of("+-.0123456789eE") != std::string_view::npos) return;
+  const std::optional<json::Tree> tree = json::parse(number);
+  const std::optional<TeamworkResponse> response =
+      decodeResponse(text::cat(R"({"kind":"written","rev":)", number, "}"));
+  require(tree || !response, "a number that is none");
+  if (!response) return;
+  const int64_t rev = response->rev.value_or(0);
+  const double* fraction = tree->if_double();
+  require(fraction != nullptr ? *fraction == static_cast<double>(rev) : *tree == rev,
+          "a number that is another");
+}
+
 void tryReply(std::string_view reply) {
   tryText(reply);
+  tryNumber(reply);
   std::optional<TeamworkResponse> response = decodeResponse(std::string(reply));
+  tryRespelled(reply, response);
   if (!response && reply.starts_with('{')) return;
   std::span<const std::string_view> tools = listedTools;
   if (!response) {

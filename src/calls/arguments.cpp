@@ -21,11 +21,7 @@ std::optional<int64_t> Arguments::integer(std::string_view name) const {
   const json::Tree* value = json::find(object_, name);
   if (value == nullptr) return std::nullopt;
   if (const int64_t* number = value->if_int64()) return *number;
-  if (const double* number = value->if_double()) {
-    // The lowest integer comes as an integer: a double of that value was an integer below it.
-    constexpr double lowest = -0x1p63;
-    return *number == lowest ? std::nullopt : json::truncated(*number);
-  }
+  if (const double* number = value->if_double()) return json::truncated(*number);
   // An unsigned number is one above the signed range: absent, as the texts below would be.
   const std::optional<std::string_view> digits = json::findText(object_, name);
   return digits ? text::parseInteger(*digits) : std::nullopt;

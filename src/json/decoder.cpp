@@ -14,8 +14,9 @@ namespace {
 
 using boost::system::error_code;
 
-/// Turns the parser's events into values of records. Every event answers whether reading may go
-/// on; a false answer ends it.
+/// Turns the parser's events into values of records. Every event answers whether what has come so
+/// far is JSON; a false answer ends the reading. A value of a wrong type does not: when the same
+/// key comes again, only that counts.
 class RecordReader {
  public:
   // What the parser asks of a handler: how large things may be. The text itself is the limit.
@@ -24,37 +25,37 @@ class RecordReader {
   static constexpr std::size_t max_string_size = static_cast<std::size_t>(-1);
   static constexpr std::size_t max_key_size = static_cast<std::size_t>(-1);
 
-  RecordReader(const Shape& shape, void* target) : pending_{target, &shape, Presence::required} {}
+  RecordReader(const Shape& shape, void* target) : pending_{target, &shape} {}
 
   bool on_document_begin(error_code& /*ec*/) { return true; }
-  bool on_document_end(error_code& /*ec*/) { return true; }
+  bool on_document_end(error_code& ec) { return !isTopWrong_ || notJson(ec); }
 
   bool on_object_begin(error_code& ec) {
     if (skipping()) return skipInto();
     const Slot slot = takeSlot();
-    if (slot.shape->rows.empty()) return wrongType(ec);
+    if (slot.shape->rows.empty()) return markWrong() && skipInto();
     return push({slot.target, slot.shape}, ec);
   }
-  bool on_object_end(std::size_t /*members*/, error_code& ec) {
+  bool on_object_end(std::size_t /*members*/, error_code& /*ec*/) {
     if (skipping()) return skipOut();
     const Frame& frame = frames_[--depth_];
-    return (frame.seen & frame.shape->needed) == frame.shape->needed || wrongType(ec);
+    const bool isWhole = (frame.seen & frame.shape->needed) == frame.shape->needed;
+    return (isWhole && frame.wrong == 0) || markWrong();
   }
   bool on_array_begin(error_code& ec) {
     if (skipping()) return skipInto();
     const Slot slot = takeSlot();
-    if (slot.shape->grow == nullptr) return wrongType(ec);
+    if (slot.shape->grow == nullptr) return markWrong() && skipInto();
     return push({slot.target, slot.shape}, ec);
   }
   bool on_array_end(std::size_t /*elements*/, error_code& /*ec*/) {
     if (skipping()) return skipOut();
-    --depth_;
-    return true;
+    return frames_[--depth_].wrong == 0 || markWrong();
   }
 
   // Strings come whole, because the whole text is there and their escapes are disguised.
   bool on_key_part(std::string_view /*part*/, std::size_t /*size*/, error_code& ec) {
-    return wrongType(ec);
+    return notJson(ec);
   }
   bool on_key(std::string_view inside, std::size_t /*size*/, error_code& ec) {
     // No row's key has an escape, so that most keys are found before they are searched for one.
@@ -62,52 +63,52 @@ class RecordReader {
     skipNext_ = skippedDepth_ == 0;
     if (!hasDisguisedEscapes(inside)) return true;
     const std::optional<std::string_view> key = meaningOf(inside);
-    if (!key) return wrongType(ec);
+    if (!key) return notJson(ec);
     if (skipNext_) skipNext_ = !openRow(frames_[depth_ - 1], *key);
     return true;
   }
 
   bool on_string_part(std::string_view /*part*/, std::size_t /*size*/, error_code& ec) {
-    return wrongType(ec);
+    return notJson(ec);
   }
   bool on_string(std::string_view inside, std::size_t /*size*/, error_code& ec) {
     const std::optional<std::string_view> text = meaningOf(inside);
-    if (!text) return wrongType(ec);
+    if (!text) return notJson(ec);
     if (skipping()) return skipValue();
     const Slot slot = takeSlot();
     const bool taken = slot.shape->takeText != nullptr && slot.shape->takeText(slot.target, *text);
-    return taken || wrongType(ec);
+    return taken || markWrong();
   }
 
   bool on_number_part(std::string_view /*part*/, error_code& /*ec*/) { return true; }
-  bool on_int64(int64_t number, std::string_view /*text*/, error_code& ec) {
-    if (skipping()) return skipValue();
-    return takeInteger(number, ec);
+  bool on_int64(int64_t number, std::string_view /*text*/, error_code& /*ec*/) {
+    return skipping() ? skipValue() : takeInteger(number);
   }
-  bool on_uint64(uint64_t /*number*/, std::string_view /*text*/, error_code& ec) {
+  bool on_uint64(uint64_t /*number*/, std::string_view /*text*/, error_code& /*ec*/) {
     // The parser gives unsigned numbers only above the signed range, which no field can hold.
-    return skipping() ? skipValue() : wrongType(ec);
+    return skipping() ? skipValue() : takeInteger(std::nullopt);
   }
   bool on_double(double /*number*/, std::string_view text, error_code& ec) {
-    const std::optional<double> number = nearestDouble(text);
-    if (!number) return wrongType(ec);  // 1e400 makes the whole text not JSON
+    if (!nearestDouble(text)) return notJson(ec);
     if (skipping()) return skipValue();
-    // Digits alone come here only when they do not fit 64 bits, though their double may seem to.
-    if (text.find_first_of(".eE") == std::string_view::npos) return wrongType(ec);
-    const std::optional<int64_t> integral = integralValue(*number);
-    return integral ? takeInteger(*integral, ec) : wrongType(ec);
+    const std::optional<Whole> whole = wholeByDigits(text);
+    return takeInteger(whole && whole->isIntegral ? whole->asInteger() : std::nullopt);
   }
-  bool on_bool(bool flag, error_code& ec) {
+  bool on_bool(bool flag, error_code& /*ec*/) {
     if (skipping()) return skipValue();
     const Slot slot = takeSlot();
-    if (slot.shape->takeFlag == nullptr) return wrongType(ec);
+    if (slot.shape->takeFlag == nullptr) return markWrong();
     slot.shape->takeFlag(slot.target, flag);
     return true;
   }
-  bool on_null(error_code& ec) {
+  bool on_null(error_code& /*ec*/) {
     if (skipping()) return skipValue();
-    // An open row has not touched its member yet, so a null leaves it as if the key were missing.
-    if (pending_.row == nullptr || pending_.presence == Presence::required) return wrongType(ec);
+    if (pending_.row == nullptr) {
+      takeSlot();
+      return markWrong();
+    }
+    // As if the key were missing: an open row has not touched its member yet.
+    forget(frames_[depth_ - 1], pending_.bit);
     pending_ = {};
     return true;
   }
@@ -119,14 +120,16 @@ class RecordReader {
   struct Frame {
     void* target = nullptr;
     const Shape* shape = nullptr;
+    // One bit a row; a list has the first for all its elements.
     uint64_t seen = 0;
+    uint64_t wrong = 0;
+    std::size_t current = 0;   // the row or element that the last value was for
     std::size_t expected = 0;  // the row after the last one met
   };
   /// Where the next value goes. Without a row it is the top of the text.
   struct Pending {
     void* target = nullptr;
     const Shape* shape = nullptr;
-    Presence presence = Presence::required;
     const Row* row = nullptr;
     std::size_t bit = 0;
   };
@@ -140,7 +143,7 @@ class RecordReader {
   static constexpr std::size_t frameLimit = 16;
 
   bool push(const Frame& frame, error_code& ec) {
-    if (depth_ == frameLimit) return wrongType(ec);
+    if (depth_ == frameLimit) return notJson(ec);
     frames_[depth_++] = frame;
     return true;
   }
@@ -154,7 +157,7 @@ class RecordReader {
       if (at >= rows.size()) at = 0;
       if (rows[at].key != key) continue;
       frame.expected = at + 1;
-      pending_ = {frame.target, rows[at].shape, rows[at].presence, &rows[at], at};
+      pending_ = {frame.target, rows[at].shape, &rows[at], at};
       return true;
     }
     return false;
@@ -164,7 +167,9 @@ class RecordReader {
   Slot takeSlot() {
     if (pending_.row != nullptr) {
       Frame& frame = frames_[depth_ - 1];
+      forget(frame, pending_.bit);
       frame.seen |= uint64_t{1} << pending_.bit;
+      frame.current = pending_.bit;
       const Slot slot = {pending_.row->open(frame.target), pending_.shape};
       pending_ = {};
       return slot;
@@ -174,10 +179,31 @@ class RecordReader {
     return {list.shape->grow(list.target), list.shape->element};
   }
 
-  bool takeInteger(int64_t number, error_code& ec) {
+  /// Makes a member what it was before its key came; of two equal keys the last one counts.
+  static void forget(Frame& frame, std::size_t row) {
+    const uint64_t bit = uint64_t{1} << row;
+    if ((frame.seen & bit) == 0) return;
+    frame.shape->restore(frame.target, row);
+    frame.seen &= ~bit;
+    frame.wrong &= ~bit;
+  }
+
+  /// Takes a number; nothing stands for one that is no 64-bit integer.
+  bool takeInteger(std::optional<int64_t> number) {
     const Slot slot = takeSlot();
-    if (slot.shape->takeInteger == nullptr) return wrongType(ec);
-    slot.shape->takeInteger(slot.target, number);
+    if (slot.shape->takeInteger == nullptr || !number) return markWrong();
+    slot.shape->takeInteger(slot.target, *number);
+    return true;
+  }
+
+  /// Notes that the value for the last slot, or one inside it, has a wrong type.
+  bool markWrong() {
+    if (depth_ == 0) {
+      isTopWrong_ = true;
+    } else {
+      Frame& frame = frames_[depth_ - 1];
+      frame.wrong |= uint64_t{1} << frame.current;
+    }
     return true;
   }
 
@@ -205,7 +231,7 @@ class RecordReader {
                                                : std::nullopt;
   }
 
-  static bool wrongType(error_code& ec) {
+  static bool notJson(error_code& ec) {
     ec = boost::json::error::exception;
     return false;
   }
@@ -213,6 +239,7 @@ class RecordReader {
   std::array<Frame, frameLimit> frames_;
   std::size_t depth_ = 0;
   Pending pending_;
+  bool isTopWrong_ = false;
   bool skipNext_ = false;
   std::size_t skippedDepth_ = 0;
   std::string meaning_;

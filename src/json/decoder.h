@@ -52,9 +52,11 @@ struct Shape {
   /// Appends an element to a list and says where it is, and the shape of every element.
   void* (*grow)(void* list) = nullptr;
   const Shape* element = nullptr;
-  /// The rows of a record, and which of them must come (bit by row).
+  /// The rows of a record, which of them must come (bit by row), and what gives the member of one
+  /// the value again that it begins with.
   std::span<const Row> rows = {};
   uint64_t needed = 0;
+  void (*restore)(void* record, std::size_t row) = nullptr;
 };
 
 namespace detail {
@@ -155,7 +157,14 @@ struct ShapeMaker<T> {
       if (rows[i].presence == Presence::required) bits |= uint64_t{1} << i;
     return bits;
   }
-  static constexpr Shape shape = {.rows = rows, .needed = needed()};
+  static void restore(void* record, std::size_t row) {
+    T fresh{};
+    std::size_t at = 0;
+    forEachField<T>([&](const auto& field) {
+      if (at++ == row) static_cast<T*>(record)->*field.member = std::move(fresh.*field.member);
+    });
+  }
+  static constexpr Shape shape = {.rows = rows, .needed = needed(), .restore = restore};
 };
 
 /// Reads one object into the record at `target`. False when the text is not JSON, not an object,
@@ -167,7 +176,8 @@ bool decodeObject(std::string text, const Shape& shape, void* target);
 /// The record that `text` holds as one JSON object; nothing when the text is not JSON, a required
 /// key is missing or a value has the wrong type. Unknown keys are passed over, whatever they hold.
 /// An integer may be written with a fraction or an exponent as long as its value is integral; a
-/// boolean is never an integer. Which of two equal keys counts is not promised.
+/// boolean is never an integer. Of two equal keys the last one counts, as if the first were not
+/// there.
 template <Record T>
 std::optional<T> decode(std::string&& text) {
   std::optional<T> record(std::in_place);

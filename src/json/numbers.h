@@ -1,12 +1,9 @@
 #pragma once
 
-// Numbers as doubles, and doubles that stand for 64-bit integers.
+// Numbers as JSON writes them: the double nearest to one, and the integer that its digits are.
 
-#include <cmath>
 #include <cstdint>
-#include <cstdlib>
 #include <optional>
-#include <string>
 #include <string_view>
 
 namespace quillpost::json {
@@ -14,22 +11,28 @@ namespace quillpost::json {
 /// The double nearest to a number written as JSON writes it; nothing when it is too large for one.
 /// The parser's own conversion is quicker and often misses by the last digit, which would give a
 /// client another id than the one it sent.
-inline std::optional<double> nearestDouble(std::string_view number) {
-  const double nearest = std::strtod(std::string(number).c_str(), nullptr);
-  return std::isfinite(nearest) ? std::optional(nearest) : std::nullopt;
-}
+std::optional<double> nearestDouble(std::string_view number);
 
-/// The number without its fraction; nothing when that is outside 64 bits or not a number.
-inline std::optional<int64_t> truncated(double number) {
-  constexpr double limit = 0x1p63;  // the first double that no longer fits
-  const double whole = std::trunc(number);
-  if (!(whole >= -limit && whole < limit)) return std::nullopt;
-  return static_cast<int64_t>(whole);
-}
+/// A number without its fraction.
+struct Whole {
+  uint64_t magnitude = 0;
+  bool isNegative = false;
+  /// Whether there was no fraction but nought.
+  bool isIntegral = true;
 
-/// The integer that `number` is; nothing when it has a fraction or is outside 64 bits.
-inline std::optional<int64_t> integralValue(double number) {
-  return std::trunc(number) == number ? truncated(number) : std::nullopt;
-}
+  /// The same as a signed integer; nothing when it is outside 64 bits.
+  std::optional<int64_t> asInteger() const;
+
+  bool operator==(const Whole&) const = default;
+};
+
+/// What a number, written as JSON writes it, is by its digits: a double has sixteen of them, and
+/// would make 9007199254740992 of 9007199254740993.0. Nothing when its magnitude exceeds 64 bits.
+/// Takes time by its length, whatever its exponent.
+std::optional<Whole> wholeByDigits(std::string_view number);
+
+/// The double without its fraction. Nothing outside 64 bits, and for -0x1p63: every number that
+/// truncates to that and is kept as a double lies below it.
+std::optional<int64_t> truncated(double number);
 
 }  // namespace quillpost::json

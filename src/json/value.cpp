@@ -8,6 +8,7 @@
 #include <boost/json/value_stack.hpp>
 
 #include <array>
+#include <cmath>
 #include <cstdint>
 #include <exception>
 #include <utility>
@@ -17,9 +18,9 @@ namespace {
 
 using boost::system::error_code;
 
-/// Builds the tree as the library's own parser does, except for its doubles: they are the nearest
-/// ones, and a number that is too large for one ends it, since infinity is not JSON when written
-/// back.
+/// Builds the tree as the library's own parser does, except for numbers with a fraction or an
+/// exponent: they are rounded by their digits, and one that is too large for a double ends it,
+/// since infinity is not JSON when written back.
 class TreeBuilder {
  public:
   static constexpr std::size_t max_array_size = boost::json::array::max_size();
@@ -72,12 +73,12 @@ class TreeBuilder {
     return true;
   }
   bool on_double(double /*number*/, std::string_view text, error_code& ec) {
-    const std::optional<double> number = nearestDouble(text);
-    if (!number) {
+    const std::optional<double> nearest = nearestDouble(text);
+    if (!nearest) {
       ec = boost::json::error::exponent_overflow;
       return false;
     }
-    stack_.push_double(*number);
+    pushNumber(*nearest, wholeByDigits(text));
     return true;
   }
   bool on_bool(bool flag, error_code& /*ec*/) {
@@ -92,6 +93,25 @@ class TreeBuilder {
   bool on_comment(std::string_view /*last*/, error_code& /*ec*/) { return true; }
 
  private:
+  /// Keeps a number as its nearest double. As an integer where only that has all digits, and as the
+  /// double next to the nearest where the number itself would truncate to another integer.
+  void pushNumber(double nearest, const std::optional<Whole>& whole) {
+    if (!whole) return push(nearest);
+    const std::optional<int64_t> integer = whole->asInteger();
+    const double towardsNought = std::nextafter(nearest, 0);
+    if (!integer && whole->isIntegral && !whole->isNegative && !isSame(nearest, whole->magnitude))
+      return push(whole->magnitude);
+    if (!integer || integer == truncated(nearest)) return push(nearest);
+    return integer == truncated(towardsNought) ? push(towardsNought) : push(*integer);
+  }
+  void push(double number) { stack_.push_double(number); }
+  void push(int64_t number) { stack_.push_int64(number); }
+  void push(uint64_t number) { stack_.push_uint64(number); }
+
+  static bool isSame(double number, uint64_t other) {
+    return number < 0x1p64 && static_cast<uint64_t>(number) == other;
+  }
+
   boost::json::value_stack stack_;
 };
 

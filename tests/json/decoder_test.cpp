@@ -215,8 +215,9 @@ TEST(UnknownKeys, ArePassedOverWhateverTheyHold) {
 }
 
 TEST(UnknownKeys, MustStillBeJson) {
-  for (const std::string_view value : {"", "tru", "01", "1.", "\"\\x\"", "[1,]", "{\"a\"}", "[}",
-                                       "1e400", "[{\"a\":-1e400}]", "\"\\ud800\"", "\"\x80\""}) {
+  for (const std::string_view value :
+       {"", "tru", "01", "1.", "\"\\x\"", "[1,]", "{\"a\"}", "[}", "1e400", "[{\"a\":-1e400}]",
+        "0e99999999999", "1e-99999999999", "\"\\ud800\"", "\"\x80\""}) {
     const std::string text = R"({"unknown":)" + std::string(value) + R"(,"text":"a"})";
     EXPECT_EQ(plant(text), std::nullopt) << text;
   }
@@ -241,6 +242,20 @@ TEST(Integers, MayBeWrittenInAnyFormThatIsIntegral) {
            Row{"-9223372036854775808", lowest},
            Row{"-9223372036854775808.0", lowest},
            Row{"9007199254740993", 9007199254740993},
+           Row{"9007199254740993.0", 9007199254740993},
+           Row{"9.007199254740993e15", 9007199254740993},
+           Row{"900719925474099300e-2", 9007199254740993},
+           Row{"9223372036854775807.0", highest},
+           Row{"922337203685477580.7e1", highest},
+           Row{"9223372036854775808.0", std::nullopt},
+           Row{"-9223372036854775809.0", std::nullopt},
+           Row{"0.99999999999999999999", std::nullopt},
+           Row{"3.00000000000000000001", std::nullopt},
+           Row{"1e-400", std::nullopt},
+           Row{"0.0e-400", 0},
+           Row{"0e2147483647", 0},
+           Row{"0e2147483648", std::nullopt},
+           Row{"0e-2147483649", std::nullopt},
            Row{"3.5", std::nullopt},
            Row{"-0.5", std::nullopt},
            Row{"5e-1", std::nullopt},
@@ -356,17 +371,82 @@ TEST(Keys, MayBeVeryLong) {
   EXPECT_EQ(read->text, "a");
 }
 
-TEST(Keys, GivenTwiceDoNoHarm) {
-  for (const std::string_view text :
-       {R"({"text":"a","text":"b"})", R"({"number":1,"number":2})",
-        R"({"texts":["a"],"texts":["b","c"]})", R"({"leaves":[{"name":"a"}],"leaves":[]})",
-        R"({"leaf":{"name":"a"},"leaf":{"name":"b"}})",
-        R"({"maybeLeaf":{"name":"a"},"maybeLeaf":{"name":"b"}})",
-        R"({"maybeTexts":["a"],"maybeTexts":["b"]})", R"({"maybeText":"a","maybeText":null})",
-        R"({"x":1,"x":{"x":2,"x":3}})"})
-    EXPECT_TRUE(plant(text)) << text;
-  EXPECT_EQ(plant(R"({"text":"a","text":1})"), std::nullopt);
+TEST(Keys, GivenTwiceCountAsTheLastOfThemWhole) {
+  struct Row {
+    std::string_view name, twice, once;
+  };
+  for (const Row& row : {
+           Row{"texts", R"({"text":"a","text":"b"})", R"({"text":"b"})"},
+           Row{"three of them", R"({"text":"a","text":"b","text":"c"})", R"({"text":"c"})"},
+           Row{"apart", R"({"text":"a","number":2,"text":"b"})", R"({"number":2,"text":"b"})"},
+           Row{"escaped", R"({"text":"a","te\u0078t":"b"})", R"({"text":"b"})"},
+           Row{"numbers", R"({"number":1,"number":2})", R"({"number":2})"},
+           Row{"flags", R"({"flag":false,"flag":true})", R"({"flag":true})"},
+           Row{"words", R"({"colour":"red","colour":"green"})", R"({"colour":"green"})"},
+           Row{"lists", R"({"texts":["a"],"texts":["b","c"]})", R"({"texts":["b","c"]})"},
+           Row{"an empty list", R"({"texts":["a"],"texts":[]})", "{}"},
+           Row{"lists of records", R"({"leaves":[{"name":"a"}],"leaves":[{"name":"b"}]})",
+               R"({"leaves":[{"name":"b"}]})"},
+           Row{"optional lists", R"({"maybeTexts":["a"],"maybeTexts":["b"]})",
+               R"({"maybeTexts":["b"]})"},
+           Row{"records", R"({"leaf":{"name":"a","size":3},"leaf":{"name":"b"}})",
+               R"({"leaf":{"name":"b"}})"},
+           Row{"optional records",
+               R"({"maybeLeaf":{"name":"a","size":3},"maybeLeaf":{"name":"b"}})",
+               R"({"maybeLeaf":{"name":"b"}})"},
+           Row{"null after a default", R"({"number":5,"flag":false,"number":null,"flag":null})",
+               "{}"},
+           Row{"null after a record", R"({"leaf":{"name":"a"},"leaf":null})", "{}"},
+           Row{"null after a list", R"({"leaves":[{"name":"a"}],"leaves":null})", "{}"},
+           Row{"null after an optional", R"({"maybeText":"a","maybeText":null})", "{}"},
+           Row{"null before", R"({"text":null,"text":"b"})", R"({"text":"b"})"},
+           Row{"a wrong type before", R"({"text":1,"text":"b"})", R"({"text":"b"})"},
+           Row{"a wrong type, then null", R"({"text":[1],"text":null})", "{}"},
+           Row{"a wrong list before", R"({"texts":["a",1],"texts":["b"]})", R"({"texts":["b"]})"},
+           Row{"no list before", R"({"texts":{"a":[1]},"texts":["b"]})", R"({"texts":["b"]})"},
+           Row{"no record before", R"({"leaf":[{}],"leaf":{"name":"b"}})",
+               R"({"leaf":{"name":"b"}})"},
+           Row{"a wrong record before", R"({"leaf":{"size":1},"leaf":{"name":"b"}})",
+               R"({"leaf":{"name":"b"}})"},
+           Row{"a wrong record in a list before",
+               R"({"leaves":[{"name":"a"},{"name":2}],"leaves":[{"name":"b"}]})",
+               R"({"leaves":[{"name":"b"}]})"},
+           Row{"within a record", R"({"leaf":{"name":1,"size":1,"name":"b","size":null}})",
+               R"({"leaf":{"name":"b"}})"},
+           Row{"within records of a list",
+               R"({"leaves":[{"name":null,"name":"a"},{"name":"b","size":"","size":2}]})",
+               R"({"leaves":[{"name":"a"},{"name":"b","size":2}]})"},
+           Row{"unknown ones", R"({"x":1,"x":{"x":2,"x":3}})", "{}"},
+       }) {
+    ASSERT_TRUE(plant(row.once)) << row.name;
+    EXPECT_EQ(plant(row.twice), plant(row.once)) << row.name;
+  }
+}
+
+TEST(Keys, GivenTwiceFailAsTheLastOfThemDoes) {
+  for (const std::string_view text : {
+           R"({"text":"a","text":1})",
+           R"({"text":"a","text":1,"number":2})",
+           R"({"text":1,"text":"a","text":[]})",
+           R"({"texts":["a"],"texts":[null]})",
+           R"({"texts":["a"],"texts":{}})",
+           R"({"leaf":{"name":"a"},"leaf":{}})",
+           R"({"leaf":{"name":"a"},"leaf":{"size":1}})",
+           R"({"leaf":{"name":"a","name":null}})",
+           R"({"leaves":[{"name":"a","name":1}]})",
+           R"({"maybeLeaf":{"name":"a"},"maybeLeaf":"b"})",
+           R"({"colour":"red","colour":"blue"})",
+       })
+    EXPECT_EQ(plant(text), std::nullopt) << text;
   EXPECT_EQ(decode<Leaf>(R"({"name":"a","name":null})"), std::nullopt);
+}
+
+TEST(Keys, GivenTwiceMustBothBeJson) {
+  for (const std::string_view text :
+       {R"({"text":"\x","text":"a"})", R"({"number":1e400,"number":1})",
+        R"({"texts":[1e400],"texts":[]})", R"({"text":["\ud800"],"text":"a"})",
+        R"({"text":{"\x":1},"text":"a"})", R"({"text":[1,],"text":"a"})"})
+    EXPECT_EQ(plant(text), std::nullopt) << text;
 }
 
 TEST(Text, MayHaveWhiteSpaceAroundAndWithin) {

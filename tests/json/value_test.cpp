@@ -94,9 +94,54 @@ TEST(Fractions, ComeBackAsTheSameNumberWhateverTheirDigits) {
   }
 }
 
+TEST(Fractions, OfIntegersWithMoreDigitsThanADoubleComeBackDigitForDigit) {
+  struct Row {
+    std::string_view text, back;
+  };
+  for (const Row& row : {
+           Row{"9007199254740993.0", "9007199254740993"},
+           Row{"-9.007199254740993e15", "-9007199254740993"},
+           Row{"9223372036854775807.0", "9223372036854775807"},
+           Row{"-9223372036854775808.0", "-9223372036854775808"},
+           Row{"9223372036854775809.0", "9223372036854775809"},
+           Row{"18446744073709551615.0", "18446744073709551615"},
+       })
+    EXPECT_EQ(echoed(row.text), row.back);
+}
+
+TEST(Fractions, AreRoundedToADoubleThatTruncatesAsTheyDo) {
+  struct Row {
+    std::string_view text;
+    double kept;
+  };
+  for (const Row& row : {
+           Row{"0.99999999999999999999", std::nextafter(1.0, 0)},
+           Row{"-0.99999999999999999999", std::nextafter(-1.0, 0)},
+           Row{"1.00000000000000000001", 1.0},
+           Row{"3.99999999999999999999", std::nextafter(4.0, 0)},
+           Row{"4503599627370496.9999999", 4503599627370496.0},
+           Row{"4503599627370495.9999999", 4503599627370495.5},
+           Row{"0.3", 0.3},
+           Row{"10000000000000000000.0", 1e19},
+           Row{"18446744073709551616.0", 0x1p64},
+           Row{"-9223372036854775809.0", -0x1p63},
+       }) {
+    const std::optional<Tree> tree = parse(row.text);
+    ASSERT_TRUE(tree && tree->is_double()) << row.text;
+    EXPECT_EQ(tree->get_double(), row.kept) << row.text;
+  }
+}
+
+TEST(Fractions, BecomeIntegersWhereDoublesAreTooSparse) {
+  EXPECT_EQ(echoed("9007199254740993.5"), "9007199254740993");
+  EXPECT_EQ(echoed("9223372036854775807.5"), "9223372036854775807");
+  EXPECT_EQ(echoed("-9223372036854775808.5"), "-9223372036854775808");
+}
+
 TEST(Fractions, ThatAreTooLargeMakeTheTextNoJson) {
-  for (const std::string_view text : {"1e400", "-1e400", R"({"id":1e400})", R"([[{"a":[-1e999]}]])",
-                                      "1.7976931348623159e308", "1e99999999999"})
+  for (const std::string_view text :
+       {"1e400", "-1e400", R"({"id":1e400})", R"([[{"a":[-1e999]}]])", "1.7976931348623159e308",
+        "1e99999999999", "0e2147483648", "1e-2147483649"})
     EXPECT_EQ(echoed(text), std::nullopt) << text;
   EXPECT_EQ(echoed(std::string(400, '9')), std::nullopt);
 }
@@ -152,11 +197,31 @@ TEST(Trees, OfAMillionLevelsAreNothing) {
   EXPECT_EQ(echoed(repeated("{\"a\":", million) + "1" + repeated("}", million)), std::nullopt);
 }
 
-TEST(Trees, MayHoldAKeyTwice) {
-  const std::optional<Tree> tree = parse(R"({"a":1,"b":2,"a":[3],"a":4})");
+TEST(Trees, HoldTheLastOfTwoEqualKeysWhole) {
+  struct Row {
+    std::string_view text, back;
+  };
+  for (const Row& row : {
+           Row{R"({"a":1,"b":2,"a":[3],"a":4})", R"({"a":4,"b":2})"},
+           Row{R"({"a":{"x":1},"a":{"y":2}})", R"({"a":{"y":2}})"},
+           Row{R"({"a":[1],"a":[2]})", R"({"a":[2]})"},
+           Row{R"({"a":1,"a":null})", R"({"a":null})"},
+           Row{R"({"a":1,"\u0061":2})", R"({"a":2})"},
+           Row{R"([{"a":{"b":1,"b":2}}])", R"([{"a":{"b":2}}])"},
+       })
+    EXPECT_EQ(echoed(row.text), row.back) << row.text;
+}
+
+TEST(Trees, HoldTheLastOfTwoEqualKeysOfManyToo) {
+  std::string text = "{";
+  for (int i = 0; i < 300; ++i)
+    text += "\"k" + std::to_string(i % 100) + "\":" + std::to_string(i) + ",";
+  const std::optional<Tree> tree = parse(text + "\"k7\":null}");
   ASSERT_TRUE(tree);
-  EXPECT_NE(find(tree->get_object(), "a"), nullptr);
-  EXPECT_NE(find(tree->get_object(), "b"), nullptr);
+  EXPECT_EQ(tree->get_object().size(), 100U);
+  EXPECT_EQ(*find(tree->get_object(), "k0"), 200);
+  EXPECT_EQ(*find(tree->get_object(), "k99"), 299);
+  EXPECT_TRUE(find(tree->get_object(), "k7")->is_null());
 }
 
 TEST(Trees, TakeTheirMemoryFromTheStorage) {

@@ -151,6 +151,7 @@ TEST_F(Server, IgnoresWhatIsNotAJsonObject) {
            R"({"method":"ping","id":01})"sv,
            R"({"method":"ping","id":NaN})"sv,
            R"({"method":"ping","id":1e400})"sv,
+           R"({"method":"ping","id":1e-99999999999})"sv,
            R"({'method':'ping','id':1})"sv,
            R"({"method":"ping","id":1} // x)"sv,
            "\xef\xbb\xbf{\"method\":\"ping\",\"id\":1}"sv,
@@ -187,10 +188,49 @@ TEST_F(Server, GivesAFractionBackAsTheSameNumber) {
   }
 }
 
-TEST_F(Server, SurvivesKeysThatStandTwice) {
-  const Messages answers = answersTo(R"({"method":"x","method":"ping","id":1,"id":2})");
-  EXPECT_EQ(answers.size(), 1u);
-  EXPECT_EQ(answersTo(ping("3")), Messages{pong("3")});
+TEST_F(Server, GivesAnIntegralIdBackWithAllItsDigits) {
+  EXPECT_EQ(answersTo(ping("9007199254740993.0")), Messages{pong("9007199254740993")});
+  EXPECT_EQ(answersTo(ping("18446744073709551615e0")), Messages{pong("18446744073709551615")});
+}
+
+TEST_F(Server, TakesTheLastOfTwoEqualKeysWhole) {
+  struct Row {
+    std::string_view name, line;
+    Messages answers;
+    std::string_view sent;
+  };
+  for (const Row& row : {
+           Row{"method and id", R"({"method":"x","method":"ping","id":1,"id":2})", {pong("2")}, ""},
+           Row{"a null id", R"({"method":"ping","id":1,"id":null})", {pong("null")}, ""},
+           Row{"params",
+               R"({"method":"tools/call","id":1,"params":{"name":"x","arguments":{"taskID":"t"}},)"
+               R"("params":{"name":"stop_helper"}})",
+               {answerText("Done.", "1")},
+               ""},
+           Row{"arguments",
+               R"({"method":"tools/call","id":1,"params":{"name":"stop_helper",)"
+               R"("arguments":{"taskID":"t1"},"arguments":{"text":"n"}}})",
+               {answerText("Done.", "1")},
+               R"(,"note":"n")"},
+           Row{"null arguments",
+               R"({"method":"tools/call","id":1,"params":{"name":"stop_helper",)"
+               R"("arguments":{"taskID":"t1"},"arguments":null}})",
+               {answerText("Done.", "1")},
+               ""},
+           Row{"an argument",
+               R"({"method":"tools/call","id":1,"params":{"name":"stop_helper",)"
+               R"("arguments":{"taskID":"t1","text":"n","taskID":["t2"]}}})",
+               {answerText("Done.", "1")},
+               R"(,"note":"n")"},
+       }) {
+    bridge.requests.clear();
+    EXPECT_EQ(answersTo(row.line), row.answers) << row.name;
+    if (row.answers.front().find("Done.") == std::string::npos) continue;
+    EXPECT_EQ(bridge.requests,
+              Messages{text::cat(R"({"protocolVersion":1,"token":"tok","sessionID":"ses",)",
+                                 R"("method":"stop_helper")", row.sent, "}")})
+        << row.name;
+  }
 }
 
 // --- initialize ---------------------------------------------------------------------------------
