@@ -55,10 +55,12 @@ std::string readToEnd(const UniqueFd& socket) {
 std::optional<std::string> findServed(const std::string& directory,
                                       const std::optional<std::string>& suffix, std::string& why) {
   std::vector<std::string> served;
-  for (const files::Entry& entry : files::list(directory)) {
+  const auto isSocket = [](std::string_view name) {
+    return name.size() >= prefix.size() + extension.size() && name.starts_with(prefix) &&
+           name.ends_with(extension);
+  };
+  for (const files::Entry& entry : files::list(directory, isSocket)) {
     const std::string_view name = entry.name;
-    if (!name.starts_with(prefix) || !name.ends_with(extension)) continue;
-    if (name.size() < prefix.size() + extension.size()) continue;
     const std::string found(
         name.substr(prefix.size(), name.size() - prefix.size() - extension.size()));
     if (suffix && found != *suffix) continue;

@@ -92,7 +92,7 @@ std::optional<std::string> readSmallText(const std::string& path) {
   return whole;
 }
 
-std::vector<Entry> list(const std::string& directory) {
+std::vector<Entry> list(const std::string& directory, const IsWanted& isWanted) {
   struct Close {
     void operator()(DIR* stream) const { ::closedir(stream); }
   };
@@ -105,7 +105,7 @@ std::vector<Entry> list(const std::string& directory) {
     errno = 0;
     const dirent* found = ::readdir(stream.get());
     if (found == nullptr) break;
-    if (found->d_name[0] == '.') continue;
+    if (found->d_name[0] == '.' || !isWanted(found->d_name)) continue;
     entries.push_back(entryNamed(found->d_name, ::dirfd(stream.get())));
   }
   if (errno != 0) return {};

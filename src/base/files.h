@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <ctime>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,9 +29,13 @@ struct Entry {
   bool isDirectory = false;
 };
 
-/// The entries of a directory in the system's own order, hidden ones (a leading ".") left out.
-/// Symbolic links are followed. Empty when the directory cannot be listed.
-std::vector<Entry> list(const std::string& directory);
+/// Judges an entry by its name.
+using IsWanted = std::function<bool(std::string_view name)>;
+
+/// The entries of a directory that are wanted, in the system's own order, hidden ones (a leading
+/// ".") left out. Symbolic links are followed. No other entry is looked at: it may be a file system
+/// that no longer answers. Empty when the directory cannot be listed.
+std::vector<Entry> list(const std::string& directory, const IsWanted& isWanted);
 
 /// `directory` and `name` with exactly one "/" between them, however many stand there already; just
 /// `name` when `directory` is empty.

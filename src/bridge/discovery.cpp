@@ -4,14 +4,11 @@
 #include "base/support_directory.h"
 #include "base/text.h"
 #include "base/unicode.h"
-#include "base/unique_fd.h"
 #include "bridge/unix_socket.h"
 
 #include <algorithm>
 #include <ctime>
 #include <utility>
-
-#include <fcntl.h>
 
 namespace quillpost {
 
@@ -35,14 +32,16 @@ Date dateOf(const files::Entry& entry) {
   return std::pair{entry.modified->tv_sec, entry.modified->tv_nsec};
 }
 
-bool isScanned(const files::Entry& entry) {
-  return entry.isDirectory && (entry.name == appDirectory || entry.name.starts_with(siblingPrefix));
+bool isOfTheApp(std::string_view directory) {
+  return directory == appDirectory || directory.starts_with(siblingPrefix);
 }
 
 void appendCandidates(std::vector<DatedCandidate>& found, const std::string& directory,
-                      const std::string& prefix) {
-  for (const files::Entry& entry : files::list(directory)) {
-    if (!entry.name.starts_with(prefix) || !entry.name.ends_with(".sock")) continue;
+                      std::string_view prefix) {
+  const auto isSocket = [&](std::string_view name) {
+    return name.starts_with(prefix) && name.ends_with(".sock");
+  };
+  for (const files::Entry& entry : files::list(directory, isSocket)) {
     const std::string path = files::joinPath(directory, entry.name);
     found.push_back({{path, BridgeDiscovery::tokenPathFor(path)}, dateOf(entry)});
   }
@@ -81,8 +80,8 @@ std::vector<BridgeDiscovery::Candidate> BridgeDiscovery::candidates(Kind kind, c
   if (!root) return {};
   const std::string prefix = text::cat(json::wordFor(kind), "-");
   std::vector<DatedCandidate> found;
-  for (const files::Entry& entry : files::list(*root))
-    if (isScanned(entry)) appendCandidates(found, files::joinPath(*root, entry.name), prefix);
+  for (const files::Entry& entry : files::list(*root, isOfTheApp))
+    if (entry.isDirectory) appendCandidates(found, files::joinPath(*root, entry.name), prefix);
 
   std::ranges::stable_sort(found, std::ranges::greater{}, &DatedCandidate::date);
   std::vector<Candidate> candidates;
@@ -105,10 +104,7 @@ std::string BridgeDiscovery::tokenPathFor(std::string_view socketPath) {
 }
 
 bool BridgeDiscovery::acceptsConnection(const std::string& socketPath) {
-  const UniqueFd socket = openUnixSocket();
-  // An app that has stopped accepting must not keep this program from starting.
-  return socket && ::fcntl(socket.get(), F_SETFL, O_NONBLOCK) == 0 &&
-         connectUnixSocket(socket, socketPath);
+  return listensAt(socketPath, probePatience);
 }
 
 }  // namespace quillpost

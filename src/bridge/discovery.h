@@ -7,6 +7,7 @@
 #include "json/record.h"
 
 #include <array>
+#include <chrono>
 #include <functional>
 #include <optional>
 #include <string>
@@ -79,8 +80,12 @@ struct BridgeDiscovery {
   /// The path with its last extension replaced by "token".
   static std::string tokenPathFor(std::string_view socketPath);
 
-  /// The probe itself: connects, sends nothing, and closes. False where nobody listens and where
-  /// the listener's queue is full, which it does not wait for.
+  /// How long an app may take to accept a connection before its full queue alone must do as a sign
+  /// of life: agents that start together fill it for moments, and none of them may start slowly
+  /// because an app has stopped accepting.
+  static constexpr std::chrono::seconds probePatience{2};
+
+  /// The probe itself: connects, sends nothing, and closes. False where nobody listens.
   static bool acceptsConnection(const std::string& socketPath);
 };
 

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <sys/un.h>
 
 namespace quillpost {
@@ -54,6 +55,9 @@ const sockaddr* general(const sockaddr_un& address) {
   return reinterpret_cast<const sockaddr*>(&address);
 }
 
+/// What came of asking for a connection.
+enum class Connection { made, stillQueued, refused };
+
 /// Waits for a connection that is being made; whether it was.
 bool isMadeInTheEnd(const UniqueFd& socket) {
   pollfd wanted{socket.get(), POLLOUT, 0};
@@ -62,6 +66,29 @@ bool isMadeInTheEnd(const UniqueFd& socket) {
   int error = 0;
   socklen_t size = sizeof error;
   return ::getsockopt(socket.get(), SOL_SOCKET, SO_ERROR, &error, &size) == 0 && error == 0;
+}
+
+Connection connectionTo(const std::string& path, const UniqueFd& socket) {
+  const std::optional<sockaddr_un> address = addressOf(path);
+  if (!address) return Connection::refused;
+  for (;;) {
+    if (::connect(socket.get(), general(*address), sizeof *address) == 0) return Connection::made;
+    switch (errno) {
+      case EINTR:
+        // Asked again rather than polled: Linux has given the attempt up by then, and a poll would
+        // take the idle socket for a connected one. Where it goes on instead, the next two say so.
+        continue;
+      case EISCONN:
+        return Connection::made;
+      case EALREADY:
+      case EINPROGRESS:
+        return isMadeInTheEnd(socket) ? Connection::made : Connection::refused;
+      case EAGAIN:
+        return Connection::stillQueued;
+      default:
+        return Connection::refused;
+    }
+  }
 }
 
 }  // namespace
@@ -78,26 +105,16 @@ UniqueFd openUnixSocket() {
 }
 
 bool connectUnixSocket(const UniqueFd& socket, const std::string& path) {
-  const std::optional<sockaddr_un> address = addressOf(path);
-  if (!address) return false;
-  for (;;) {
-    if (::connect(socket.get(), general(*address), sizeof *address) == 0) return true;
-    switch (errno) {
-      case EINTR:
-        // Asked again rather than polled: Linux has given the attempt up by then, and a poll would
-        // take the idle socket for a connected one. Where it goes on instead, the next two say so.
-        continue;
-      case EISCONN:
-        return true;
-      case EALREADY:
-      case EINPROGRESS:
-        return isMadeInTheEnd(socket);
-      default:
-        return false;
-    }
-  }
+  return connectionTo(path, socket) == Connection::made;
 }
 
+bool listensAt(const std::string& path, std::chrono::seconds patience) {
+  const UniqueFd socket = openUnixSocket();
+  const timeval limit{static_cast<time_t>(patience.count()), 0};
+  if (!socket || ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit) != 0)
+    return false;
+  return connectionTo(path, socket) != Connection::refused;
+}
 bool bindUnixSocket(const UniqueFd& socket, const std::string& path) {
   const std::optional<sockaddr_un> address = addressOf(path);
   return address && ::bind(socket.get(), general(*address), sizeof *address) == 0;

@@ -5,6 +5,7 @@
 
 #include "base/unique_fd.h"
 
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -30,6 +31,11 @@ UniqueFd openUnixSocket();
 /// there or the system refuses; the socket is then of no more use. Waits while the listener's queue
 /// is full, no longer than the socket's send time-out, and not at all when it is non-blocking.
 bool connectUnixSocket(const UniqueFd& socket, const std::string& path);
+
+/// Whether somebody listens at `path`, asked with a connection that is closed at once. Waits while
+/// the listener's queue is full; one that still is after `patience` has a listener all the same.
+/// False when the path does not fit, and when the system gives no socket or no bound to the wait.
+bool listensAt(const std::string& path, std::chrono::seconds patience);
 
 /// Gives the socket the name `path`, which makes a file there. False when the path does not fit or
 /// the system refuses, as it does when the file exists.

@@ -16,6 +16,8 @@ namespace {
 
 using namespace std::string_literals;
 
+bool all(std::string_view /*name*/) { return true; }
+
 /// A directory of the test's own, gone with everything in it at the end.
 class Files : public testing::Test {
  protected:
@@ -105,8 +107,8 @@ TEST_F(Files, LeaveNoDescriptorOpen) {
   readSmallText(file);
   readSmallText(notUtf8);
   readSmallText(root_.string());
-  list(root_.string());
-  list(file);
+  list(root_.string(), all);
+  list(file, all);
   const int after = ::open("/", O_RDONLY);
   ::close(after);
   EXPECT_EQ(after, before);
@@ -134,9 +136,22 @@ TEST_F(Files, AreListedWithoutTheHiddenOnes) {
   std::filesystem::create_directory(root_ / "folder");
   std::filesystem::create_directory(root_ / ".folder");
   written("folder/below", "");
-  EXPECT_EQ(namesOf(list(root_.string())),
+  EXPECT_EQ(namesOf(list(root_.string(), all)),
             (std::vector<std::string>{"a b", "a.", "a.sock", "b.sock", "folder", "é"}));
-  EXPECT_EQ(namesOf(list(root_.string() + "/")).size(), 6u);
+  EXPECT_EQ(namesOf(list(root_.string() + "/", all)).size(), 6u);
+}
+
+TEST_F(Files, AreListedWhenTheyAreWanted) {
+  for (const char* name : {"a.sock", "b.sock", "a.token", ".a.sock"}) written(name, "");
+  std::vector<std::string> judged;
+  const auto isSocket = [&](std::string_view name) {
+    judged.emplace_back(name);
+    return name.ends_with(".sock");
+  };
+  EXPECT_EQ(namesOf(list(root_.string(), isSocket)),
+            (std::vector<std::string>{"a.sock", "b.sock"}));
+  std::ranges::sort(judged);
+  EXPECT_EQ(judged, (std::vector<std::string>{"a.sock", "a.token", "b.sock"}));
 }
 
 TEST_F(Files, AreListedWithTheirModificationTimes) {
@@ -144,7 +159,7 @@ TEST_F(Files, AreListedWithTheirModificationTimes) {
   written("new", "");
   setModified("old", {1'000'000'000, 1'000});
   setModified("new", {1'700'000'000, 999'999'000});
-  const std::vector<Entry> entries = list(root_.string());
+  const std::vector<Entry> entries = list(root_.string(), all);
   const Entry older = entryNamed("old", entries);
   const Entry newer = entryNamed("new", entries);
   ASSERT_TRUE(older.modified && newer.modified);
@@ -161,7 +176,7 @@ TEST_F(Files, AreToldFromDirectoriesThroughSymbolicLinks) {
   std::filesystem::create_symlink("file", root_ / "link-to-file");
   std::filesystem::create_symlink("folder", root_ / "link-to-folder");
   std::filesystem::create_symlink("nowhere", root_ / "dangling");
-  const std::vector<Entry> entries = list(root_.string());
+  const std::vector<Entry> entries = list(root_.string(), all);
   EXPECT_FALSE(entryNamed("file", entries).isDirectory);
   EXPECT_TRUE(entryNamed("folder", entries).isDirectory);
   EXPECT_FALSE(entryNamed("link-to-file", entries).isDirectory);
@@ -178,11 +193,11 @@ TEST_F(Files, AreToldFromDirectoriesThroughSymbolicLinks) {
 TEST_F(Files, AreNotListedWhereThereIsNoDirectory) {
   written("file", "");
   std::filesystem::create_directory(root_ / "empty");
-  EXPECT_TRUE(list(path("empty")).empty());
-  EXPECT_TRUE(list(path("missing")).empty());
-  EXPECT_TRUE(list(path("file")).empty());
-  EXPECT_TRUE(list("").empty());
-  EXPECT_TRUE(list(root_.string() + "\0/x"s).empty());
+  EXPECT_TRUE(list(path("empty"), all).empty());
+  EXPECT_TRUE(list(path("missing"), all).empty());
+  EXPECT_TRUE(list(path("file"), all).empty());
+  EXPECT_TRUE(list("", all).empty());
+  EXPECT_TRUE(list(root_.string() + "\0/x"s, all).empty());
 }
 
 // Paths

@@ -1,5 +1,6 @@
 #include "bridge/discovery.h"
 
+#include "base/text.h"
 #include "bridge/unix_socket.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
@@ -7,6 +8,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <thread>
+
+#include <unistd.h>
 
 namespace quillpost {
 namespace {
@@ -316,11 +320,26 @@ TEST_F(Discovery, SkipsAPathOfOneHundredAndFourBytes) {
 }
 #endif
 
-TEST_F(Discovery, DoesNotWaitForAnAppThatHasStoppedAccepting) {
-  base.makeDirectory("Quillpost");
-  const FullBacklog full(base.pathOf("Quillpost/teamwork-A.sock"));
-  EXPECT_EQ(live(), std::nullopt);
+#if defined(__linux__)
+/// Returns once a thread of this process sleeps in the system.
+void waitUntilAsleep(pid_t thread) {
+  const std::string path = text::cat("/proc/self/task/", thread, "/stat");
+  while (testing::readFile(path).find(") S ") == std::string::npos) std::this_thread::yield();
 }
+
+// Elsewhere a full queue refuses, as if nobody listened.
+TEST_F(Discovery, FindsAnAppWhoseQueueIsFullForAMoment) {
+  base.makeDirectory("Quillpost");
+  const std::string path = base.pathOf("Quillpost/teamwork-A.sock");
+  const FullBacklog busy(path);
+  std::thread app([&busy, looking = ::gettid()] {
+    waitUntilAsleep(looking);
+    EXPECT_TRUE(busy.accept(busy.size() + 1)) << "the last one is the probe's";
+  });
+  EXPECT_EQ(live(), path);
+  app.join();
+}
+#endif
 
 }  // namespace
 }  // namespace quillpost

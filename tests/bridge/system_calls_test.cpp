@@ -19,11 +19,13 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/time.h>
 #include <sys/un.h>
 #include <unistd.h>
@@ -157,6 +159,16 @@ extern "C" ssize_t read(int fd, void* bytes, size_t count) {
   return failing(*fault, [&] { return call(count); });
 }
 
+extern "C" int fstatat(int fd, const char* path, struct stat* status,
+                       int flags) noexcept(noexcept(::fstatat(0, "", std::declval<struct stat*>(),
+                                                              0))) {
+  const auto call = [&] {
+    return next<int(int, const char*, struct stat*, int)>("fstatat")(fd, path, status, flags);
+  };
+  const std::optional<Fault> fault = stage.enter("stat", path);
+  return fault ? failing(*fault, call) : call();
+}
+
 extern "C" int close(int fd) {
   const auto call = [&] { return next<int(int)>("close")(fd); };
   stage.enter("close");
@@ -167,6 +179,7 @@ namespace quillpost {
 namespace {
 
 using testing::Behaviour;
+using testing::FullBacklog;
 using testing::ScriptedApp;
 using testing::TempDir;
 
@@ -355,11 +368,12 @@ TEST_F(SystemCalls, ReadATokenFileOnceUnlessItsEndIsInDoubt) {
   }
 }
 
-TEST_F(SystemCalls, OfTheProbeConnectAndClose) {
+TEST_F(SystemCalls, OfTheProbeConnectForTwoSecondsAtMostAndClose) {
   stage.isWatching = true;
   EXPECT_TRUE(BridgeDiscovery::acceptsConnection(app.path()));
   stage.isWatching = false;
-  EXPECT_EQ(stage.calls, (std::vector<std::string>{"socket stream 0", "connect whole", "close"}));
+  EXPECT_EQ(stage.calls, (std::vector<std::string>{"socket stream 0", "setsockopt write 2 0",
+                                                   "connect whole", "close"}));
   ASSERT_TRUE(app.waitForRequests(1));
   EXPECT_EQ(app.requests().front(), "");
 }
@@ -372,7 +386,11 @@ TEST_F(SystemCalls, OfTheProbeMayFailOrBeInterrupted) {
   };
   const Row rows[] = {
       {"interrupted", {{"connect", {interrupted}}}, true},
+      {"queue full for two seconds", {{"connect", {{.error = EAGAIN}}}}, true},
+      {"interrupted, then queue full", {{"connect", {interrupted, {.error = EAGAIN}}}}, true},
       {"no socket to be had", {{"socket", {{.error = EMFILE}}}}, false},
+      {"no bound to the wait", {{"setsockopt", {{.error = EINVAL}}}}, false},
+      {"permission denied", {{"connect", {{.error = EACCES}}}}, false},
       {"refused", {{"connect", {{.error = ECONNREFUSED}}}}, false},
       {"interrupted, then refused", {{"connect", {interrupted, {.error = ECONNREFUSED}}}}, false},
   };
@@ -382,6 +400,27 @@ TEST_F(SystemCalls, OfTheProbeMayFailOrBeInterrupted) {
     EXPECT_EQ(BridgeDiscovery::acceptsConnection(app.path()), row.isLive) << row.name;
     stage.isWatching = false;
   }
+}
+
+#if defined(__linux__)
+TEST_F(SystemCalls, OfTheProbeEndWhenAnAppHasStoppedAccepting) {
+  const FullBacklog stuck(directory.pathOf("stuck.sock"));
+  stage.hasShortTimeouts = true;
+  EXPECT_TRUE(BridgeDiscovery::acceptsConnection(directory.pathOf("stuck.sock")));
+}
+#endif
+
+TEST_F(SystemCalls, OfTheScanLookAtNothingThatIsNamedOtherwise) {
+  for (const char* name : {"Quillpost/teamwork-A.sock", "Quillpost/teamwork-A.token",
+                           "Quillpost/mcp-A.sock", "Quillpost/agent-seat", "Quillpost/mounted/file",
+                           "QuillpostX/teamwork-B.sock", "Mounted/teamwork-C.sock", "file"})
+    directory.write(name, "");
+  const MapEnvironment environment;
+  stage.isWatching = true;
+  BridgeDiscovery::candidates(BridgeDiscovery::Kind::teamwork, {environment, directory.path()});
+  stage.isWatching = false;
+  std::erase_if(stage.calls, [](const std::string& call) { return !call.starts_with("stat"); });
+  EXPECT_EQ(stage.calls, (std::vector<std::string>{"stat Quillpost", "stat teamwork-A.sock"}));
 }
 
 }  // namespace

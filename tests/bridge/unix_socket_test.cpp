@@ -112,6 +112,25 @@ TEST(UnixSocket, ConnectsNowhereElse) {
   EXPECT_FALSE(connectUnixSocket(UniqueFd(), deserted));
 }
 
+TEST(UnixSocket, IsListenedAtWhereAConnectionIsMade) {
+  const TempDir directory;
+  ScriptedApp app(directory.pathOf("a.sock"));
+  EXPECT_TRUE(listensAt(app.path(), std::chrono::seconds(2)));
+  ASSERT_TRUE(app.waitForRequests(1));
+  EXPECT_EQ(app.requests().front(), "");
+}
+
+TEST(UnixSocket, IsListenedAtNowhereElse) {
+  const TempDir directory;
+  const std::string deserted = directory.pathOf("deserted.sock");
+  ASSERT_TRUE(bindUnixSocket(openUnixSocket(), deserted));
+  for (const std::string& path :
+       {""s, directory.pathOf("missing.sock"), deserted, directory.write("plain.sock", ""),
+        directory.path(), pathOfLength(directory, socketPathLimit)}) {
+    EXPECT_FALSE(listensAt(path, std::chrono::seconds(2))) << path;
+  }
+}
+
 TEST(UnixSocket, DoesNotTakeAPathThatIsCutForTheWhole) {
   const TempDir directory;
   ScriptedApp app(directory.pathOf("a.sock"));

@@ -320,6 +320,17 @@ FullBacklog::FullBacklog(std::string socketPath)
 
 FullBacklog::~FullBacklog() { ::unlink(path_.c_str()); }
 
+bool FullBacklog::accept(std::size_t count) const {
+  constexpr int patienceMs = 10'000;
+  for (; count > 0; --count) {
+    pollfd waiting{listener_.get(), POLLIN, 0};
+    if (::poll(&waiting, 1, patienceMs) != 1) return false;
+    const UniqueFd accepted(::accept(listener_.get(), nullptr, nullptr));
+    if (!accepted) return false;
+  }
+  return true;
+}
+
 UniqueFd connectTo(const std::string& socketPath) {
   UniqueFd fd = openSocket();
   surviveBrokenPipes(fd.get());

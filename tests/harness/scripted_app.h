@@ -132,14 +132,19 @@ class ScriptedApp {
   std::thread acceptor_;
 };
 
-/// A listening socket whose queue is full and that never accepts: a further connection has to wait,
-/// or is refused where the system does that.
+/// A listening socket whose queue is full and that accepts nothing until it is told to: a further
+/// connection has to wait, or is refused where the system does that.
 class FullBacklog {
  public:
   explicit FullBacklog(std::string socketPath);
   ~FullBacklog();
   FullBacklog(const FullBacklog&) = delete;
   FullBacklog& operator=(const FullBacklog&) = delete;
+
+  /// How many connections wait in the queue.
+  std::size_t size() const { return queued_.size(); }
+  /// Accepts and closes so many connections. False when they do not come within ten seconds.
+  bool accept(std::size_t count) const;
 
  private:
   std::string path_;
