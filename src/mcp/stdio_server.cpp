@@ -2,6 +2,7 @@
 
 #include "base/memory.h"
 #include "base/text.h"
+#include "base/version.h"
 #include "calls/tool_call.h"
 #include "calls/wait.h"
 #include "json/writer.h"
@@ -53,7 +54,7 @@ std::string initializeResult() {
     json::Object result(text);
     result.add("protocolVersion", "2024-11-05");
     result.object("capabilities").object("tools").add("listChanged", false);
-    result.object("serverInfo").add("name", "quillpost-teamwork").add("version", "1.0.0");
+    result.object("serverInfo").add("name", "quillpost-teamwork").add("version", programVersion());
     result.add("instructions", texts::serverInstructions);
   }
   return text;
