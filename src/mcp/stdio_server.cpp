@@ -115,7 +115,7 @@ void TeamworkStdioServer::handle(std::string_view line) {
 void TeamworkStdioServer::answerInitialize(const Message& message) {
   const json::TreeObject* client = json::findObject(orEmpty(message.params), "clientInfo");
   const std::optional<std::string_view> name = json::findText(orEmpty(client), "name");
-  if (name) seat_.state.clientProfile = TeamworkClientProfile::fromName(*name);
+  if (name) absorbClientName(seat_.state, *name);
   writer_.sendResult(message.id, initializeResult());
 }
 
@@ -125,7 +125,7 @@ void TeamworkStdioServer::answerPing(const Message& message) {
 
 void TeamworkStdioServer::answerToolsList(const Message& message) {
   const TeamworkClientProfile::Profile profile = seat_.state.clientProfile;
-  std::string& list = toolLists_[hasLongWaitEnding(profile) ? 1 : 0];
+  std::string& list = toolLists_.at(traitsOf(profile).turnsExitIntoTurn ? 1 : 0);
   if (list.empty()) list = toolListResult(profile);
   writer_.sendResult(message.id, list);
 }
