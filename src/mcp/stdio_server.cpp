@@ -1,6 +1,5 @@
 #include "mcp/stdio_server.h"
 
-#include "base/memory.h"
 #include "base/text.h"
 #include "base/version.h"
 #include "calls/tool_call.h"
@@ -31,13 +30,9 @@ constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
 // An ordinary request's tree fits here, so that reading one allocates nothing.
 constexpr std::size_t treeScratchBytes = std::size_t{8} << 10;
 
-// The memory that a reply or a line of this size took is worth giving back: it is beyond a board of
-// a thousand tasks.
-constexpr std::size_t largeBytes = std::size_t{2} << 20;
-
 // A client that asks again within this time uses the same memory again: given back and fetched anew
 // each time, it cost as much as all the rest of an answer of 16 MiB.
-constexpr Duration settlingTime = std::chrono::milliseconds(5);
+constexpr Duration quietAfter = std::chrono::milliseconds(5);
 
 const json::TreeObject& emptyObject() {
   static const json::TreeObject empty;
@@ -84,10 +79,10 @@ void TeamworkStdioServer::run(Input& input) {
     lines.feed({chunk.get(), count});
     while (const std::optional<std::string_view> line = lines.next()) {
       handle(*line);
-      if (line->size() >= largeBytes) holdsMuchMemory_ = true;
+      seat_.memory.took(line->size());
       if (!writer_.connected()) return;
     }
-    settle(input);
+    if (seat_.memory.holdsMuch() && !input.comesWithin(quietAfter)) seat_.memory.giveBack();
   }
   if (const std::optional<std::string_view> last = lines.rest()) handle(*last);
 }
@@ -103,7 +98,8 @@ void TeamworkStdioServer::handle(std::string_view line) {
   const Message message = {.id = json::find(*object, "id"),
                            .params = json::findObject(*object, "params")};
   const std::string_view name = json::findText(*object, "method").value_or("");
-  if (name != toolsCall) giveMemoryBack();
+  // Nothing but another call is likely to need as much again.
+  if (name != toolsCall) seat_.memory.giveBack();
   const auto* method = std::ranges::find(methods, name, &Method::name);
   if (method != methods.end()) {
     (this->*method->answer)(message);
@@ -140,19 +136,9 @@ void TeamworkStdioServer::answerToolsCall(const Message& message) {
   }
   const ToolReply reply = callTool(name, params);
   writer_.sendText(message.id, reply.text, threadEnding(reply));
-  if (seat_.doors.bridge.lastReplyBytes() >= largeBytes) holdsMuchMemory_ = true;
 }
 
 void TeamworkStdioServer::ignoreNotification(const Message& /*message*/) {}
-
-void TeamworkStdioServer::settle(Input& input) {
-  if (holdsMuchMemory_ && !input.comesWithin(settlingTime)) giveMemoryBack();
-}
-
-void TeamworkStdioServer::giveMemoryBack() {
-  if (!std::exchange(holdsMuchMemory_, false)) return;
-  returnFreeMemory();
-}
 
 ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeObject& params) {
   const Arguments arguments(orEmpty(json::findObject(params, "arguments")));
