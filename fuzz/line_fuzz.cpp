@@ -23,11 +23,11 @@ class PlainApp final : public Bridge {
   explicit PlainApp(testing::FakeClock& clock) : clock_(clock) {}
 
   std::string currentToken() override { return "t0k"; }
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override {
+  Exchange send(const TeamworkRequest& request) override {
     const std::optional<std::string> line = encodeRequest(request);
     require(line && decodeRequest(*line) == request, "a request that does not come back");
     clock_.advance(std::chrono::seconds(4));
-    if (++sent_ % 5 == 4) return std::nullopt;
+    if (++sent_ % 5 == 4) return {};
     TeamworkResponse response;
     response.kind = request.method == pollChanges ? TeamworkResponse::Kind::changes
                                                   : TeamworkResponse::Kind::written;
@@ -37,9 +37,8 @@ class PlainApp final : public Bridge {
     }
     response.message = request.note;
     response.threadTag = request.taskID;
-    return response;
+    return {.response = std::move(response)};
   }
-  std::size_t lastReplyBytes() const override { return 0; }
 
  private:
   testing::FakeClock& clock_;

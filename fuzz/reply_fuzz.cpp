@@ -167,7 +167,7 @@ void tryReply(std::string_view reply) {
   require(again && decodeResponse(*again) == response, "a response that does not come back");
   SeatState state;
   state.waitSeq = static_cast<int64_t>(reply.size());
-  state.clientProfile = static_cast<TeamworkClientProfile::Profile>(reply.size() % 5);
+  state.clientProfile = clients.at(reply.size() % clients.size()).profile;
   renderAsWaitEnd(*response, state);
   absorbAnswer(state, *response);
   // The numbers come from the end of the reply, so that its beginning stays one.

@@ -3,27 +3,22 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "json/decoder.h"
+#include "model/markers.h"
 
 #include <cstdint>
 
 namespace quillpost::board {
 
-namespace {
-
-constexpr std::string_view opening = "[[ask:";
-constexpr std::string_view closing = "]]";
-
-}  // namespace
-
 Ask splitAsk(std::string_view stored) {
-  if (!stored.starts_with(opening)) return {std::nullopt, std::string(stored)};
+  if (!stored.starts_with(askMarkerBegin)) return {std::nullopt, std::string(stored)};
   // An option may hold the closing brackets itself: the marker ends where its JSON is whole.
-  for (std::size_t end = stored.find(closing); end != std::string_view::npos;
-       end = stored.find(closing, end + 1)) {
-    const std::string_view json = stored.substr(opening.size(), end - opening.size());
+  for (std::size_t end = stored.find(askMarkerEnd); end != std::string_view::npos;
+       end = stored.find(askMarkerEnd, end + 1)) {
+    const std::string_view json = stored.substr(askMarkerBegin.size(), end - askMarkerBegin.size());
     auto payload = json::decode<TeamworkHumanAsk::Payload>(std::string(json));
     if (!payload) continue;
-    return {std::move(payload), std::string(unicode::trim(stored.substr(end + closing.size())))};
+    return {std::move(payload),
+            std::string(unicode::trim(stored.substr(end + askMarkerEnd.size())))};
   }
   return {std::nullopt, std::string(stored)};
 }

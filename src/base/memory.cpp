@@ -1,6 +1,7 @@
 #include "base/memory.h"
 
 #include <cstdlib>  // says whether the C library is the one that needs to be asked
+#include <utility>
 
 #if defined(__GLIBC__)
 #include <malloc.h>
@@ -16,7 +17,8 @@ void keepMemoryBetweenCalls() {
 #endif
 }
 
-void returnFreeMemory() {
+void MemoryKeeper::giveBack() {
+  if (!std::exchange(holdsMuch_, false)) return;
 #if defined(__GLIBC__)
   ::malloc_trim(0);
 #endif

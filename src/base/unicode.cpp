@@ -107,7 +107,7 @@ char lowered(char ascii) {
 /// The length in bytes of the first user-perceived character of a text that is not empty.
 std::size_t firstCharacterLength(std::string_view rest) {
   if (rest.size() == 1) return 1;
-  // Of two ASCII characters only CR LF holds together; the second settles it for the first.
+  // Of two ASCII characters only CR LF holds together; the second decides it for the first.
   if (isAscii(rest[0]) && isAscii(rest[1])) return rest.starts_with("\r\n") ? 2 : 1;
   std::optional<CodePoint> last = firstCodePoint(rest);
   if (!last) return 1;
@@ -123,7 +123,7 @@ std::size_t firstCharacterLength(std::string_view rest) {
 }
 
 /// How many bytes `rest` begins with that are ASCII and that nothing after them can join.
-std::size_t settledAsciiPrefix(std::string_view rest) {
+std::size_t unjoinedAsciiPrefix(std::string_view rest) {
   const std::size_t length = asciiPrefix(rest);
   if (length == 0 || length == rest.size()) return length;
   // A combining mark joins the letter before it, but no control character.
@@ -175,9 +175,9 @@ bool equalIgnoringCase(std::string_view a, std::string_view b) {
 std::size_t countCharacters(std::string_view whole) {
   std::size_t count = 0;
   while (!whole.empty()) {
-    if (const std::size_t settled = settledAsciiPrefix(whole); settled > 0) {
-      count += settled - countLineEndPairs(whole.substr(0, settled));
-      whole.remove_prefix(settled);
+    if (const std::size_t ascii = unjoinedAsciiPrefix(whole); ascii > 0) {
+      count += ascii - countLineEndPairs(whole.substr(0, ascii));
+      whole.remove_prefix(ascii);
     } else {
       ++count;
       whole.remove_prefix(firstCharacterLength(whole));

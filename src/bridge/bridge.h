@@ -11,6 +11,14 @@
 
 namespace quillpost {
 
+/// What came of one exchange.
+struct Exchange {
+  /// Nothing when no answer came, or one that is not a response.
+  std::optional<TeamworkResponse> response = std::nullopt;
+  /// The size of the answer as it came, its terminator not counted; 0 when none came.
+  std::size_t bytes = 0;
+};
+
 /// Reaches the app that owns the board. Why it could not be reached is never said.
 struct Bridge {
   virtual ~Bridge() = default;
@@ -18,12 +26,8 @@ struct Bridge {
   /// The collaboration token as it is now, read afresh at every call; empty when there is none.
   virtual std::string currentToken() = 0;
 
-  /// Sends one request once and waits for its answer. Nothing when no answer came, or one that is
-  /// not a response.
-  virtual std::optional<TeamworkResponse> send(const TeamworkRequest& request) = 0;
-
-  /// How many bytes the answer to the last send() had; 0 when none came.
-  virtual std::size_t lastReplyBytes() const = 0;
+  /// Sends one request once and waits for its answer.
+  virtual Exchange send(const TeamworkRequest& request) = 0;
 };
 
 }  // namespace quillpost

@@ -84,14 +84,13 @@ std::optional<std::string> BridgeTransport::exchange(const TeamworkRequest& requ
   return readReply(socket, options);
 }
 
-BridgeTransport::Answer BridgeTransport::send(const TeamworkRequest& request,
-                                              const std::string& socketPath,
-                                              std::size_t expectedBytes) {
+Exchange BridgeTransport::send(const TeamworkRequest& request, const std::string& socketPath,
+                               std::size_t expectedBytes) {
   std::optional<std::string> reply =
       exchange(request, socketPath, {.expectedBytes = expectedBytes});
   if (!reply) return {};
   const std::size_t size = reply->size();
-  return {decodeResponse(std::move(*reply)), size};
+  return {.response = decodeResponse(std::move(*reply)), .bytes = size};
 }
 
 SocketBridge::SocketBridge(Access access) : access_(std::move(access)) {}
@@ -102,12 +101,10 @@ std::string SocketBridge::currentToken() {
   return token.empty() ? access_.startToken : std::string(token);
 }
 
-std::optional<TeamworkResponse> SocketBridge::send(const TeamworkRequest& request) {
-  // One call's reply is mostly about as large as the last one's.
-  BridgeTransport::Answer answer =
-      BridgeTransport::send(request, access_.socketPath, lastReplyBytes_);
-  lastReplyBytes_ = answer.replyBytes;
-  return std::move(answer.response);
+Exchange SocketBridge::send(const TeamworkRequest& request) {
+  Exchange exchange = BridgeTransport::send(request, access_.socketPath, expectedBytes_);
+  expectedBytes_ = exchange.bytes;
+  return exchange;
 }
 
 }  // namespace quillpost

@@ -37,17 +37,9 @@ struct BridgeTransport {
   static std::optional<std::string> exchange(const TeamworkRequest& request,
                                              const std::string& socketPath, const Options& options);
 
-  /// What one exchange brought.
-  struct Answer {
-    /// Nothing when no reply came, or one that is not a response.
-    std::optional<TeamworkResponse> response;
-    /// The size of the reply, its terminator not counted; 0 when none came.
-    std::size_t replyBytes = 0;
-  };
-
   /// One exchange with the options as they stand above but for `expectedBytes`, decoded.
-  static Answer send(const TeamworkRequest& request, const std::string& socketPath,
-                     std::size_t expectedBytes = 0);
+  static Exchange send(const TeamworkRequest& request, const std::string& socketPath,
+                       std::size_t expectedBytes = 0);
 };
 
 /// The app at a socket.
@@ -66,12 +58,12 @@ class SocketBridge final : public Bridge {
   /// What the token file holds now, without white space at its ends; the start token, as it was
   /// given, when the file cannot be read or holds nothing else.
   std::string currentToken() override;
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override;
-  std::size_t lastReplyBytes() const override { return lastReplyBytes_; }
+  Exchange send(const TeamworkRequest& request) override;
 
  private:
   Access access_;
-  std::size_t lastReplyBytes_ = 0;
+  // One call's reply is mostly about as large as the last one's.
+  std::size_t expectedBytes_ = 0;
 };
 
 }  // namespace quillpost

@@ -2,15 +2,25 @@
 
 #include "base/text.h"
 #include "base/unicode.h"
+#include "model/coding.h"
+#include "model/human_ask.h"
 #include "model/markers.h"
 #include "tools/tools.h"
 
 #include <algorithm>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 namespace quillpost {
 namespace {
+
+using Payload = TeamworkHumanAsk::Payload;
+
+// What the person's chip and phone have room for, in characters but for the number of options.
+constexpr std::size_t optionsKept = 4;
+constexpr std::size_t optionCharacters = 80;
+constexpr std::size_t consequenceCharacters = 200;
 
 struct Question {
   std::string text;
@@ -28,15 +38,47 @@ std::optional<Question> findQuestion(const Arguments& arguments) {
   return std::nullopt;
 }
 
-/// The kind that was asked for, or the one that the other arguments point to.
-std::string resolveKind(const AskMarker& ask) {
-  if (ask.kind &&
-      std::ranges::find(properties::blockerKinds, *ask.kind) != properties::blockerKinds.end())
-    return *ask.kind;
-  if (ask.secretName) return "secret";
-  if (!ask.options.empty()) return "decision";
-  if (ask.artifact) return "review";
+/// The kind that was asked for, or the one that the rest of the ask points to.
+std::string resolveKind(const std::optional<std::string>& asked, const Payload& ask) {
+  const std::string kind = text::lowered(asked.value_or(""));
+  if (std::ranges::find(properties::blockerKinds, kind) != properties::blockerKinds.end())
+    return kind;
+  if (ask.s) return "secret";
+  if (ask.o) return "decision";
+  if (ask.a) return "review";
   return "respond";
+}
+
+/// The options that are kept, each as much of it as is kept; nothing when none was given.
+std::optional<std::vector<std::string>> offered(std::optional<std::vector<std::string>> options) {
+  if (!options || options->empty()) return std::nullopt;
+  if (options->size() > optionsKept) options->resize(optionsKept);
+  for (std::string& option : *options)
+    option.resize(unicode::firstCharacters(option, optionCharacters).size());
+  return options;
+}
+
+/// How the person is asked, besides the question itself; nothing when the arguments do not say. An
+/// optional text that is there counts as given even when it is empty.
+std::optional<Payload> readAsk(const Arguments& arguments) {
+  const std::optional<std::string> kind = arguments.text("blockerKind");
+  Payload ask;
+  ask.o = offered(arguments.texts("blockerOptions"));
+  ask.s = arguments.text("blockerSecretName");
+  ask.a = arguments.text("blockerArtifact");
+  ask.c = arguments.text("blockerConsequence");
+  if (!kind && !ask.o && !ask.s && !ask.a && !ask.c) return std::nullopt;
+  ask.k = resolveKind(kind, ask);
+  if (ask.c) ask.c->resize(unicode::firstCharacters(*ask.c, consequenceCharacters).size());
+  return ask;
+}
+
+/// The question behind its marker; the question alone when the marker would hold a text that is not
+/// UTF-8.
+std::string marked(const Payload& ask, std::string_view question) {
+  const std::string payload = encodeHumanAsk(ask);
+  if (!unicode::isValid(payload)) return std::string(question);
+  return text::cat(askMarkerBegin, payload, askMarkerEnd, " ", question);
 }
 
 }  // namespace
@@ -50,22 +92,10 @@ BlockerQuestion composeBlockerQuestion(const Arguments& arguments) {
     question->text.resize(kept);
   }
 
-  AskMarker ask{
-      .kind = arguments.text("blockerKind"),
-      .options = arguments.texts("blockerOptions").value_or(std::vector<std::string>()),
-      .secretName = arguments.text("blockerSecretName"),
-      .artifact = arguments.text("blockerArtifact"),
-      .consequence = arguments.text("blockerConsequence"),
-  };
-  const bool isTyped =
-      ask.kind || !ask.options.empty() || ask.secretName || ask.artifact || ask.consequence;
-  if (!isTyped) {
-    if (!question) return {};
-    return {.text = std::move(question->text)};
-  }
-  if (ask.kind) ask.kind = text::lowered(*ask.kind);
-  ask.kind = resolveKind(ask);
-  return {.text = askMarker(ask, question ? question->text : std::string())};
+  const std::optional<Payload> ask = readAsk(arguments);
+  if (ask) return {.text = marked(*ask, question ? question->text : std::string())};
+  if (!question) return {};
+  return {.text = std::move(question->text)};
 }
 
 }  // namespace quillpost

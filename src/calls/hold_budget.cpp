@@ -24,11 +24,6 @@ std::optional<int64_t> readSeconds(const Environment& environment, const char* n
   return value ? text::parseInteger(*value) : std::nullopt;
 }
 
-/// These cancel a tool call that takes longer, whatever a person sets.
-bool cancelsLongCalls(Profile profile) {
-  return profile == Profile::cursor || profile == Profile::unknown;
-}
-
 }  // namespace
 
 HoldSettings readHoldSettings(const Environment& environment) {
@@ -37,17 +32,19 @@ HoldSettings readHoldSettings(const Environment& environment) {
 }
 
 int64_t holdBudget(Profile profile, const HoldSettings& settings) {
+  const ClientTraits& client = traitsOf(profile);
   if (settings.budget) {
     const int64_t budget = std::clamp(*settings.budget, shortestBudget, longestHold);
-    return cancelsLongCalls(profile) ? std::min(budget, defaultHold) : budget;
+    return client.cancelsLongCalls ? std::min(budget, defaultHold) : budget;
   }
-  if (profile == Profile::claude && settings.maximum)
+  if (client.heedsLongestWait && settings.maximum)
     return std::clamp(*settings.maximum, shortestMaximum, longestHold);
   return defaultHold;
 }
 
 bool cannotHoldLong(Profile profile, const HoldSettings& settings) {
-  return cancelsLongCalls(profile) || (profile == Profile::codex && !settings.budget);
+  const ClientTraits& client = traitsOf(profile);
+  return client.cancelsLongCalls || (client.holdsLongByBudgetOnly && !settings.budget);
 }
 
 Hold holdFor(std::optional<int64_t> asked, std::optional<int64_t> budget) {

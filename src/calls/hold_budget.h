@@ -15,7 +15,7 @@ namespace quillpost {
 struct HoldSettings {
   /// For every client.
   std::optional<int64_t> budget;
-  /// For claude, when there is no budget.
+  /// For clients that heed it, when there is no budget.
   std::optional<int64_t> maximum;
 };
 

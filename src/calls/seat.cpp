@@ -1,5 +1,7 @@
 #include "calls/seat.h"
 
+#include <utility>
+
 namespace quillpost {
 
 TeamworkRequest requestFrom(const Seat& seat, std::string_view method) {
@@ -8,6 +10,12 @@ TeamworkRequest requestFrom(const Seat& seat, std::string_view method) {
   request.sessionID = seat.sessionID;
   request.method = method;
   return request;
+}
+
+std::optional<TeamworkResponse> send(const TeamworkRequest& request, Seat& seat) {
+  Exchange exchange = seat.doors.bridge.send(request);
+  seat.memory.took(exchange.bytes);
+  return std::move(exchange.response);
 }
 
 }  // namespace quillpost

@@ -22,12 +22,11 @@ constexpr std::string_view setGoal = ToolName("set_goal").text;
 constexpr std::string_view updateTask = ToolName("update_task").text;
 
 /// The request is sent unchanged each time, its token included.
-std::optional<TeamworkResponse> sendWithRetry(const TeamworkRequest& request,
-                                              const SeatDoors& doors) {
+std::optional<TeamworkResponse> sendWithRetry(const TeamworkRequest& request, Seat& seat) {
   for (int attempt = 1;; ++attempt) {
-    std::optional<TeamworkResponse> answer = doors.bridge.send(request);
+    std::optional<TeamworkResponse> answer = send(request, seat);
     if (answer || attempt == attempts) return answer;
-    doors.clock.sleepFor(pauseBetweenAttempts);
+    seat.doors.clock.sleepFor(pauseBetweenAttempts);
   }
 }
 
@@ -58,7 +57,7 @@ ToolReply callBoard(std::string_view tool, const Arguments& arguments, Seat& sea
   }
   if (request.token.empty()) return inWords(texts::outsideThread, CallEnd::outsideThread);
 
-  std::optional<TeamworkResponse> answer = sendWithRetry(request, seat.doors);
+  std::optional<TeamworkResponse> answer = sendWithRetry(request, seat);
   if (!answer) return inWords(texts::appUnreachable, CallEnd::unreachable);
   absorbAnswer(seat.state, *answer);
   const bool isRefused = answer->kind == TeamworkResponse::Kind::error;

@@ -124,7 +124,6 @@ std::optional<WaitEnd> endAfter(TeamworkResponse& answer, Heard& heard, SeatStat
 
 WaitEnd listen(const WaitPlan& plan, Heard& heard, Seat& seat, const Listener& listener) {
   Clock& clock = seat.doors.clock;
-  Bridge& bridge = seat.doors.bridge;
   const std::optional<int64_t> held = plan.hold.seconds;
   WaitTimetable timetable(clock.now(),
                           held ? std::optional<Duration>(seconds(*held)) : std::nullopt,
@@ -132,7 +131,7 @@ WaitEnd listen(const WaitPlan& plan, Heard& heard, Seat& seat, const Listener& l
   for (int64_t progressCount = 0;;) {  // bounded by the deadline, where there is one
     if (listener.isThere && !listener.isThere()) return {CallEnd::callerGone};
     if (timetable.heartbeatDue(clock.now())) {
-      bridge.send(heartbeatFor(seat, plan));
+      send(heartbeatFor(seat, plan), seat);
       timetable.heartbeatSentAt(clock.now());
     }
     if (timetable.progressDue(clock.now())) {
@@ -142,7 +141,7 @@ WaitEnd listen(const WaitPlan& plan, Heard& heard, Seat& seat, const Listener& l
 
     const Instant asked = clock.now();
     std::optional<TeamworkResponse> answer =
-        bridge.send(pollFor(seat, plan, heard.cursor, timetable.nextWake() - asked));
+        send(pollFor(seat, plan, heard.cursor, timetable.nextWake() - asked), seat);
     if (answer) {
       if (std::optional<WaitEnd> end = endAfter(*answer, heard, seat.state, listener))
         return std::move(*end);

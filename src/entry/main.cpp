@@ -3,9 +3,11 @@
 
 #include "base/clock.h"
 #include "base/environment.h"
+#include "base/input.h"
 #include "base/memory.h"
 #include "base/output.h"
 #include "bridge/transport.h"
+#include "calls/seat.h"
 #include "entry/settings.h"
 #include "entry/stop_hook.h"
 #include "mcp/stdio_server.h"
@@ -36,11 +38,10 @@ SocketBridge bridgeFor(const Settings& settings) {
                        .startToken = settings.token});
 }
 
-int runHook(const Settings& settings) {
+int runHook(Seat& seat) {
   FdInput input(STDIN_FILENO);
   drain(input);
-  SocketBridge bridge = bridgeFor(settings);
-  const HookResult result = runStopHook(settings.sessionID, bridge);
+  const HookResult result = runStopHook(seat);
   if (!result.line.empty()) {
     // The status is what keeps the agent going, and must come even when nobody reads the line.
     std::signal(SIGPIPE, SIG_IGN);
@@ -49,22 +50,23 @@ int runHook(const Settings& settings) {
   return result.status;
 }
 
-int runServer(const Settings& settings, const Environment& environment) {
-  SteadyClock clock;
-  SocketBridge bridge = bridgeFor(settings);
+int runServer(const Seat& seat) {
   FdInput input(STDIN_FILENO);
   FdOutput output(STDOUT_FILENO);
-  TeamworkStdioServer server(settings.sessionID, {clock, environment, bridge}, output);
+  TeamworkStdioServer server(seat.sessionID, seat.doors, output);
   server.run(input);
   return 0;
 }
 
 int run(std::span<char*> arguments) {
   const ProcessEnvironment environment;
-  DiskDiscovery discovery(environment);
-  const Settings settings = readSettings(environment, discovery);
+  const Settings settings = readSettings({environment});
+  SteadyClock clock;
+  SocketBridge bridge = bridgeFor(settings);
+  Seat seat = {.doors = {.clock = clock, .environment = environment, .bridge = bridge},
+               .sessionID = settings.sessionID};
   const bool isHook = std::ranges::find(arguments, hookArgument) != arguments.end();
-  return isHook ? runHook(settings) : runServer(settings, environment);
+  return isHook ? runHook(seat) : runServer(seat);
 }
 
 }  // namespace

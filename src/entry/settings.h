@@ -3,9 +3,8 @@
 // What the program is told at start, by its environment or by what lies on disk. Never an error:
 // what is missing is the empty text.
 
-#include "base/environment.h"
+#include "bridge/discovery.h"
 
-#include <optional>
 #include <string>
 
 namespace quillpost {
@@ -24,30 +23,11 @@ struct Settings {
   bool operator==(const Settings&) const = default;
 };
 
-/// Finds the app's socket when the environment does not name it.
-struct Discovery {
-  virtual ~Discovery() = default;
-  /// The socket that the seat file names, of whatever service; nothing when there is none.
-  virtual std::optional<std::string> seatSocketPath() = 0;
-  /// The one teamwork socket that is live; nothing when none is, or several are.
-  virtual std::optional<std::string> liveSocketPath() = 0;
-};
-
-/// Looks in the user's support directory.
-class DiskDiscovery final : public Discovery {
- public:
-  /// The environment must outlive this.
-  explicit DiskDiscovery(const Environment& environment) : environment_(environment) {}
-
-  std::optional<std::string> seatSocketPath() override;
-  std::optional<std::string> liveSocketPath() override;
-
- private:
-  const Environment& environment_;
-};
-
-/// The settings. A variable that is set counts even when it is empty; discovery is asked only when
-/// the one for the socket is not set, and its scan only when there is no seat.
-Settings readSettings(const Environment& environment, Discovery& discovery);
+/// The settings, by the environment and the directory of `where`. A variable that is set counts
+/// even when it is empty. The disk is looked at only when the one for the socket is not set, and
+/// sockets are probed only when there is no seat file: that takes up to a probe's time for each of
+/// them.
+Settings readSettings(const BridgeDiscovery::Where& where,
+                      const BridgeDiscovery::Probe& probe = BridgeDiscovery::acceptsConnection);
 
 }  // namespace quillpost

@@ -31,14 +31,11 @@ void drain(Input& input) {
   }
 }
 
-HookResult runStopHook(const std::string& sessionID, Bridge& bridge) {
-  if (sessionID.empty()) return {letStop, {}};
-  TeamworkRequest request;
-  request.token = bridge.currentToken();
+HookResult runStopHook(Seat& seat) {
+  if (seat.sessionID.empty()) return {letStop, {}};
+  const TeamworkRequest request = requestFrom(seat, wakeQuery);
   if (request.token.empty()) return {letStop, {}};
-  request.sessionID = sessionID;
-  request.method = wakeQuery;
-  if (!isWake(bridge.send(request))) return {letStop, {}};
+  if (!isWake(send(request, seat))) return {letStop, {}};
   return {keepGoing, texts::stopHookLine};
 }
 

@@ -3,10 +3,9 @@
 // The stop hook: run when the agent is about to end its turn, it asks the app once whether anything
 // is waiting for this seat. Whatever is missing or goes wrong lets the agent stop.
 
-#include "base/output.h"
-#include "bridge/bridge.h"
+#include "base/input.h"
+#include "calls/seat.h"
 
-#include <string>
 #include <string_view>
 
 namespace quillpost {
@@ -26,6 +25,6 @@ struct HookResult {
 void drain(Input& input);
 
 /// Asks the app, once. Without a session or a token nothing is asked.
-HookResult runStopHook(const std::string& sessionID, Bridge& bridge);
+HookResult runStopHook(Seat& seat);
 
 }  // namespace quillpost

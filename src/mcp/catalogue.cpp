@@ -50,13 +50,9 @@ void addSchema(json::Object& schema, const Tool& tool) {
 
 }  // namespace
 
-bool hasLongWaitEnding(TeamworkClientProfile::Profile profile) {
-  return profile == TeamworkClientProfile::Profile::claude;
-}
-
 std::string toolListResult(TeamworkClientProfile::Profile profile) {
   const std::string_view waitEnding =
-      hasLongWaitEnding(profile) ? texts::waitEndingForClaude : texts::waitEndingForOthers;
+      traitsOf(profile).turnsExitIntoTurn ? texts::waitEndingForClaude : texts::waitEndingForOthers;
   std::string text;
   {
     json::Object result(text);

@@ -9,10 +9,7 @@
 namespace quillpost {
 
 /// The result of tools/list as JSON text: {"tools": [...]}. It depends on the client in one
-/// sentence of one description.
+/// sentence of one description, and there on nothing but the trait `turnsExitIntoTurn`.
 std::string toolListResult(TeamworkClientProfile::Profile profile);
-
-/// Whether a client gets that sentence in its long form.
-bool hasLongWaitEnding(TeamworkClientProfile::Profile profile);
 
 }  // namespace quillpost

@@ -1,7 +1,7 @@
 #include "mcp/stdio_server.h"
 
-#include "base/memory.h"
 #include "base/text.h"
+#include "base/version.h"
 #include "calls/tool_call.h"
 #include "calls/wait.h"
 #include "json/writer.h"
@@ -30,13 +30,9 @@ constexpr std::size_t inputChunkBytes = std::size_t{64} << 10;
 // An ordinary request's tree fits here, so that reading one allocates nothing.
 constexpr std::size_t treeScratchBytes = std::size_t{8} << 10;
 
-// The memory that a reply or a line of this size took is worth giving back: it is beyond a board of
-// a thousand tasks.
-constexpr std::size_t largeBytes = std::size_t{2} << 20;
-
 // A client that asks again within this time uses the same memory again: given back and fetched anew
 // each time, it cost as much as all the rest of an answer of 16 MiB.
-constexpr Duration settlingTime = std::chrono::milliseconds(5);
+constexpr Duration quietAfter = std::chrono::milliseconds(5);
 
 const json::TreeObject& emptyObject() {
   static const json::TreeObject empty;
@@ -53,7 +49,7 @@ std::string initializeResult() {
     json::Object result(text);
     result.add("protocolVersion", "2024-11-05");
     result.object("capabilities").object("tools").add("listChanged", false);
-    result.object("serverInfo").add("name", "quillpost-teamwork").add("version", "1.0.0");
+    result.object("serverInfo").add("name", "quillpost-teamwork").add("version", programVersion());
     result.add("instructions", texts::serverInstructions);
   }
   return text;
@@ -83,10 +79,10 @@ void TeamworkStdioServer::run(Input& input) {
     lines.feed({chunk.get(), count});
     while (const std::optional<std::string_view> line = lines.next()) {
       handle(*line);
-      if (line->size() >= largeBytes) holdsMuchMemory_ = true;
+      seat_.memory.took(line->size());
       if (!writer_.connected()) return;
     }
-    settle(input);
+    if (seat_.memory.holdsMuch() && !input.comesWithin(quietAfter)) seat_.memory.giveBack();
   }
   if (const std::optional<std::string_view> last = lines.rest()) handle(*last);
 }
@@ -102,7 +98,8 @@ void TeamworkStdioServer::handle(std::string_view line) {
   const Message message = {.id = json::find(*object, "id"),
                            .params = json::findObject(*object, "params")};
   const std::string_view name = json::findText(*object, "method").value_or("");
-  if (name != toolsCall) giveMemoryBack();
+  // Nothing but another call is likely to need as much again.
+  if (name != toolsCall) seat_.memory.giveBack();
   const auto* method = std::ranges::find(methods, name, &Method::name);
   if (method != methods.end()) {
     (this->*method->answer)(message);
@@ -114,7 +111,7 @@ void TeamworkStdioServer::handle(std::string_view line) {
 void TeamworkStdioServer::answerInitialize(const Message& message) {
   const json::TreeObject* client = json::findObject(orEmpty(message.params), "clientInfo");
   const std::optional<std::string_view> name = json::findText(orEmpty(client), "name");
-  if (name) seat_.state.clientProfile = TeamworkClientProfile::fromName(*name);
+  if (name) absorbClientName(seat_.state, *name);
   writer_.sendResult(message.id, initializeResult());
 }
 
@@ -124,7 +121,7 @@ void TeamworkStdioServer::answerPing(const Message& message) {
 
 void TeamworkStdioServer::answerToolsList(const Message& message) {
   const TeamworkClientProfile::Profile profile = seat_.state.clientProfile;
-  std::string& list = toolLists_[hasLongWaitEnding(profile) ? 1 : 0];
+  std::string& list = toolLists_.at(traitsOf(profile).turnsExitIntoTurn ? 1 : 0);
   if (list.empty()) list = toolListResult(profile);
   writer_.sendResult(message.id, list);
 }
@@ -139,19 +136,9 @@ void TeamworkStdioServer::answerToolsCall(const Message& message) {
   }
   const ToolReply reply = callTool(name, params);
   writer_.sendText(message.id, reply.text, threadEnding(reply));
-  if (seat_.doors.bridge.lastReplyBytes() >= largeBytes) holdsMuchMemory_ = true;
 }
 
 void TeamworkStdioServer::ignoreNotification(const Message& /*message*/) {}
-
-void TeamworkStdioServer::settle(Input& input) {
-  if (holdsMuchMemory_ && !input.comesWithin(settlingTime)) giveMemoryBack();
-}
-
-void TeamworkStdioServer::giveMemoryBack() {
-  if (!std::exchange(holdsMuchMemory_, false)) return;
-  returnFreeMemory();
-}
 
 ToolReply TeamworkStdioServer::callTool(std::string_view name, const json::TreeObject& params) {
   const Arguments arguments(orEmpty(json::findObject(params, "arguments")));

@@ -2,6 +2,7 @@
 
 // The server that the client speaks MCP to: one JSON object a line, one line after the other.
 
+#include "base/input.h"
 #include "base/output.h"
 #include "calls/seat.h"
 #include "calls/tool_reply.h"
@@ -50,15 +51,10 @@ class TeamworkStdioServer {
   void answerToolsCall(const Message& message);
   void ignoreNotification(const Message& message);
 
-  /// Gives back what something large took, unless the client goes on at once.
-  void settle(Input& input);
-  void giveMemoryBack();
-
   ToolReply callTool(std::string_view name, const json::TreeObject& params);
 
   Seat seat_;
   JsonRpcWriter writer_;
-  bool holdsMuchMemory_ = false;  // of a large reply or line, since the last settling
   // The two forms of the tool list, each made when it is first asked for.
   std::array<std::string, 2> toolLists_;
 };

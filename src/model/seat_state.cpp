@@ -35,6 +35,10 @@ void absorbFeed(SeatState& state, const TeamworkResponse& answer) {
   absorbNotes(state, answer);
 }
 
+void absorbClientName(SeatState& state, std::string_view clientName) {
+  state.clientProfile = TeamworkClientProfile::fromName(clientName);
+}
+
 void absorbWaitEnd(SeatState& state) { state.waitSeq = text::saturatingAdd(state.waitSeq, 1); }
 
 }  // namespace quillpost

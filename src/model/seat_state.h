@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace quillpost {
 
@@ -25,6 +26,7 @@ struct SeatState {
   /// The last ones that came with a response; nothing until one has.
   std::optional<TeamworkObligations> lastObligations;
   std::optional<TeamworkAudience> lastAudience;
+  /// The harness that speaks for the seat; unknown until it has named itself.
   TeamworkClientProfile::Profile clientProfile = TeamworkClientProfile::Profile::unknown;
   /// How many wait outcomes have been rendered, the one at hand included.
   int64_t waitSeq = 0;
@@ -37,6 +39,9 @@ void absorbAnswer(SeatState& state, const TeamworkResponse& answer);
 /// Takes what a poll's answer says: the feed's revision, the obligations and the audience. An
 /// answer without a feed changes nothing.
 void absorbFeed(SeatState& state, const TeamworkResponse& answer);
+
+/// Takes the name that a client gives itself. One that is not told apart is unknown from then on.
+void absorbClientName(SeatState& state, std::string_view clientName);
 
 /// Counts a wait whose outcome is about to be rendered.
 void absorbWaitEnd(SeatState& state);

@@ -33,9 +33,8 @@ void addRegistration(json::Object& out, const std::optional<TeamworkSquadState>&
   out.add("protocol", texts::boardProtocol);
   out.add("access", texts::access);
   out.array("rules", addRules);
-  // What waits cost is said at length in the description of the tool that waits, for this client
-  // alone.
-  const bool toldElsewhere = state.clientProfile == TeamworkClientProfile::Profile::claude;
+  // Such a client reads what waits cost in the description of the tool that waits, at length.
+  const bool toldElsewhere = traitsOf(state.clientProfile).turnsExitIntoTurn;
   out.add("commandLine", commandLineNote(toldElsewhere));
   if (state.selfHandle) {
     out.add("yourHandle", *state.selfHandle);

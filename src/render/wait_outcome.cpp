@@ -40,7 +40,7 @@ bool wasTagged(const TeamworkChangeFeed& feed) {
 }
 
 std::string_view quietTurn(const SeatState& state) {
-  if (state.clientProfile == TeamworkClientProfile::Profile::claude) return texts::quietCheaperWait;
+  if (traitsOf(state.clientProfile).turnsExitIntoTurn) return texts::quietCheaperWait;
   return texts::quietTurns[static_cast<uint64_t>(state.waitSeq) % std::size(texts::quietTurns)];
 }
 

@@ -274,12 +274,12 @@ TEST_F(Transport, DecodesTheReply) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     app.play(row.behaviour);
-    const BridgeTransport::Answer answer = BridgeTransport::send(request(), app.path());
+    const Exchange answer = BridgeTransport::send(request(), app.path());
     ASSERT_EQ(answer.response.has_value(), row.message.has_value());
     if (row.message) {
       EXPECT_EQ(answer.response->message, row.message);
     }
-    EXPECT_EQ(answer.replyBytes, row.bytes);
+    EXPECT_EQ(answer.bytes, row.bytes);
   }
 }
 
@@ -287,14 +287,14 @@ TEST_F(Transport, DecodesTheReply) {
 
 TEST_F(Transport, SendsOverTheSocketOfTheBridge) {
   SocketBridge bridge({app.path(), "", ""});
-  EXPECT_EQ(bridge.lastReplyBytes(), 0u);
   app.play(testing::reply(R"({"kind":"empty"})"));
-  const std::optional<TeamworkResponse> response = bridge.send(request());
-  ASSERT_TRUE(response);
-  EXPECT_EQ(response->kind, TeamworkResponse::Kind::empty);
-  EXPECT_EQ(bridge.lastReplyBytes(), 16u);
-  EXPECT_FALSE(bridge.send(request()));
-  EXPECT_EQ(bridge.lastReplyBytes(), 0u);
+  const Exchange answered = bridge.send(request());
+  ASSERT_TRUE(answered.response);
+  EXPECT_EQ(answered.response->kind, TeamworkResponse::Kind::empty);
+  EXPECT_EQ(answered.bytes, 16u);
+  const Exchange failed = bridge.send(request());
+  EXPECT_FALSE(failed.response);
+  EXPECT_EQ(failed.bytes, 0u);
   // One try each: trying again is for the caller to decide.
   EXPECT_EQ(app.connections().size(), 2u);
 }

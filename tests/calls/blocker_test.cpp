@@ -219,6 +219,28 @@ TEST(BlockerKind, IsInferredInOrderWhenNoneIsNamed) {
   // clang-format on
 }
 
+TEST(BlockerQuestion, IsTypedByATextThatIsEmptyButNotByAListThatIs) {
+  // clang-format off
+  check({
+      {"an empty secret name", R"({"blockerQuestion":"Q?","blockerSecretName":""})",
+       R"([[ask:{"k":"secret","s":""}]] Q?)"},
+      {"an empty artifact", R"({"blockerQuestion":"Q?","blockerArtifact":""})",
+       R"([[ask:{"a":"","k":"review"}]] Q?)"},
+      {"an empty consequence", R"({"blockerQuestion":"Q?","blockerConsequence":""})",
+       R"([[ask:{"c":"","k":"respond"}]] Q?)"},
+      {"an empty option", R"({"blockerQuestion":"Q?","blockerOptions":[""]})",
+       R"([[ask:{"k":"decision","o":[""]}]] Q?)"},
+      {"no options", R"({"blockerQuestion":"Q?","blockerOptions":[]})", "Q?"},
+  });
+  // clang-format on
+}
+
+TEST(BlockerQuestion, StandsAloneWhenItsMarkerWouldNotBeUtf8) {
+  json::TreeObject arguments = objectFrom(R"({"blockerQuestion":"Q?"})");
+  arguments["blockerSecretName"] = "\xff";
+  EXPECT_EQ(composeBlockerQuestion(Arguments(arguments)).text, "Q?");
+}
+
 TEST(BlockerQuestion, KeepsFourOptionsAndCutsLongTexts) {
   const std::string eighty = times(80, "😀");
   const std::string twoHundred = times(200, "e\xcc\x81");

@@ -22,5 +22,26 @@ TEST(Seat, SendsItsEnvelopeAndNothingElse) {
   EXPECT_TRUE(bridge.requests.empty());
 }
 
+TEST(Seat, SendsOnceAndTellsItsMemoryHowLargeTheAnswerWas) {
+  testing::FakeClock clock;
+  testing::FakeBridge bridge(clock);
+  const MapEnvironment environment;
+  Seat seat = {.doors = {.clock = clock, .environment = environment, .bridge = bridge}};
+  const TeamworkRequest request = requestFrom(seat, "heartbeat");
+
+  TeamworkResponse written;
+  written.kind = TeamworkResponse::Kind::written;
+  bridge.answers("heartbeat", written);
+  EXPECT_TRUE(send(request, seat) == written);
+  EXPECT_FALSE(seat.memory.holdsMuch());
+
+  bridge.otherwise = [](const TeamworkRequest&) {
+    return testing::FakeAnswer{.bytes = MemoryKeeper::largeBytes};
+  };
+  EXPECT_FALSE(send(request, seat)) << "an answer that is no response";
+  EXPECT_TRUE(seat.memory.holdsMuch()) << "took its memory all the same";
+  EXPECT_EQ(bridge.requests.size(), 2u);
+}
+
 }  // namespace
 }  // namespace quillpost

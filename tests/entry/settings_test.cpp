@@ -1,39 +1,34 @@
 #include "entry/settings.h"
 
-#include "harness/scripted_app.h"
+#include "base/text.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include <unistd.h>
+
 namespace quillpost {
 namespace {
 
-using testing::ScriptedApp;
 using testing::TempDir;
-
-/// Finds what it was given, and writes down what it was asked for.
-struct FakeDiscovery final : Discovery {
-  std::optional<std::string> seatSocketPath() override {
-    asked += "seat ";
-    return seat;
-  }
-  std::optional<std::string> liveSocketPath() override {
-    asked += "scan ";
-    return live;
-  }
-
-  std::optional<std::string> seat, live;
-  std::string asked;
-};
 
 TEST(Settings, ComeFromTheEnvironmentAndElseFromDisk) {
   struct Row {
     const char* name;
     std::map<std::string, std::string> environment;
-    std::optional<std::string> seat, live;
+    std::optional<std::string> seat;  // the socket that the seat file names
+    bool hasSocket;                   // whether there is one to be found by probing
     Settings settings;
-    std::string asked;
+    bool isProbed;
   };
+  const TempDir base;
+  const std::string found = base.pathOf("Quillpost/teamwork-L.sock");
+  const std::string foundToken = base.pathOf("Quillpost/teamwork-L.token");
   const Row rows[] = {
       {"all set",
        {{"QUILLPOST_SESSION_ID", "S1"},
@@ -41,96 +36,86 @@ TEST(Settings, ComeFromTheEnvironmentAndElseFromDisk) {
         {"QUILLPOST_COLLAB_SOCKET", "/tmp/a.sock"},
         {"QUILLPOST_COLLAB_TOKEN_FILE", "/tmp/t"}},
        "/d/mcp-K7.sock",
-       "/d/teamwork-L.sock",
+       true,
        {"S1", "t0k", "/tmp/a.sock", "/tmp/t"},
-       ""},
-      {"nothing at all", {}, {}, {}, {}, "seat scan "},
+       false},
+      {"nothing at all", {}, {}, false, {}, false},
       {"token file beside the socket",
        {{"QUILLPOST_COLLAB_SOCKET", "/tmp/a.sock"}},
        {},
-       {},
+       true,
        {"", "", "/tmp/a.sock", "/tmp/a.token"},
-       ""},
+       false},
       {"token file beside a socket without an extension",
        {{"QUILLPOST_COLLAB_SOCKET", "/x/sock"}},
        {},
-       {},
+       true,
        {"", "", "/x/sock", "/x/sock.token"},
-       ""},
-      {"empty socket",
-       {{"QUILLPOST_COLLAB_SOCKET", ""}},
-       "/d/mcp-K7.sock",
-       "/d/teamwork-L.sock",
-       {},
-       ""},
+       false},
+      {"empty socket", {{"QUILLPOST_COLLAB_SOCKET", ""}}, "/d/mcp-K7.sock", true, {}, false},
       {"empty token file",
        {{"QUILLPOST_COLLAB_SOCKET", "/tmp/a.sock"}, {"QUILLPOST_COLLAB_TOKEN_FILE", ""}},
        {},
-       {},
+       true,
        {"", "", "/tmp/a.sock", ""},
-       ""},
+       false},
       {"empty session and token",
        {{"QUILLPOST_SESSION_ID", ""}, {"QUILLPOST_COLLAB_TOKEN", ""}},
        {},
+       false,
        {},
-       {},
-       "seat scan "},
+       false},
       {"token file set and socket discovered",
        {{"QUILLPOST_COLLAB_TOKEN_FILE", "/tmp/t"}},
        "/d/mcp-K7.sock",
-       {},
+       false,
        {"", "", "/d/teamwork-K7.sock", "/tmp/t"},
-       "seat "},
+       false},
       {"seat",
        {},
        "/d/mcp-K7.sock",
-       "/d/teamwork-L.sock",
+       true,
        {"", "", "/d/teamwork-K7.sock", "/d/teamwork-K7.token"},
-       "seat "},
-      {"seat without a suffix", {}, "/d/socket.sock", "/d/teamwork-L.sock", {}, "seat "},
-      {"scan",
-       {},
-       {},
-       "/d/teamwork-L.sock",
-       {"", "", "/d/teamwork-L.sock", "/d/teamwork-L.token"},
-       "seat scan "},
+       false},
+      {"seat without a suffix", {}, "/d/socket.sock", true, {}, false},
+      {"probed", {}, {}, true, {"", "", found, foundToken}, true},
       {"values as they stand",
        {{"QUILLPOST_SESSION_ID", " S1\n"},
         {"QUILLPOST_COLLAB_TOKEN", "\xFF "},
         {"QUILLPOST_COLLAB_SOCKET", " "}},
        {},
-       {},
+       true,
        {" S1\n", "\xFF ", " ", " .token"},
-       ""},
+       false},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    FakeDiscovery discovery;
-    discovery.seat = row.seat;
-    discovery.live = row.live;
-    const Settings settings = readSettings(MapEnvironment(row.environment), discovery);
+    base.write("Quillpost/agent-seat", row.seat ? text::cat("X\n", *row.seat, "\n") : "");
+    if (row.hasSocket) {
+      base.write("Quillpost/teamwork-L.sock", "");
+    } else {
+      ::unlink(found.c_str());
+    }
+    std::vector<std::string> probed;
+    const MapEnvironment environment(row.environment);
+    const Settings settings =
+        readSettings({environment, base.path()}, [&](const std::string& path) {
+          probed.push_back(path);
+          return true;
+        });
     EXPECT_EQ(settings.sessionID, row.settings.sessionID);
     EXPECT_EQ(settings.token, row.settings.token);
     EXPECT_EQ(settings.socketPath, row.settings.socketPath);
     EXPECT_EQ(settings.tokenFilePath, row.settings.tokenFilePath);
-    EXPECT_EQ(discovery.asked, row.asked);
+    EXPECT_EQ(probed, row.isProbed ? std::vector{found} : std::vector<std::string>());
   }
 }
 
-TEST(DiskDiscovery, LooksInTheSupportDirectoryOfTheEnvironment) {
-  const TempDir home;
-  home.makeDirectory("Library/Application Support/Quillpost");
-  const MapEnvironment environment(std::map<std::string, std::string>{{"HOME", home.path()}});
-  DiskDiscovery discovery(environment);
-  EXPECT_EQ(discovery.seatSocketPath(), std::nullopt);
-  EXPECT_EQ(discovery.liveSocketPath(), std::nullopt);
-
-  const std::string directory = "Library/Application Support/Quillpost/";
-  const ScriptedApp app(home.pathOf(directory + "teamwork-A.sock"));
-  const ScriptedApp other(home.pathOf(directory + "mcp-A.sock"));
-  home.write(directory + "agent-seat", "X\n/d/mcp-K7.sock\n");
-  EXPECT_EQ(discovery.seatSocketPath(), "/d/mcp-K7.sock");
-  EXPECT_EQ(discovery.liveSocketPath(), app.path());
+TEST(Settings, NameNoSocketThatNobodyAnswersAt) {
+  const TempDir base;
+  base.write("Quillpost/teamwork-L.sock", "");
+  const MapEnvironment environment;
+  EXPECT_EQ(readSettings({environment, base.path()}), Settings()) << "a file is no live socket";
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "entry/stop_hook.h"
 
+#include "harness/fake_bridge.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,21 +11,10 @@
 namespace quillpost {
 namespace {
 
+using testing::FakeAnswer;
+using testing::FakeBridge;
+using testing::FakeClock;
 using Kind = TeamworkResponse::Kind;
-
-/// Gives one answer and keeps what it was sent.
-struct OneAnswer final : Bridge {
-  std::string currentToken() override { return token; }
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override {
-    sent.push_back(request);
-    return answer;
-  }
-  std::size_t lastReplyBytes() const override { return 0; }
-
-  std::string token = "t0k";
-  std::optional<TeamworkResponse> answer;
-  std::vector<TeamworkRequest> sent;
-};
 
 std::optional<TeamworkResponse> answerOf(Kind kind, std::optional<bool> wakePending) {
   TeamworkResponse response;
@@ -34,19 +25,23 @@ std::optional<TeamworkResponse> answerOf(Kind kind, std::optional<bool> wakePend
 
 const HookResult silent{0, ""};
 
-TEST(StopHook, AsksWithNothingButTheEnvelope) {
-  OneAnswer bridge;
-  runStopHook("S1", bridge);
-  TeamworkRequest expected;
-  expected.protocolVersion = 1;
-  expected.token = "t0k";
-  expected.sessionID = "S1";
-  expected.method = "wake_query";
-  ASSERT_EQ(bridge.sent.size(), 1u);
-  EXPECT_TRUE(bridge.sent.front() == expected);
+struct StopHook : ::testing::Test {
+  FakeClock clock;
+  FakeBridge bridge{clock};
+  const MapEnvironment environment;
+  Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
+            .sessionID = "S1"};
+};
+
+TEST_F(StopHook, AsksOnceWithNothingButTheEnvelope) {
+  runStopHook(seat);
+  EXPECT_EQ(bridge.requests,
+            std::vector<std::string>{
+                R"({"protocolVersion":1,"token":"tok","sessionID":"S1","method":"wake_query"})"});
+  EXPECT_TRUE(clock.sleeps.empty());
 }
 
-TEST(StopHook, KeepsTheAgentGoingOnlyForAWakeThatIsPending) {
+TEST_F(StopHook, KeepsTheAgentGoingOnlyForAWakeThatIsPending) {
   struct Row {
     const char* name;
     std::optional<TeamworkResponse> answer;
@@ -63,32 +58,34 @@ TEST(StopHook, KeepsTheAgentGoingOnlyForAWakeThatIsPending) {
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
-    OneAnswer bridge;
-    bridge.answer = row.answer;
-    const HookResult result = runStopHook("S1", bridge);
+    bridge.requests.clear();
+    bridge.otherwise = [&](const TeamworkRequest&) { return FakeAnswer{.response = row.answer}; };
+    const HookResult result = runStopHook(seat);
     EXPECT_EQ(result.status, row.keepsGoing ? 2 : 0);
     EXPECT_EQ(result.line.empty(), !row.keepsGoing);
-    // One question, whatever came of it.
-    EXPECT_EQ(bridge.sent.size(), 1u);
+    EXPECT_EQ(bridge.requests.size(), 1u) << "one question, whatever came of it";
   }
 }
 
-TEST(StopHook, SaysExactlyOneLine) {
-  OneAnswer bridge;
-  bridge.answer = answerOf(Kind::wake, true);
-  EXPECT_EQ(runStopHook("S1", bridge).line,
+TEST_F(StopHook, SaysExactlyOneLine) {
+  bridge.answers("wake_query", *answerOf(Kind::wake, true));
+  const std::string_view line = runStopHook(seat).line;
+  EXPECT_EQ(line,
             "Quillpost hook, automatic: board changed, call wait_for_changes, act on wakeReasons, "
             "then keep listening\n");
-  EXPECT_EQ(runStopHook("S1", bridge).line.size(), 105u);
+  EXPECT_EQ(line.size(), 105u);
 }
 
-TEST(StopHook, AsksNothingWithoutASessionOrAToken) {
-  OneAnswer bridge;
-  bridge.answer = answerOf(Kind::wake, true);
-  EXPECT_EQ(runStopHook("", bridge), silent);
+TEST_F(StopHook, AsksNothingWithoutASessionOrAToken) {
+  bridge.otherwise = [](const TeamworkRequest&) {
+    return FakeAnswer{.response = answerOf(Kind::wake, true)};
+  };
   bridge.token = "";
-  EXPECT_EQ(runStopHook("S1", bridge), silent);
-  EXPECT_TRUE(bridge.sent.empty());
+  EXPECT_EQ(runStopHook(seat), silent);
+  bridge.token = "tok";
+  seat.sessionID = "";
+  EXPECT_EQ(runStopHook(seat), silent);
+  EXPECT_TRUE(bridge.requests.empty());
 }
 
 /// Gives its pieces one after the other, then the end.
@@ -101,6 +98,8 @@ struct PieceInput final : Input {
     if (pieces.front() == 0) pieces.pop_front();
     return size;
   }
+
+  bool comesWithin(Duration /*atMost*/) override { return true; }
 
   std::deque<std::size_t> pieces;
   int reads = 0;

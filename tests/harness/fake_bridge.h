@@ -23,11 +23,10 @@
 
 namespace quillpost::testing {
 
-/// One answer, or the failure to give one, and how long it takes.
+/// One answer, or the failure to give one, how long it takes, and how large it says it is.
 struct FakeAnswer {
   std::optional<TeamworkResponse> response = std::nullopt;
   Duration took = Duration::zero();
-  /// What lastReplyBytes() tells afterwards.
   std::size_t bytes = 0;
 };
 
@@ -50,17 +49,14 @@ class FakeBridge final : public Bridge {
     return tokens.empty() ? token : take(tokens);
   }
 
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override {
+  Exchange send(const TeamworkRequest& request) override {
     requests.push_back(encodeRequest(request).value_or("not encodable"));
     note(lineFor(request));
     std::deque<FakeAnswer>& script = scripts_[request.method];
     FakeAnswer answer = script.empty() ? otherwise(request) : take(script);
     clock_.advance(answer.took);
-    lastReplyBytes_ = answer.bytes;
-    return std::move(answer.response);
+    return {.response = std::move(answer.response), .bytes = answer.bytes};
   }
-
-  std::size_t lastReplyBytes() const override { return lastReplyBytes_; }
 
   /// Writes a line of the timeline, with the present time in seconds in front. More digits than one
   /// are shown only when the time has them.
@@ -102,7 +98,6 @@ class FakeBridge final : public Bridge {
 
   FakeClock& clock_;
   std::map<std::string, std::deque<FakeAnswer>> scripts_;
-  std::size_t lastReplyBytes_ = 0;
 };
 
 }  // namespace quillpost::testing

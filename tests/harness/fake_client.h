@@ -2,6 +2,7 @@
 
 // A client that is two lists: the pieces in which its bytes arrive, and the messages it was sent.
 
+#include "base/input.h"
 #include "base/output.h"
 
 #include <algorithm>
@@ -61,6 +62,9 @@ class FakeInput final : public Input {
     taken_ += count;
     return count;
   }
+
+  /// Always: this client never makes anybody wait.
+  bool comesWithin(Duration /*atMost*/) override { return true; }
 
   /// How often it was read, the end included.
   int reads = 0;

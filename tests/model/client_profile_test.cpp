@@ -48,6 +48,20 @@ TEST(ClientProfile, IsFoundInTheNameInAFixedOrder) {
     EXPECT_EQ(TeamworkClientProfile::fromName(row.name), row.profile) << row.name;
 }
 
+TEST(ClientProfile, IsFoundByEachNameInItsRow) {
+  for (const ClientTraits& client : clients) {
+    EXPECT_EQ(TeamworkClientProfile::fromName(client.word), client.profile) << client.word;
+    if (client.whole.empty()) continue;
+    EXPECT_EQ(TeamworkClientProfile::fromName(client.whole), client.profile) << client.whole;
+  }
+}
+
+TEST(ClientTraits, AreThoseOfTheProfile) {
+  for (const Profile profile :
+       {Profile::claude, Profile::codex, Profile::antigravity, Profile::cursor, Profile::unknown})
+    EXPECT_EQ(traitsOf(profile).profile, profile);
+}
+
 TEST(ClientProfile, IsFoundBehindBytesThatAreNoText) {
   EXPECT_EQ(TeamworkClientProfile::fromName(std::string_view("\0\xff codex", 8)), Profile::codex);
 }

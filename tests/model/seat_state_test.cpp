@@ -76,6 +76,17 @@ TEST(SeatState, KnowsNothingAtFirst) {
   EXPECT_EQ(state.waitSeq, 0);
 }
 
+TEST(AbsorbClientName, TakesTheProfileAndNothingElse) {
+  SeatState state = seenAll();
+  SeatState expected = seenAll();
+  absorbClientName(state, "Cursor");
+  expected.clientProfile = TeamworkClientProfile::Profile::cursor;
+  expectSame(state, expected);
+  absorbClientName(state, "somebody else");
+  expected.clientProfile = TeamworkClientProfile::Profile::unknown;
+  expectSame(state, expected);
+}
+
 TEST(AbsorbAnswer, KeepsWhatTheAnswerDoesNotMention) {
   for (const Kind kind : everyKind) {
     if (kind == Kind::changes) continue;

@@ -59,7 +59,7 @@ std::string SimApp::currentToken() {
   return token_;
 }
 
-std::optional<TeamworkResponse> SimApp::send(const TeamworkRequest& request) {
+Exchange SimApp::send(const TeamworkRequest& request) {
   SimReply reply;
   {
     const BlockWatch outside(false);
@@ -68,13 +68,13 @@ std::optional<TeamworkResponse> SimApp::send(const TeamworkRequest& request) {
     reply = replyTo(request);
     clock_.advance(reply.took);
   }
-  std::optional<TeamworkResponse> response;
-  if (reply.bytes) response = decodeResponse(*reply.bytes);
+  Exchange exchange;
+  if (reply.bytes)
+    exchange = {.response = decodeResponse(*reply.bytes), .bytes = reply.bytes->size()};
   const BlockWatch outside(false);
-  lastReplyBytes_ = reply.bytes ? reply.bytes->size() : 0;
-  judge_.answered(response);
+  judge_.answered(exchange.response);
   reply = {};
-  return response;
+  return exchange;
 }
 
 SimReply SimApp::replyTo(const TeamworkRequest& request) {

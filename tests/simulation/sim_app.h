@@ -8,7 +8,6 @@
 #include "simulation/judge.h"
 #include "simulation/sim_clock.h"
 
-#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -27,8 +26,7 @@ class SimApp final : public Bridge {
   SimApp(Dice& dice, SimClock& clock, Judge& judge);
 
   std::string currentToken() override;
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override;
-  std::size_t lastReplyBytes() const override { return lastReplyBytes_; }
+  Exchange send(const TeamworkRequest& request) override;
 
  private:
   SimReply replyTo(const TeamworkRequest& request);
@@ -42,7 +40,6 @@ class SimApp final : public Bridge {
   SimClock& clock_;
   Judge& judge_;
   std::string token_;
-  std::size_t lastReplyBytes_ = 0;
 };
 
 }  // namespace quillpost::simulation
