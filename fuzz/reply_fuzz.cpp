@@ -157,7 +157,7 @@ void tryReply(std::string_view reply) {
   std::optional<TeamworkResponse> response = decodeResponse(std::string(reply));
   tryRespelled(reply, response);
   if (!response && reply.starts_with('{')) return;
-  std::span<const std::string_view> tools = listedTools;
+  std::span<const std::string_view> tools = toolNames;
   if (!response) {
     Filler(reply).fill(response.emplace());
     // There are many more of these, so that all tools come without each of them going through all.

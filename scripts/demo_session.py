@@ -261,7 +261,8 @@ def play(board, ada, bo):
     told = ada.request("initialize", {**hello, "clientInfo": {"name": "demo", "version": "1"}})
     check(told["serverInfo"]["name"] == "quillpost-teamwork", "the server's name", told)
     listed = ada.request("tools/list", {})["tools"]
-    check(len(listed) == 33, "33 tools", [tool["name"] for tool in listed])
+    names = [tool["name"] for tool in listed]
+    check(names[0] == "register" and len(set(names)) == len(names), "the list of tools", names)
     ada.call("register", {"yourHandle": ada.handle, "leaseSecondsRemaining": 900}, name="Ada",
              role="planner")
     bo.call("register", {"yourHandle": bo.handle, "leaseSecondsRemaining": 900}, name="Bo",

@@ -149,7 +149,7 @@ std::vector<Sample> shapeSamples() {
       {"fileLengths",
        "tables, words and tests",
        {{"src/base/a.h", fenced(lines(300, "//"))},
-        {"src/tools/tools.h", lines(700, "//")},
+        {"src/tools/seats.h", lines(700, "//")},
         {"src/render/texts/a.h", lines(300, "//")},
         {"tests/base/a_test.cpp", lines(500, "//")}},
        {}},

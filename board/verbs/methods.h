@@ -7,6 +7,7 @@
 #include "board/rules/leases.h"
 #include "model/request.h"
 #include "model/response.h"
+#include "tools/tool_name.h"
 
 #include <cstdint>
 #include <functional>
@@ -50,11 +51,11 @@ struct Method {
   RunOnTask runOnTask = nullptr;
   RunOnDiscussion runOnDiscussion = nullptr;
 
-  constexpr Method(std::string_view method, Entry who, Run function)
+  constexpr Method(MethodName method, Entry who, Run function)
       : name(method), entry(who), run(function) {}
-  constexpr Method(std::string_view method, Entry who, RunOnTask function)
+  constexpr Method(MethodName method, Entry who, RunOnTask function)
       : name(method), entry(who), runOnTask(function) {}
-  constexpr Method(std::string_view method, Entry who, RunOnDiscussion function)
+  constexpr Method(MethodName method, Entry who, RunOnDiscussion function)
       : name(method), entry(who), runOnDiscussion(function) {}
 };
 

@@ -171,7 +171,7 @@ std::span<const Method> seatMethods() {
   static constexpr Method rows[] = {
       {"register",      Entry::anyone,   registerSeat},
       {"unregister",    Entry::anyone,   unregister},
-      {heartbeat,       Entry::listener, renew},
+      {"heartbeat",     Entry::listener, renew},
       {"list_agents",   Entry::member,   listAgents},
       {"send_message",  Entry::member,   sendMessage},
       {"read_messages", Entry::member,   readMessages},

@@ -30,7 +30,7 @@ struct Rule {
 
   constexpr Rule on(ToolName tool, std::string_view first, std::string_view second = {}) const {
     Rule rule = *this;
-    rule.overrides.at(rule.overrideCount++) = {tool.text, {first, second}};
+    rule.overrides.at(rule.overrideCount++) = {tool, {first, second}};
     return rule;
   }
 

@@ -18,8 +18,8 @@ namespace {
 constexpr int attempts = 3;
 constexpr Duration pauseBetweenAttempts = std::chrono::milliseconds(150);
 
-constexpr std::string_view setGoal = ToolName("set_goal").text;
-constexpr std::string_view updateTask = ToolName("update_task").text;
+constexpr ToolName setGoal = "set_goal";
+constexpr ToolName updateTask = "update_task";
 
 /// The request is sent unchanged each time, its token included.
 std::optional<TeamworkResponse> sendWithRetry(const TeamworkRequest& request, Seat& seat) {

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "json/writer.h"
+#include "tools/tool_name.h"
 #include "tools/tools.h"
 
 #include <algorithm>
@@ -9,23 +10,8 @@
 namespace quillpost {
 namespace {
 
-constexpr std::string_view typeWord(Type type) {
-  switch (type) {
-    case Type::string:
-      return "string";
-    case Type::integer:
-      return "integer";
-    case Type::boolean:
-      return "boolean";
-    case Type::strings:
-      return "array";
-  }
-  return {};
-}
-
-void addProperty(json::Object& properties, const Property& property) {
-  json::Object schema = properties.object(property.name);
-  schema.add("type", typeWord(property.type));
+void addProperty(json::Object schema, const Property& property) {
+  schema.add("type", json::wordFor(property.type));
   if (property.type == Type::strings) schema.object("items").add("type", "string");
   schema.add("description", property.description);
   if (property.oneOf.empty()) return;
@@ -33,12 +19,13 @@ void addProperty(json::Object& properties, const Property& property) {
   for (const std::string_view choice : property.oneOf) choices.add(choice);
 }
 
-void addSchema(json::Object& schema, const Tool& tool) {
+void addProperties(json::Object out, const Tool& tool) {
+  for (const Property& property : tool.properties) addProperty(out.object(property.name), property);
+}
+
+void addSchema(json::Object schema, const Tool& tool) {
   schema.add("type", "object");
-  {
-    json::Object properties = schema.object("properties");
-    for (const Property& property : tool.properties) addProperty(properties, property);
-  }
+  addProperties(schema.object("properties"), tool);
   const auto isRequired = [](const Property& property) { return property.need == Need::required; };
   if (std::ranges::any_of(tool.properties, isRequired)) {
     json::Array required = schema.array("required");
@@ -54,21 +41,17 @@ std::string toolListResult(TeamworkClientProfile::Profile profile) {
   const std::string_view waitEnding =
       traitsOf(profile).turnsExitIntoTurn ? texts::waitEndingForClaude : texts::waitEndingForOthers;
   std::string text;
-  {
-    json::Object result(text);
-    json::Array list = result.array("tools");
-    for (const Tool& tool : tools) {
-      json::Object row = list.object();
-      row.add("name", tool.nameText());
-      if (tool.nameText() == waitForChanges) {
+  json::appendObject(text, [&](json::Object& result) {
+    result.list("tools", tools, [&](json::Object& row, const Tool& tool) {
+      row.add("name", tool.name);
+      if (tool.name == waitForChanges) {
         row.add("description", text::cat(tool.description, waitEnding));
       } else {
         row.add("description", tool.description);
       }
-      json::Object schema = row.object("inputSchema");
-      addSchema(schema, tool);
-    }
-  }
+      addSchema(row.object("inputSchema"), tool);
+    });
+  });
   return text;
 }
 

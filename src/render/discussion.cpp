@@ -1,7 +1,7 @@
 #include "render/discussion.h"
 
 #include "base/text.h"
-#include "render/texts/hints.h"
+#include "render/texts/discussion.h"
 #include "tools/tool_name.h"
 
 namespace quillpost {
@@ -34,9 +34,9 @@ void addDiscussion(json::Object& out, const TeamworkDiscussion& discussion) {
 std::optional<std::string> discussionHint(std::string_view verb, std::string_view discussionID,
                                           bool boardLevel) {
   const texts::DiscussionWords& words = boardLevel ? texts::boardDiscussion : texts::taskDiscussion;
-  if (verb == openDiscussion.text) return texts::discussionOpened(discussionID, words);
-  if (verb == replyDiscussion.text) return texts::volleyPosted(words);
-  if (verb == resolveDiscussion.text) return std::string(words.resolved);
+  if (verb == openDiscussion) return texts::discussionOpened(discussionID, words);
+  if (verb == replyDiscussion) return texts::volleyPosted(words);
+  if (verb == resolveDiscussion) return std::string(words.resolved);
   return std::nullopt;
 }
 

@@ -3,11 +3,7 @@
 #include "base/unicode.h"
 #include "render/discussion.h"
 #include "render/obligations.h"
-#include "render/texts/hints.h"
 #include "render/texts/plan.h"
-
-#include <algorithm>
-#include <iterator>
 
 namespace quillpost {
 namespace {
@@ -46,12 +42,6 @@ std::string nextStep(const TeamworkPlan& plan,
   if (plan.otherDevices >= 1 || plan.otherLocalAgents >= 1)
     return std::string(texts::firstAgentPeersLive);
   return std::string(texts::firstAgentAlone);
-}
-
-std::optional<std::string_view> nextHint(std::string_view verb) {
-  const texts::Hint* const hint = std::ranges::find(texts::nextHints, verb, &texts::Hint::verb);
-  if (hint == std::end(texts::nextHints)) return std::nullopt;
-  return hint->text;
 }
 
 }  // namespace quillpost

@@ -1,6 +1,6 @@
 #pragma once
 
-// The plan as an object, the step that follows from it, and the step that follows a write.
+// The plan as an object, and the step that follows from it.
 
 #include "json/writer.h"
 #include "model/obligations.h"
@@ -9,7 +9,6 @@
 
 #include <optional>
 #include <string>
-#include <string_view>
 
 namespace quillpost {
 
@@ -21,8 +20,5 @@ void addPlan(json::Object& out, const TeamworkPlan& plan, const Page& goalPage);
 /// What to do now that the plan has been read. Unknown obligations count as clear.
 std::string nextStep(const TeamworkPlan& plan,
                      const std::optional<TeamworkObligations>& obligations);
-
-/// What to do after a successful write of this verb; nothing for a verb without a hint.
-std::optional<std::string_view> nextHint(std::string_view verb);
 
 }  // namespace quillpost

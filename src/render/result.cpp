@@ -12,10 +12,10 @@
 #include "render/task.h"
 #include "render/texts/replies.h"
 #include "render/wait_outcome.h"
+#include "tools/backlog.h"
 #include "tools/tool_name.h"
+#include "tools/tools.h"
 
-#include <algorithm>
-#include <iterator>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -67,8 +67,7 @@ json::EscapedText composeRegistered(const Answer& answer) {
   if (!response.agent) return withOwed(texts::registered, answer);
   return objectWithOwed(answer, [&](json::Object& object) {
     addAgent(object, *response.agent);
-    if (answer.request.tool == registerTool.text)
-      addRegistration(object, response.squad, answer.state);
+    if (answer.request.tool == registerTool) addRegistration(object, response.squad, answer.state);
     if (response.messages) addDelivery(object, *response.messages);
   });
 }
@@ -145,16 +144,15 @@ json::EscapedText composeWritten(const Answer& answer) {
   json::EscapedText out(response.message ? std::string_view(*response.message) : texts::done);
   if (response.messages) appendDelivery(out, *response.messages);
   appendParagraph(out, response.notice);
-  appendParagraph(out, nextHint(answer.request.tool));
+  if (const Tool* tool = findTool(answer.request.tool)) appendParagraph(out, tool->nextHint);
   return withOwed(std::move(out), answer);
 }
 
 json::EscapedText composeEmpty(const Answer& answer) {
   const auto& [response, request, state] = answer;
   if (response.message && !response.message->empty()) return withOwed(*response.message, answer);
-  const texts::EmptyAnswer* const row =
-      std::ranges::find(texts::emptyAnswers, request.tool, &texts::EmptyAnswer::tool);
-  if (row != std::end(texts::emptyAnswers)) return withOwed(row->text, answer);
+  const Tool* const tool = findTool(request.tool);
+  if (tool != nullptr && !tool->emptyWords.empty()) return withOwed(tool->emptyWords, answer);
   return withOwed(texts::nothingToShow(request.tool), answer);
 }
 

@@ -25,7 +25,7 @@ async function inspect(environment, ...options) {
 
 test("the inspector lists the tools", async () => {
   const { tools } = await inspect({}, "--method", "tools/list");
-  assert.equal(tools.length, 33);
+  assert.equal(tools[0].name, "register");
   assert.ok(tools.every(({ inputSchema }) => inputSchema.type === "object"));
 });
 

@@ -55,11 +55,11 @@ describe("clients", { concurrency: true }, () => {
         assert.equal(session.received[0].result.protocolVersion, "2024-11-05");
       });
 
-      test("lists 33 tools whose schemas are schemas", async () => {
+      test("lists each tool once, with a schema that is a schema", async () => {
         const { tools, nextCursor } = await session.client.listTools();
-        assert.equal(tools.length, 33);
+        assert.equal(tools[0].name, "register");
         assert.equal(nextCursor, undefined);
-        assert.equal(new Set(tools.map((tool) => tool.name)).size, 33);
+        assert.equal(new Set(tools.map((tool) => tool.name)).size, tools.length);
         for (const { name, description, inputSchema } of tools) {
           assert.ok(description.length > 40, name);
           const { required = [], properties } = inputSchema;

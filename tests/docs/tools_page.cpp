@@ -12,17 +12,7 @@ namespace quillpost::docs {
 namespace {
 
 std::string_view typeWord(Type type) {
-  switch (type) {
-    case Type::string:
-      return "string";
-    case Type::integer:
-      return "integer";
-    case Type::boolean:
-      return "boolean";
-    case Type::strings:
-      return "list of strings";
-  }
-  return {};
+  return type == Type::strings ? "list of strings" : json::wordFor(type);
 }
 
 std::string choices(const Property& property) {
@@ -47,7 +37,7 @@ std::string propertyTable(const Tool& tool) {
 
 /// The text as the client gets it; the one that waits has an ending for each kind of client.
 std::string description(const Tool& tool) {
-  if (tool.nameText() != waitForChanges) return text::cat(tool.description, "\n");
+  if (tool.name != waitForChanges) return text::cat(tool.description, "\n");
   return text::cat(tool.description, "\n\nFor Claude it ends:\n\n> ", texts::waitEndingForClaude,
                    "\n\nFor every other client:\n\n> ", texts::waitEndingForOthers, "\n");
 }
@@ -57,10 +47,9 @@ std::string description(const Tool& tool) {
 Blocks toolBlocks() {
   std::string list, sections;
   for (const Tool& tool : tools) {
-    list += text::cat("- [", tool.nameText(), "](#", tool.nameText(), ")\n");
+    list += text::cat("- [", tool.name, "](#", tool.name, ")\n");
     if (!sections.empty()) sections += "\n";
-    sections +=
-        text::cat("## ", tool.nameText(), "\n\n", description(tool), "\n", propertyTable(tool));
+    sections += text::cat("## ", tool.name, "\n\n", description(tool), "\n", propertyTable(tool));
   }
   return {{"list", list}, {"tools", sections}};
 }

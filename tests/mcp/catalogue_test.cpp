@@ -1,18 +1,18 @@
 #include "mcp/catalogue.h"
 
 #include "harness/json_object.h"
-#include "harness/paths.h"
+#include "harness/tool_block.h"
 #include "tools/tool_name.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <set>
 
 namespace quillpost {
 namespace {
 
 using Profile = TeamworkClientProfile::Profile;
+using testing::lineOf;
 using testing::memberOf;
 using testing::objectFrom;
 
@@ -32,22 +32,13 @@ std::string descriptionOf(Profile profile, std::string_view name) {
   return std::string(json::findText(toolNamed(list, name), "description").value_or(""));
 }
 
-/// The ending of the wait's description that the golden file holds under a name.
-std::string goldenEnding(std::string_view name) {
-  std::ifstream in(testing::inTests("golden/tool_endings.golden"));
-  for (std::string line; std::getline(in, line);)
-    if (line.starts_with(std::string(name) + "\t")) return line.substr(name.size() + 1);
-  ADD_FAILURE() << "no ending " << name;
-  return {};
-}
-
 TEST(Catalogue, ListsEveryToolInOrder) {
   const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
   EXPECT_EQ(list.size(), 1u);
   const boost::json::array& tools = list.at("tools").as_array();
-  ASSERT_EQ(tools.size(), listedTools.size());
+  ASSERT_EQ(tools.size(), toolNames.size());
   for (std::size_t i = 0; i < tools.size(); ++i)
-    EXPECT_EQ(json::findText(tools[i].as_object(), "name"), listedTools[i]);
+    EXPECT_EQ(json::findText(tools[i].as_object(), "name"), toolNames[i]);
 }
 
 TEST(Catalogue, GivesEachToolThreeMembersAndAClosedSchema) {
@@ -143,8 +134,9 @@ TEST(Catalogue, NamesTheKindOfEachProperty) {
 }
 
 TEST(Catalogue, EndsTheWaitByTheClient) {
-  const std::string longEnding = goldenEnding("waitEndingForClaude");
-  const std::string shortEnding = goldenEnding("waitEndingForOthers");
+  const testing::SectionFile block = testing::toolBlock(waitForChanges);
+  const std::string longEnding = lineOf(block, "ending for claude");
+  const std::string shortEnding = lineOf(block, "ending for others");
   for (const Profile profile :
        {Profile::claude, Profile::codex, Profile::antigravity, Profile::cursor, Profile::unknown}) {
     const bool isLong = profile == Profile::claude;
@@ -157,7 +149,7 @@ TEST(Catalogue, EndsTheWaitByTheClient) {
 TEST(Catalogue, DependsOnTheClientInNothingElse) {
   const json::TreeObject one = objectFrom(toolListResult(Profile::claude));
   const json::TreeObject other = objectFrom(toolListResult(Profile::unknown));
-  for (const std::string_view name : listedTools) {
+  for (const std::string_view name : toolNames) {
     if (name == waitForChanges) continue;
     EXPECT_EQ(toolNamed(one, name), toolNamed(other, name)) << name;
   }

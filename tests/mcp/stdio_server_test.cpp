@@ -434,7 +434,7 @@ constexpr std::string_view nothingToWaitOn =
     "is still active. Call list_tasks to see the board as it stands.";
 
 TEST_F(Server, WaitsUnderBothNames) {
-  for (const std::string_view name : {waitForChanges, waitForTasks}) {
+  for (const std::string_view name : {std::string_view(waitForChanges), waitForTasks}) {
     bridge.answers("poll_changes", responseFrom(R"({"kind":"empty","threadTag":"T-abc123"})"));
     EXPECT_EQ(
         answersTo(text::cat(R"({"method":"tools/call","id":3,"params":{"name":")", name, R"("}})")),

@@ -56,7 +56,7 @@ TEST(AnyResult, IsValidTextAndJsonWhereItIsMeantToBe) {
     SeatState state = anyState(dice);
     absorbAnswer(state, response);
     ResultRequest request;
-    request.tool = listedTools.at(dice.below(listedTools.size()));
+    request.tool = dice.oneOf(toolNames);
     for (std::optional<int64_t>* number :
          {&request.body.offset, &request.body.limit, &request.log.offset, &request.log.limit})
       dice.fill(*number);

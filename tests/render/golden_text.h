@@ -3,6 +3,7 @@
 // Expected results that quote the fixed texts by name, so that a whole result fits on a screen.
 
 #include "harness/paths.h"
+#include "harness/tool_block.h"
 #include "json/writer.h"
 
 #include <gtest/gtest.h>
@@ -33,8 +34,10 @@ inline const std::map<std::string, std::string, std::less<>>& goldenTextsByName(
   return all;
 }
 
-/// The text of that name; a failure when there is none.
+/// The text of that name, or for "hint of TOOL" that tool's; a failure when there is none.
 inline std::string goldenText(std::string_view name) {
+  constexpr std::string_view hintOf = "hint of ";
+  if (name.starts_with(hintOf)) return lineOf(toolBlock(name.substr(hintOf.size())), "hint");
   const auto found = goldenTextsByName().find(name);
   if (found != goldenTextsByName().end()) return found->second;
   ADD_FAILURE() << name << " is no golden text";

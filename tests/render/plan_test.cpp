@@ -2,7 +2,6 @@
 
 #include "harness/golden.h"
 #include "render/golden_text.h"
-#include "tools/tool_name.h"
 
 #include <gtest/gtest.h>
 
@@ -146,25 +145,6 @@ TEST(NextStep, DisregardsWhatIsOwedUntilTheGoalIsComplete) {
   TeamworkPlan plan;
   plan.goal = "g";
   EXPECT_TRUE(sameText(goldenText("goalSet"), nextStep(plan, owing())));
-}
-
-TEST(NextHint, IsTheVerbsOwn) {
-  int hints = 0;
-  for (const std::string_view verb : listedTools) {
-    const std::string name = "nextHints." + std::string(verb);
-    if (goldenTextsByName().contains(name)) {
-      ++hints;
-      EXPECT_TRUE(sameText(goldenText(name), nextHint(verb).value_or("nothing"))) << verb;
-    } else {
-      EXPECT_EQ(nextHint(verb), std::nullopt) << verb;
-    }
-  }
-  EXPECT_EQ(hints, 12);
-}
-
-TEST(NextHint, IsAbsentForVerbsWithoutOneAndForNoVerb) {
-  for (const std::string_view verb : {"read_task", "update_task", "heartbeat", "", "Add_task"})
-    EXPECT_EQ(nextHint(verb), std::nullopt) << verb;
 }
 
 }  // namespace

@@ -372,12 +372,12 @@ TEST(WrittenResult, IsTheAppsWordsAndThenOurs) {
       {"messages", Kind::written, "read_messages", addMessageTo,
        "Done.\n\n" R"([{"from":"M2X","text":"hi","ageSeconds":4}])" "\n\n{{messagesNote}}"},
       {"a notice", Kind::written, "update_task", [](Scene& s) { s.response.notice = "Cut."; }, "Done.\n\nCut."},
-      {"a hint", Kind::written, "watch_task", asItIs, "Done.\n\n{{nextHints.watch_task}}"},
+      {"a hint", Kind::written, "watch_task", asItIs, "Done.\n\n{{hint of watch_task}}"},
       {"a verb of the discussions", Kind::written, "open_discussion", asItIs, "Done."},
       {"everything", Kind::written, "add_task",
        [](Scene& s) { addMessageTo(s); s.response.message = "Filed t2."; s.response.notice = "Cut."; },
        "Filed t2.\n\n" R"([{"from":"M2X","text":"hi","ageSeconds":4}])"
-       "\n\n{{messagesNote}}\n\nCut.\n\n{{nextHints.add_task}}"},
+       "\n\n{{messagesNote}}\n\nCut.\n\n{{hint of add_task}}"},
   });
   // clang-format on
 }

@@ -3,7 +3,7 @@
 #include "entry/stop_hook_text.h"
 #include "harness/paths.h"
 #include "mcp/instructions.h"
-#include "render/texts/hints.h"
+#include "render/texts/discussion.h"
 #include "render/texts/obligations.h"
 #include "render/texts/plan.h"
 #include "render/texts/registration.h"
@@ -60,10 +60,7 @@ void addPaneWords(Texts& out, const std::string& name, const texts::PaneWords& w
 #define CONSTANT(name) \
   { #name, std::string(texts::name) }
 
-void addHints(Texts& out) {
-  for (const texts::Hint& hint : texts::nextHints) {
-    out.push_back({"nextHints." + std::string(hint.verb), std::string(hint.text)});
-  }
+void addDiscussions(Texts& out) {
   addDiscussionWords(out, "boardDiscussion", texts::boardDiscussion);
   addDiscussionWords(out, "taskDiscussion", texts::taskDiscussion);
   const Texts more = {
@@ -237,9 +234,6 @@ void addWaiting(Texts& out) {
 }
 
 void addReplies(Texts& out) {
-  for (const texts::EmptyAnswer& answer : texts::emptyAnswers) {
-    out.push_back({"emptyAnswers." + std::string(answer.tool), std::string(answer.text)});
-  }
   const Texts replies = {
       {"blockerQuestionTooLong(141)", texts::blockerQuestionTooLong(141)},
       CONSTANT(outsideThread),
@@ -252,7 +246,6 @@ void addReplies(Texts& out) {
       CONSTANT(discussionUpdated),
       CONSTANT(nothingToActOn),
       CONSTANT(done),
-      CONSTANT(backlogEmpty),
       {"nothingToShow(reject_task)", texts::nothingToShow("reject_task")},
       CONSTANT(teamworkError),
   };
@@ -294,7 +287,7 @@ void addServerAndHook(Texts& out) {
 /// Every fixed text of the program.
 Texts allTexts() {
   Texts all;
-  addHints(all);
+  addDiscussions(all);
   addPlan(all);
   addSummaryLine(all);
   addObligations(all);

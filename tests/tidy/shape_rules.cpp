@@ -24,9 +24,12 @@ bool hasLimitedLength(const Source& source) {
 
 /// Files that are one table, or nothing but words.
 bool isTableOrWords(const Source& source) {
-  constexpr auto files = std::to_array<std::string_view>(
-      {"src/tools/tools.h", "src/tools/tool_texts.h", "src/mcp/instructions.h"});
-  return source.isIn("src/render/texts/") || std::ranges::count(files, source.path) > 0;
+  // Of the tools' headers, these have functions.
+  constexpr auto functions = std::to_array<std::string_view>(
+      {"src/tools/tool.h", "src/tools/tool_name.h", "src/tools/tools.h", "src/tools/row_rules.h"});
+  if (source.isIn("src/tools/") && source.isHeader())
+    return std::ranges::count(functions, source.path) == 0;
+  return source.isIn("src/render/texts/") || source.path == "src/mcp/instructions.h";
 }
 
 std::size_t unfencedLines(const Source& source, std::size_t first, std::size_t last) {

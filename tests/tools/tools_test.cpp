@@ -1,137 +1,53 @@
 #include "tools/tools.h"
 
-#include "harness/paths.h"
+#include "harness/tool_block.h"
+#include "tools/row_rules.h"
+#include "tools/tool_name.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
+#include <filesystem>
 #include <set>
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 namespace quillpost {
 namespace {
 
-/// The words a description may have; `least` is 60 where the tool has rules worth telling.
-struct Words {
-  int least = 60;
-  int most = 250;
-};
+using testing::lineOf;
+using testing::linesOf;
+using testing::SectionFile;
+using testing::toolBlock;
 
-/// One tool as its reference has it: properties as "name kind", "!" when required, and the closed
-/// set between brackets.
-struct Expected {
-  std::string_view tool;
-  std::vector<std::string_view> properties;
-  Words words = {};
-};
-
-constexpr Words brief{.least = 20, .most = 150};
-
-const std::vector<Expected>& expectedTools() {
-  // clang-format off
-  static const std::vector<Expected> rows{
-      {"register", {"name string", "status string", "role string"}},
-      {"unregister", {}, brief},
-      {"heartbeat", {"status string"}},
-      {"list_agents", {}, brief},
-      {"read_plan", {"offset integer", "limit integer"}},
-      {"set_goal", {"description string", "name string", "purpose string", "constraints string",
-                    "nonGoals string", "acceptableRisk string"}},
-      {"set_charter", {"name string!"}},
-      {"add_task", {"title string!", "body string", "summary string", "waitsOn strings",
-                    "priority integer", "type string [bug|feature|chore|research]",
-                    "resources strings", "assignedRole string", "routedToFingerprint string",
-                    "to string"}},
-      {"list_tasks", {"include string [active|all]"}},
-      {"read_task", {"taskID string!", "offset integer", "limit integer", "logOffset integer",
-                     "logLimit integer"}},
-      {"claim_task", {"taskID string!"}},
-      {"update_task", {"taskID string!", "title string", "body string", "progress string",
-                       "summary string", "blocked boolean", "blockerQuestion string",
-                       "blockerKind string [decision|approval|secret|review|respond]",
-                       "blockerOptions strings", "blockerSecretName string",
-                       "blockerArtifact string", "blockerConsequence string", "parkReason string",
-                       "waitsOn strings", "priority integer",
-                       "type string [bug|feature|chore|research|]", "resources strings",
-                       "assignedRole string", "routedToFingerprint string"}},
-      {"complete_task", {"taskID string!", "summary string!"}},
-      {"reject_task", {"taskID string!", "reason string"}},
-      {"delete_task", {"taskID string!", "reason string"}},
-      {"release_task", {"taskID string!"}},
-      {"watch_task", {"taskID string!"}},
-      {"unwatch_task", {"taskID string!"}, brief},
-      {"request_review", {"taskID string!", "ofAgent string", "ofRole string", "note string"}},
-      {"verify_task", {"taskID string!", "approve boolean!", "note string"}},
-      {"comment_task", {"taskID string!", "text string", "summary string", "tags strings",
-                        "editLast boolean"}},
-      {"open_discussion", {"taskID string", "question string!", "addressTo strings"}},
-      {"reply_discussion", {"discussionID string!", "text string!"}},
-      {"resolve_discussion", {"discussionID string!", "resolution string!"}},
-      {"wait_for_changes", {"taskIDs strings", "wakeOnClaims boolean", "timeoutSeconds integer",
-                            "parkReason string", "standDown boolean"}},
-      {"request_release", {"taskID string!", "reason string"}},
-      {"propose_goal_complete", {"acknowledgeOpenTasks boolean"}},
-      {"assign_task", {"taskID string!", "to string!"}},
-      {"send_message", {"to string!", "text string!"}},
-      {"read_messages", {}, brief},
-      {"request_hands", {"taskID string", "title string", "brief string", "to string",
-                         "agent string"}},
-      {"suggest_helper", {"name string", "command string!", "explanation string!",
-                          "reason string"}},
-      {"stop_helper", {"handle string!"}},
-  };
-  // clang-format on
-  return rows;
-}
-
-std::string_view kindOf(Type type) {
-  switch (type) {
-    case Type::string:
-      return "string";
-    case Type::integer:
-      return "integer";
-    case Type::boolean:
-      return "boolean";
-    case Type::strings:
-      return "strings";
-  }
-  return "unknown";
-}
-
-/// A property in the notation of `Expected`.
+/// A property as its tool's block has it: name and kind, "!" when required, and the closed set
+/// between brackets.
 std::string notation(const Property& property) {
   std::string out(property.name);
-  out.append(" ").append(kindOf(property.type));
+  out.append(" ").append(property.type == Type::strings ? "strings" : json::wordFor(property.type));
   if (property.need == Need::required) out.append("!");
-  if (property.oneOf.empty()) return out;
   for (std::size_t i = 0; i < property.oneOf.size(); ++i)
     out.append(i == 0 ? " [" : "|").append(property.oneOf[i]);
-  return out.append("]");
+  return property.oneOf.empty() ? out : out.append("]");
 }
 
-using Line = std::pair<std::string, std::string>;
-
-/// The lines of a golden file, each split at its first tab. Empty when the file cannot be read.
-std::vector<Line> golden(const std::string& name) {
-  std::ifstream in(testing::inTests("golden/" + std::string(name)));
-  std::vector<Line> lines;
-  for (std::string line; std::getline(in, line);) {
-    const std::size_t tab = line.find('\t');
-    EXPECT_NE(tab, std::string::npos) << name << ": " << line;
-    if (tab != std::string::npos) lines.emplace_back(line.substr(0, tab), line.substr(tab + 1));
+/// A command line as its tool's block has it: the verbs with "|" between them, the positionals with
+/// the spellings of a boolean, "..." after a list, and the main text between brackets.
+std::string notation(const Tool& tool) {
+  const CommandLine& line = tool.commandLine;
+  std::string out(line.name);
+  for (const std::string_view other : line.otherNames) out.append("|").append(other);
+  for (const std::string_view name : line.positionals) {
+    out.append(" ").append(name);
+    const Property* property = findProperty(tool, name);
+    if (property == nullptr) continue;
+    if (property->type == Type::boolean)
+      out.append("=").append(line.yes).append("|").append(line.no);
+    if (property->type == Type::strings) out.append("...");
   }
-  return lines;
-}
-
-/// The row of a tool, or nothing when it has none.
-const Tool* toolNamed(std::string_view name) {
-  const Tool* row = std::ranges::find(tools, name, &Tool::nameText);
-  return row == std::end(tools) ? nullptr : row;
+  return line.mainText.empty() ? out : out.append(" [").append(line.mainText).append("]");
 }
 
 /// Every text a client is shown for a tool: its description, then those of its properties.
@@ -152,127 +68,234 @@ int wordCount(std::string_view text) {
   return count;
 }
 
-/// The ending of request_hands, which its reference fixes.
-std::string handsEnding() {
-  for (const auto& [name, text] : golden("tool_endings.golden"))
-    if (name == "request_hands") return text;
-  return {};
+/// The words a description may have. Its block says when a tool has few rules worth telling.
+struct Length {
+  int least = 60;
+  int most = 250;
+};
+
+Length lengthIn(const SectionFile& block) {
+  Length length;
+  std::istringstream in(lineOf(block, "words"));
+  std::string to;
+  in >> length.least >> to >> length.most;
+  return in ? length : Length{};
 }
 
-TEST(Tools, EachRowHasItsPropertiesWithKindsAndChoicesInOrder) {
-  ASSERT_EQ(std::size(tools), expectedTools().size());
-  for (std::size_t i = 0; i < std::size(tools); ++i) {
-    const Expected& expected = expectedTools()[i];
-    EXPECT_EQ(tools[i].name.text, expected.tool) << "row " << i + 1;
-    std::vector<std::string> actual;
-    for (const Property& property : tools[i].properties) actual.push_back(notation(property));
-    EXPECT_EQ(actual,
-              std::vector<std::string>(expected.properties.begin(), expected.properties.end()))
-        << expected.tool;
+/// The tools, each under its own name in a failure.
+class EachTool : public ::testing::TestWithParam<Tool> {
+ protected:
+  const Tool& tool = GetParam();
+  const SectionFile block = toolBlock(tool.name);
+};
+
+INSTANTIATE_TEST_SUITE_P(Tools, EachTool, ::testing::ValuesIn(tools),
+                         [](const auto& row) { return std::string(row.param.name); });
+
+TEST_P(EachTool, HasItsPropertiesWithKindsAndChoicesInOrder) {
+  std::vector<std::string> actual;
+  for (const Property& property : tool.properties) actual.push_back(notation(property));
+  EXPECT_EQ(actual, linesOf(block.body("properties")));
+}
+
+TEST_P(EachTool, OpensWithItsFixedSentence) {
+  const std::string opening = lineOf(block, "opening");
+  EXPECT_GT(opening.size(), 20u);
+  EXPECT_EQ(tool.description.substr(0, opening.size() + 1), opening + " ");
+}
+
+TEST_P(EachTool, EndsWithWhatIsFixedThere) {
+  const std::string ending = lineOf(block, "ending");
+  EXPECT_TRUE(ending.empty() || tool.description.ends_with(" " + ending)) << tool.description;
+}
+
+TEST_P(EachTool, StatesEverySettledFact) {
+  for (const std::string& fact : linesOf(block.body("facts"))) {
+    const auto states = [&fact](std::string_view text) { return contains(text, fact); };
+    EXPECT_TRUE(std::ranges::any_of(wordsOf(tool), states)) << "nowhere says: " << fact;
   }
 }
 
-TEST(Tools, EachDescriptionOpensWithItsFixedSentence) {
-  const std::vector<Line> openings = golden("tool_openings.golden");
-  ASSERT_EQ(openings.size(), std::size(tools));
-  for (std::size_t i = 0; i < std::size(tools); ++i) {
-    const auto& [name, opening] = openings[i];
-    EXPECT_EQ(tools[i].name.text, name);
-    EXPECT_EQ(tools[i].description.substr(0, opening.size() + 1), opening + " ") << name;
+TEST_P(EachTool, IsNeitherTooShortToSteerNorTooLongToRead) {
+  // What is fixed at the end does not count: it cannot be made shorter.
+  const int words = wordCount(tool.description) - wordCount(block.body("ending"));
+  const Length length = lengthIn(block);
+  EXPECT_GE(words, length.least);
+  EXPECT_LE(words, length.most);
+}
+
+TEST_P(EachTool, SaysWhatToDoNextAndWhatAnEmptyAnswerMeans) {
+  EXPECT_EQ(tool.nextHint, lineOf(block, "hint"));
+  EXPECT_EQ(tool.emptyWords, lineOf(block, "empty"));
+}
+
+TEST_P(EachTool, IsCalledFromAShellAsItsBlockSays) {
+  EXPECT_EQ(notation(tool), lineOf(block, "command line"));
+  EXPECT_LE(tool.commandLine.gist.size(), 55u) << tool.commandLine.gist;
+}
+
+TEST_P(EachTool, HasABlockOfKnownSections) {
+  const std::set<std::string> known = {
+      "opening", "ending", "ending for claude", "ending for others", "words", "facts", "properties",
+      "hint",    "empty",  "command line"};
+  EXPECT_EQ(block.prose, "");
+  for (const auto& [name, body] : block.sections) {
+    EXPECT_TRUE(known.contains(name)) << name;
+    EXPECT_NE(body, "") << name;
   }
 }
 
-TEST(Tools, TheFixedEndingsAreWordForWord) {
-  const std::vector<Line> endings = golden("tool_endings.golden");
-  ASSERT_EQ(endings.size(), 3u);
-  EXPECT_EQ(endings[0], Line("waitEndingForClaude", texts::waitEndingForClaude));
-  EXPECT_EQ(endings[1], Line("waitEndingForOthers", texts::waitEndingForOthers));
-  EXPECT_EQ(endings[2].first, "request_hands");
-  EXPECT_TRUE(texts::requestHands.ends_with(" " + endings[2].second)) << texts::requestHands;
+TEST_P(EachTool, IsFoundByItsNameAndByEachOfItsVerbs) {
+  std::string withDashes(tool.name);
+  std::ranges::replace(withDashes, '_', '-');
+  EXPECT_EQ(findTool(tool.name)->name, tool.name);
+  EXPECT_EQ(findByVerb(tool.name)->name, tool.name);
+  EXPECT_EQ(findByVerb(withDashes)->name, tool.name);
+  EXPECT_EQ(findByVerb(tool.commandLine.name)->name, tool.name);
+  for (const std::string_view other : tool.commandLine.otherNames)
+    EXPECT_EQ(findByVerb(other)->name, tool.name) << other;
 }
 
-TEST(Tools, TheWaitLeavesItsEndingToTheCaller) {
-  EXPECT_TRUE(texts::waitForChanges.ends_with(". "));
-  EXPECT_FALSE(contains(texts::waitForChanges, "`qp"));
-}
-
-TEST(Tools, EverySettledFactIsStated) {
-  const std::vector<Line> facts = golden("tool_facts.golden");
-  ASSERT_GE(facts.size(), 90u);
-  for (const Line& fact : facts) {
-    const Tool* tool = toolNamed(fact.first);
-    ASSERT_NE(tool, nullptr) << fact.first;
-    const auto states = [&fact](std::string_view text) { return contains(text, fact.second); };
-    EXPECT_TRUE(std::ranges::any_of(wordsOf(*tool), states))
-        << fact.first << " nowhere says: " << fact.second;
+TEST_P(EachTool, SpeaksInParagraphsOfPlainProse) {
+  for (const std::string_view text : wordsOf(tool)) {
+    for (const std::string_view mark : {"\n", "\t", "\r", "  ", "**", "__", "](", "- ", " ,", " ."})
+      EXPECT_FALSE(contains(text, mark)) << "\"" << mark << "\": " << text;
+    EXPECT_EQ(std::ranges::count(text, '`') % 2, 0) << text;
+    EXPECT_FALSE(text.starts_with(' ') || text.starts_with('#')) << text;
+    // The wait leaves its ending to the caller.
+    const bool goesOn = tool.name == waitForChanges && text == tool.description;
+    EXPECT_TRUE(text.ends_with(goesOn ? ". " : ".")) << text;
   }
 }
 
-TEST(Tools, EachToolThatHasFactsIsNamedAmongThem) {
-  std::set<std::string> named;
-  for (const auto& [name, phrase] : golden("tool_facts.golden")) named.insert(name);
-  // These have an opening sentence and nothing settled beyond it.
-  for (const std::string_view plain : {"release_task", "resolve_discussion", "read_messages"})
-    EXPECT_EQ(named.count(std::string(plain)), 0u) << plain;
-  EXPECT_EQ(named.size(), 30u);
-}
-
-TEST(Tools, NoDescriptionIsTooShortToSteerOrTooLongToRead) {
-  const std::string ending = handsEnding();
-  for (const Expected& expected : expectedTools()) {
-    const Tool* tool = toolNamed(expected.tool);
-    ASSERT_NE(tool, nullptr) << expected.tool;
-    const bool endingIsFixed = expected.tool == "request_hands";
-    const int words = wordCount(tool->description) - (endingIsFixed ? wordCount(ending) : 0);
-    EXPECT_GE(words, expected.words.least) << expected.tool;
-    EXPECT_LE(words, expected.words.most) << expected.tool;
-  }
-}
-
-TEST(Tools, EveryTextIsOneParagraphOfPlainProse) {
-  for (const Tool& tool : tools) {
-    for (const std::string_view text : wordsOf(tool)) {
-      for (const std::string_view mark :
-           {"\n", "\t", "\r", "  ", "**", "__", "](", "- ", " ,", " ."})
-        EXPECT_FALSE(contains(text, mark)) << tool.name.text << " has \"" << mark << "\": " << text;
-      EXPECT_EQ(std::ranges::count(text, '`') % 2, 0) << tool.name.text << ": " << text;
-      EXPECT_FALSE(text.starts_with(' ') || text.starts_with('#'))
-          << tool.name.text << ": " << text;
+TEST_P(EachTool, NamesNoToolThatIsNone) {
+  std::vector<std::string_view> texts = wordsOf(tool);
+  texts.insert(texts.end(), {tool.nextHint, tool.emptyWords});
+  for (const std::string_view text : texts) {
+    // Verbs are the only words with an underscore, so a renamed tool shows here.
+    for (std::size_t at = text.find('_'); at != text.npos; at = text.find('_', at + 1)) {
+      const auto inName = [](char c) { return c == '_' || (c >= 'a' && c <= 'z'); };
+      std::size_t from = at, to = at;
+      while (from > 0 && inName(text[from - 1])) --from;
+      while (to < text.size() && inName(text[to])) ++to;
+      const std::string_view word = text.substr(from, to - from);
+      if (word == "_") continue;  // inside an upper-case name such as STRIPE_KEY
+      EXPECT_NE(findTool(word), nullptr) << "speaks of " << word;
     }
   }
 }
 
-TEST(Tools, EveryTextEndsWithAFullStop) {
-  for (const Tool& tool : tools) {
-    for (const std::string_view text : wordsOf(tool)) {
-      const bool goesOn = text == texts::waitForChanges;
-      EXPECT_TRUE(text.ends_with(goesOn ? ". " : ".")) << tool.name.text << ": " << text;
-    }
-  }
+TEST(Tools, EachHasABlockAndEachBlockIsATools) {
+  std::set<std::string> blocks, names;
+  for (const auto& entry : std::filesystem::directory_iterator(testing::toolBlocks()))
+    blocks.insert(entry.path().filename().string());
+  for (const Tool& tool : tools) names.insert(std::string(tool.name));
+  EXPECT_EQ(blocks, names);
 }
 
-TEST(Tools, AToolThatIsNamedInAnyTextExists) {
-  // Verbs are the only words with an underscore, so a renamed tool shows here.
-  for (const Tool& tool : tools) {
-    for (const std::string_view text : wordsOf(tool)) {
-      for (std::size_t at = text.find('_'); at != text.npos; at = text.find('_', at + 1)) {
-        const auto inName = [](char c) { return c == '_' || (c >= 'a' && c <= 'z'); };
-        std::size_t from = at, to = at;
-        while (from > 0 && inName(text[from - 1])) --from;
-        while (to < text.size() && inName(text[to])) ++to;
-        const std::string_view word = text.substr(from, to - from);
-        if (word == "_") continue;  // inside an upper-case name such as STRIPE_KEY
-        EXPECT_NE(toolNamed(word), nullptr) << tool.name.text << " speaks of " << word;
-      }
-    }
+TEST(Tools, TheFixedEndingsOfTheWaitAreWordForWord) {
+  const SectionFile block = toolBlock(waitForChanges);
+  EXPECT_EQ(texts::waitEndingForClaude, lineOf(block, "ending for claude"));
+  EXPECT_EQ(texts::waitEndingForOthers, lineOf(block, "ending for others"));
+  EXPECT_FALSE(contains(findTool(waitForChanges)->description, "`qp"));
+}
+
+TEST(Tools, StandInTheOrderOfTheirSubjectsAndEachSubjectHasAHeading) {
+  std::vector<std::string_view> inSubjects, all;
+  for (const Subject& subject : subjects) {
+    EXPECT_FALSE(subject.heading.empty());
+    for (const Tool& tool : subject.tools) inSubjects.push_back(tool.name);
+  }
+  for (const Tool& tool : tools) all.push_back(tool.name);
+  EXPECT_EQ(inSubjects, all);
+}
+
+TEST(Tools, AWordThatIsNoVerbFindsNothing) {
+  for (const std::string_view word :
+       {"", "then", "frobnicate", "Claim", "claim ", "poll_changes"}) {
+    EXPECT_EQ(findTool(word), nullptr) << word;
+    EXPECT_EQ(findByVerb(word), nullptr) << word;
   }
 }
 
 TEST(Tools, TheAliasOfTheWaitIsNowhereAdvertised) {
-  EXPECT_EQ(toolNamed(waitForTasks), nullptr);
+  EXPECT_EQ(findTool(waitForTasks), nullptr);
+  EXPECT_EQ(findByVerb(waitForTasks), nullptr);
   for (const Tool& tool : tools)
     for (const std::string_view text : wordsOf(tool))
-      EXPECT_FALSE(contains(text, waitForTasks)) << tool.name.text;
+      EXPECT_FALSE(contains(text, waitForTasks)) << tool.name;
+}
+
+// What each row must keep is also held by the compiler; these are rows that it refuses.
+
+constexpr Property sampleProperties[] = {
+    {"taskID", Type::string, Need::required, "The task."},
+    {"sure", Type::boolean, Need::optional, "Whether."},
+    {"tags", Type::strings, Need::optional, "Who."},
+    {"note", Type::string, Need::optional, "Why."},
+};
+
+Tool sampleOf(const CommandLine& line) {
+  return {
+      .name = "sample", .description = "x", .properties = sampleProperties, .commandLine = line};
+}
+
+TEST(CommandLines, FillTheirPropertiesOrAreRefused) {
+  struct Row {
+    std::string_view name;
+    CommandLine line;
+    bool isKept;
+  };
+  const Row rows[] = {
+      {"the required one", {.positionals = {"taskID"}}, true},
+      {"a list at the end", {.positionals = {"taskID", "tags"}}, true},
+      {"a main text", {.positionals = {"taskID"}, .mainText = "note"}, true},
+      {"a boolean with its spellings",
+       {.positionals = {"taskID", "sure"}, .yes = "yes", .no = "no"},
+       true},
+      {"the required one left out", {}, false},
+      {"an unknown positional", {.positionals = {"taskID", "nothing"}}, false},
+      {"a positional twice", {.positionals = {"taskID", "taskID"}}, false},
+      {"a list before the end", {.positionals = {"tags", "taskID"}}, false},
+      {"a list before the main text",
+       {.positionals = {"taskID", "tags"}, .mainText = "note"},
+       false},
+      {"a boolean without spellings", {.positionals = {"taskID", "sure"}}, false},
+      {"half a spelling", {.positionals = {"taskID", "sure"}, .yes = "yes"}, false},
+      {"spellings of no boolean", {.positionals = {"taskID"}, .yes = "yes", .no = "no"}, false},
+      {"an unknown main text", {.positionals = {"taskID"}, .mainText = "nothing"}, false},
+      {"a main text that is a list", {.positionals = {"taskID"}, .mainText = "tags"}, false},
+      {"a main text that is a positional",
+       {.positionals = {"taskID", "note"}, .mainText = "note"},
+       false},
+  };
+  for (const Row& row : rows)
+    EXPECT_EQ(fillsItsProperties(sampleOf(row.line)), row.isKept) << row.name;
+}
+
+TEST(CommandLines, HaveVerbsOfTheirOwnOrAreRefused) {
+  Tool tool = *findTool("claim_task");
+  EXPECT_TRUE(hasVerbsOfItsOwn(tool));
+  tool.commandLine.otherNames = {"done"};
+  EXPECT_FALSE(hasVerbsOfItsOwn(tool));
+  tool.commandLine.otherNames = {"claims"};
+  EXPECT_FALSE(hasVerbsOfItsOwn(tool));
+  tool.commandLine = {.name = "claim", .gist = ""};
+  EXPECT_FALSE(hasVerbsOfItsOwn(tool));
+}
+
+TEST(Descriptions, AreThereForAToolAndEachPropertyOrAreRefused) {
+  Tool tool = sampleOf({});
+  EXPECT_TRUE(isDescribed(tool));
+  tool.description = "";
+  EXPECT_FALSE(isDescribed(tool));
+  const Property twice[] = {sampleProperties[0], sampleProperties[0]};
+  const Property silent[] = {{"a", Type::string, Need::optional, ""}};
+  tool.description = "x";
+  tool.properties = twice;
+  EXPECT_FALSE(isDescribed(tool));
+  tool.properties = silent;
+  EXPECT_FALSE(isDescribed(tool));
 }
 
 }  // namespace

@@ -4,7 +4,6 @@
 
 #include "base/text.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -72,29 +71,7 @@ inline constexpr std::string_view nothingToActOn =
 /// A write that succeeded without words of its own.
 inline constexpr std::string_view done = "Done.";
 
-/// There is no task on the board.
-inline constexpr std::string_view backlogEmpty = "This Thread's backlog is empty.";
-
-/// What an empty answer means for this tool.
-struct EmptyAnswer {
-  std::string_view tool;
-  std::string_view text;
-};
-
-/// A tool without a row gives nothingToShow.
-// clang-format off
-inline constexpr EmptyAnswer emptyAnswers[] = {
-    {"list_agents", "No agents are registered in this Thread right now."},
-    {"list_tasks",  backlogEmpty},
-    {"read_plan",   "This Thread has no goal yet."},
-};
-// clang-format on
-
-static_assert(std::ranges::all_of(emptyAnswers, [](const EmptyAnswer& answer) {
-  return std::ranges::count(emptyAnswers, answer.tool, &EmptyAnswer::tool) == 1;
-}));
-
-/// An empty answer to any other tool.
+/// An empty answer to a tool whose row has no words for it.
 inline std::string nothingToShow(std::string_view tool) {
   return text::cat("Nothing to show for ", tool,
                    " — the request was answered and there was nothing to return. "
