@@ -24,11 +24,6 @@ namespace {
 constexpr std::string_view prefix = "teamwork-";
 constexpr std::string_view extension = ".sock";
 
-bool isServed(const std::string& path) {
-  const UniqueFd probe = openUnixSocket();
-  return probe && connectUnixSocket(probe, path);
-}
-
 bool sendWhole(const UniqueFd& socket, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = sendSome(socket, bytes);

@@ -3,6 +3,7 @@
 #include "board/rules/ask.h"
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 #include "board/verbs/person.h"
@@ -66,11 +67,11 @@ std::string questionOf(const Task& task) {
   return question;
 }
 
-/// The last line of the log that is a summary or progress; empty when there is none.
-std::string latestOf(const Task& task) {
+/// The last line of the log that is no hand-off note; empty when there is none.
+std::string latestOf(const Board& board, const Task& task) {
   std::string latest;
-  for (const auto& line : task.log)
-    if (line.kind != LogKind::handOff) latest = line.text;
+  for (const LogLine* line : linesOf(board, task.id))
+    if (line->kind != LogKind::handOff) latest = line->text;
   return latest;
 }
 
@@ -79,7 +80,7 @@ std::string remarkOn(const Board& board, const Task& task) {
   if (task.state == TaskState::open && !isReady(board, task)) {
     return text::cat("after ", text::join(task.waitsOn, ", "));
   }
-  return cutWithMark(latestOf(task), widestColumn);
+  return cutWithMark(latestOf(board, task), widestColumn);
 }
 
 std::vector<Cells> taskRows(const Board& board) {
@@ -126,8 +127,8 @@ std::string showBoard(const Board& board, Moment at) {
   const Thread& thread = board.thread();
   const std::string_view goal =
       thread.goal.empty() ? std::string_view("none yet") : std::string_view(thread.goal);
-  std::string out = text::cat("Thread ", thread.name, " (", thread.id, "), revision ", thread.rev,
-                              ", squad ", thread.squadOn ? "on" : "off", "\n");
+  std::string out = text::cat("Thread ", thread.name, " (", thread.id, "), revision ",
+                              board.counted().rev, ", squad ", thread.squadOn ? "on" : "off", "\n");
   if (!thread.charter.empty()) out += text::cat("Charter: ", thread.charter, "\n");
   out += text::cat("Goal: ", goal, "\n");
   if (thread.goalComplete) out += "The goal is complete.\n";

@@ -9,18 +9,35 @@
 
 namespace quillpost::board {
 
+namespace {
+
+/// Where the closing brackets stand that are in none of the JSON's texts, since an option may hold
+/// some itself; npos when there are none.
+std::size_t closingOf(std::string_view marked) {
+  bool isInText = false;
+  for (std::size_t at = 0; at < marked.size(); ++at) {
+    const char letter = marked[at];
+    if (isInText && letter == '\\') {
+      ++at;
+    } else if (letter == '"') {
+      isInText = !isInText;
+    } else if (!isInText && marked.substr(at).starts_with("}]]")) {
+      return at + 1;
+    }
+  }
+  return std::string_view::npos;
+}
+
+}  // namespace
+
 Ask splitAsk(std::string_view stored) {
   if (!stored.starts_with(askMarkerBegin)) return {std::nullopt, std::string(stored)};
-  // An option may hold the closing brackets itself: the marker ends where its JSON is whole.
-  for (std::size_t end = stored.find(askMarkerEnd); end != std::string_view::npos;
-       end = stored.find(askMarkerEnd, end + 1)) {
-    const std::string_view json = stored.substr(askMarkerBegin.size(), end - askMarkerBegin.size());
-    auto payload = json::decode<TeamworkHumanAsk::Payload>(std::string(json));
-    if (!payload) continue;
-    return {std::move(payload),
-            std::string(unicode::trim(stored.substr(end + askMarkerEnd.size())))};
-  }
-  return {std::nullopt, std::string(stored)};
+  const std::string_view marked = stored.substr(askMarkerBegin.size());
+  const std::size_t end = closingOf(marked);
+  if (end == std::string_view::npos) return {std::nullopt, std::string(stored)};
+  auto payload = json::decode<TeamworkHumanAsk::Payload>(std::string(marked.substr(0, end)));
+  if (!payload) return {std::nullopt, std::string(stored)};
+  return {std::move(payload), std::string(unicode::trim(marked.substr(end + askMarkerEnd.size())))};
 }
 
 std::string spellOut(const Ask& ask, std::string_view answer) {

@@ -3,86 +3,22 @@
 // All there is to know about one Thread. Plain rows; the rules beside this file read and change
 // them, with the time passed in.
 
+#include "board/rules/line.h"
+#include "board/rules/post.h"
 #include "board/rules/seat.h"
 #include "board/rules/table.h"
 #include "board/rules/task.h"
+#include "board/rules/thread.h"
 #include "json/record.h"
 #include "model/discussion.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 #include <tuple>
 
 namespace quillpost::board {
-
-/// How the person is named wherever an agent's fingerprint could stand.
-inline constexpr std::string_view human = "human";
-
-/// The Thread itself.
-struct Thread {
-  /// Its tag, "T-" and six characters.
-  std::string id;
-  std::string name;
-  std::string goal;
-  std::string charter;
-  /// Who proposed that the goal is complete; empty while nobody does.
-  std::string goalProposedBy;
-  bool goalComplete = false;
-  bool squadOn = false;
-  /// The revision of the last change.
-  int64_t rev = 0;
-  /// The number of the last wake or message.
-  int64_t lastNumber = 0;
-  int64_t tasksFiled = 0;
-  int64_t discussionsOpened = 0;
-
-  bool operator==(const Thread&) const = default;
-
-  static constexpr auto fields() {
-    // clang-format off
-    return std::tuple{
-        json::required( "id",                &Thread::id),
-        json::required( "name",              &Thread::name),
-        json::defaulted("goal",              &Thread::goal),
-        json::defaulted("charter",           &Thread::charter),
-        json::defaulted("goalProposedBy",    &Thread::goalProposedBy),
-        json::defaulted("goalComplete",      &Thread::goalComplete),
-        json::defaulted("squadOn",           &Thread::squadOn),
-        json::required( "rev",               &Thread::rev),
-        json::defaulted("lastNumber",        &Thread::lastNumber),
-        json::defaulted("tasksFiled",        &Thread::tasksFiled),
-        json::defaulted("discussionsOpened", &Thread::discussionsOpened),
-    };
-    // clang-format on
-  }
-};
-
-/// One thing that moved.
-struct Change {
-  /// The revision in decimal with leading zeros, so that rows stand in order.
-  std::string id;
-  int64_t rev = 0;
-  std::string kind;
-  /// Empty when it is about no task.
-  std::string taskID;
-  /// The fingerprint of whoever moved it, "human", or empty for the board itself.
-  std::string by;
-
-  bool operator==(const Change&) const = default;
-
-  static constexpr auto fields() {
-    // clang-format off
-    return std::tuple{
-        json::required( "id",     &Change::id),
-        json::required( "rev",    &Change::rev),
-        json::required( "kind",   &Change::kind),
-        json::defaulted("taskID", &Change::taskID),
-        json::defaulted("by",     &Change::by),
-    };
-    // clang-format on
-  }
-};
 
 /// A helper that an agent would like the person to allow.
 struct Suggestion {
@@ -109,34 +45,81 @@ struct Suggestion {
   }
 };
 
+/// The state of a discussion that goes on.
+inline constexpr std::string_view goingOn = "open";
+
+// The indices of discussions: those that are open, by their task (an empty one for those of the
+// whole board) and by who is party to them.
+inline constexpr std::string_view openByTask = "task";
+inline constexpr std::string_view openByParty = "party";
+
+template <>
+struct Keys<TeamworkDiscussion> {
+  template <class Found>
+  static void visit(const TeamworkDiscussion& discussion, Found&& found) {
+    if (discussion.state != goingOn) return;
+    found(Key{openByTask, discussion.taskID ? std::string_view(*discussion.taskID) : ""});
+    found(Key{openByParty, discussion.openedBy});
+    for (const std::string& party : discussion.addressedTo)
+      if (party != discussion.openedBy) found(Key{openByParty, party});
+  }
+};
+
 /// One Thread with all that is on it.
 struct Board {
-  /// Exactly one row.
+  /// Exactly one row, and so of its counters.
   Table<Thread> threads;
+  Table<Counters> counters;
   Table<Seat> seats;
   Table<Task> tasks;
-  /// Tasks that were deleted and can still be put back.
+  /// Tasks that were deleted and can still be put back. Their briefs and logs stay where they are.
   Table<Task> trash;
+  Table<Brief> briefs;
+  Table<LogLine> lines;
   Table<TeamworkDiscussion> discussions;
-  /// The latest changes, oldest first.
-  Table<Change> changes;
+  Table<Wake> wakes;
+  Table<Message> messages;
   Table<Suggestion> suggestions;
+  /// The latest changes, oldest first; what is saved has all of them.
+  Table<Change> changes;
 
   const Thread& thread() const { return threads.begin()->second; }
-  Thread& editThread() { return threads.edit(thread()); }
+  Thread& editThread() { return *threads.touch(thread().id); }
+  const Counters& counted() const { return counters.begin()->second; }
+  Counters& count() { return *counters.touch(counted().id); }
 };
+
+/// A board without anything on it.
+Board newBoard(Thread thread);
+
+/// The latest changes that are kept in memory; whoever has seen less is told of all of these.
+inline constexpr std::size_t changesKept = 1000;
 
 /// Calls `visit(kind, table)` for each table, the kind being a short name for its rows. The board
 /// may be const.
 template <class AnyBoard, class Visit>
 void forEachTable(AnyBoard& board, Visit&& visit) {
   visit("thread", board.threads);
+  visit("counters", board.counters);
   visit("seat", board.seats);
   visit("task", board.tasks);
   visit("trash", board.trash);
+  visit("brief", board.briefs);
+  visit("line", board.lines);
   visit("discussion", board.discussions);
-  visit("change", board.changes);
+  visit("wake", board.wakes);
+  visit("message", board.messages);
   visit("suggestion", board.suggestions);
+  visit("change", board.changes);
 }
+
+/// Whether the board is as it was last saved.
+bool isSaved(const Board& board);
+
+/// Notes that the board has been saved as it is now.
+void settle(Board& board);
+
+/// Puts the board back as it was last saved.
+void revert(Board& board);
 
 }  // namespace quillpost::board

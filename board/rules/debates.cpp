@@ -1,6 +1,7 @@
 #include "board/rules/debates.h"
 
 #include "base/text.h"
+#include "board/rules/ids.h"
 #include "board/rules/limits.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
@@ -12,16 +13,10 @@ namespace quillpost::board {
 
 namespace {
 
-constexpr std::string_view openState = "open";
-constexpr std::string_view resolvedState = "resolved";
+constexpr std::string_view resolvedDiscussion = "resolved";
 
 /// How much of a question or a volley a wake quotes, in characters.
 constexpr std::size_t quoteLength = 120;
-
-std::string discussionID(int64_t number) {
-  const std::string digits = text::cat(number);
-  return "d" + std::string(6 - std::min<std::size_t>(6, digits.size()), '0') + digits;
-}
 
 std::vector<std::string> partiesOf(const TeamworkDiscussion& discussion) {
   std::vector<std::string> parties = discussion.addressedTo;
@@ -31,8 +26,15 @@ std::vector<std::string> partiesOf(const TeamworkDiscussion& discussion) {
   return parties;
 }
 
+/// A move on a discussion; `what` is a quotation.
+Move moveOn(const TeamworkDiscussion& discussion, MoveKind kind, const std::string& by,
+            int64_t atMs, std::string_view what) {
+  return {kind, discussion.taskID.value_or(""), by, atMs,
+          text::cat(discussion.id, ": ", cutWithMark(what, quoteLength))};
+}
+
 /// Wakes every party; whoever moves is left out by the announcement.
-std::vector<Notice> noticesFor(const TeamworkDiscussion& discussion, std::string_view kind,
+std::vector<Notice> noticesFor(const TeamworkDiscussion& discussion, WakeKind kind,
                                std::string_view what) {
   std::vector<Notice> notices;
   const std::string summary = text::cat(discussion.id, ": ", cutWithMark(what, quoteLength));
@@ -54,7 +56,7 @@ void passTurn(TeamworkDiscussion& discussion, const std::string& author) {
 
 }  // namespace
 
-bool isOpen(const TeamworkDiscussion& discussion) { return discussion.state == openState; }
+bool isOpen(const TeamworkDiscussion& discussion) { return discussion.state == goingOn; }
 
 bool isParty(const TeamworkDiscussion& discussion, std::string_view party) {
   return discussion.openedBy == party ||
@@ -67,12 +69,7 @@ bool owes(const TeamworkDiscussion& discussion, std::string_view party) {
 }
 
 std::vector<const TeamworkDiscussion*> openOn(const Board& board, std::string_view taskID) {
-  std::vector<const TeamworkDiscussion*> found;
-  for (const auto& [id, discussion] : board.discussions)
-    if (isOpen(discussion) && discussion.taskID.value_or("") == taskID) {
-      found.push_back(&discussion);
-    }
-  return found;
+  return board.discussions.with({openByTask, taskID});
 }
 
 std::string counterpart(const Board& board, const TeamworkDiscussion& discussion,
@@ -84,44 +81,48 @@ std::string counterpart(const Board& board, const TeamworkDiscussion& discussion
   return text::join(others, ", ");
 }
 
-const TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion) {
-  discussion.id = discussionID(++board.editThread().discussionsOpened);
-  discussion.state = openState;
+TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion, int64_t nowMs) {
+  discussion.id = discussionID(++board.count().discussionsOpened);
+  discussion.state = goingOn;
   discussion.owingParties = discussion.addressedTo;
-  const TeamworkDiscussion& opened = board.discussions.put(std::move(discussion));
-  announce(board, {"discussionOpened", opened.taskID.value_or(""), opened.openedBy},
-           noticesFor(opened, "discussionOpened", opened.question));
+  TeamworkDiscussion& opened = board.discussions.put(std::move(discussion));
+  announce(board,
+           moveOn(opened, MoveKind::discussionOpened, opened.openedBy, nowMs, opened.question),
+           noticesFor(opened, WakeKind::discussionOpened, opened.question));
   return opened;
 }
 
-void addVolley(Board& board, const TeamworkDiscussion& discussion,
-               TeamworkDiscussion::Volley volley) {
-  TeamworkDiscussion& changed = board.discussions.edit(discussion);
-  if (!isParty(changed, volley.author)) changed.addressedTo.push_back(volley.author);
-  passTurn(changed, volley.author);
-  const std::string author = volley.author;
-  const std::string quote = volley.body;
-  changed.volleys.push_back(std::move(volley));
-  changed.volleysSinceHuman = author == human ? 0 : changed.volleysSinceHuman + 1;
-  if (author == human) changed.escalated = false;
-  announce(board, {"discussionReplied", changed.taskID.value_or(""), author},
-           noticesFor(changed, "discussionReply", quote));
-  if (changed.volleysSinceHuman < volleyCap || changed.escalated) return;
-  changed.escalated = true;
-  if (!owes(changed, human)) changed.owingParties.emplace_back(human);
-  announce(board, {"discussionEscalated", changed.taskID.value_or(""), ""},
-           noticesFor(changed, "discussionEscalated", "put before the human"));
+void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion::Volley volley) {
+  if (!isParty(discussion, volley.author)) discussion.addressedTo.push_back(volley.author);
+  passTurn(discussion, volley.author);
+  discussion.volleysSinceHuman = volley.author == human ? 0 : discussion.volleysSinceHuman + 1;
+  if (volley.author == human) discussion.escalated = false;
+  announce(board,
+           moveOn(discussion, MoveKind::discussionReplied, volley.author, volley.atMs, volley.body),
+           noticesFor(discussion, WakeKind::discussionReply, volley.body));
+  const int64_t nowMs = volley.atMs;
+  discussion.volleys.push_back(std::move(volley));
+  if (discussion.volleysSinceHuman >= volleyCap) escalate(board, discussion, nowMs);
 }
 
-void resolve(Board& board, const TeamworkDiscussion& discussion, const std::string& resolution,
-             const std::string& by) {
-  TeamworkDiscussion& changed = board.discussions.edit(discussion);
-  changed.state = resolvedState;
-  changed.resolution = resolution;
-  changed.resolvedBy = by;
-  changed.owingParties.clear();
-  announce(board, {"discussionResolved", changed.taskID.value_or(""), by},
-           noticesFor(changed, "discussionResolved", resolution));
+void escalate(Board& board, TeamworkDiscussion& discussion, int64_t nowMs) {
+  if (discussion.escalated) return;
+  constexpr std::string_view words = "put before the human";
+  discussion.escalated = true;
+  if (!owes(discussion, human)) discussion.owingParties.emplace_back(human);
+  announce(board, moveOn(discussion, MoveKind::discussionEscalated, "", nowMs, words),
+           noticesFor(discussion, WakeKind::discussionEscalated, words));
+}
+
+void resolve(Board& board, TeamworkDiscussion& discussion, const Resolution& resolution) {
+  discussion.state = resolvedDiscussion;
+  discussion.resolution = resolution.words;
+  discussion.resolvedBy = resolution.by;
+  discussion.owingParties.clear();
+  announce(board,
+           moveOn(discussion, MoveKind::discussionResolved, resolution.by, resolution.atMs,
+                  resolution.words),
+           noticesFor(discussion, WakeKind::discussionResolved, resolution.words));
 }
 
 }  // namespace quillpost::board

@@ -32,15 +32,25 @@ std::string counterpart(const Board& board, const TeamworkDiscussion& discussion
 
 /// A new discussion, put on the board with the next id; the addressees owe the first volley and are
 /// woken. Everything but id, state and debts is taken from `discussion`.
-const TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion);
+TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion, int64_t nowMs);
 
 /// Adds a volley and wakes the other parties. At the cap the discussion escalates: the person owes
 /// a volley too.
-void addVolley(Board& board, const TeamworkDiscussion& discussion,
-               TeamworkDiscussion::Volley volley);
+void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion::Volley volley);
+
+/// Puts a discussion before the person, who owes a volley then too; nothing when it is before them
+/// already.
+void escalate(Board& board, TeamworkDiscussion& discussion, int64_t nowMs);
+
+/// What ends a discussion.
+struct Resolution {
+  std::string words;
+  std::string by;
+  /// When, in milliseconds since 1970.
+  int64_t atMs = 0;
+};
 
 /// Closes a discussion and wakes the other parties.
-void resolve(Board& board, const TeamworkDiscussion& discussion, const std::string& resolution,
-             const std::string& by);
+void resolve(Board& board, TeamworkDiscussion& discussion, const Resolution& resolution);
 
 }  // namespace quillpost::board

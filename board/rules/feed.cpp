@@ -1,11 +1,14 @@
 #include "board/rules/feed.h"
 
 #include "base/text.h"
+#include "board/rules/ids.h"
+#include "board/rules/limits.h"
 #include "board/rules/people.h"
 #include "board/rules/views.h"
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 namespace quillpost::board {
 
@@ -20,7 +23,8 @@ bool isWatched(const Listening& listening, std::string_view taskID) {
 std::vector<const Change*> changesFor(const Board& board, const Seat& seat,
                                       const Listening& listening) {
   std::vector<const Change*> changes;
-  for (const auto& [id, change] : board.changes) {
+  for (auto at = board.changes.from(padded(listening.sinceRev)); at != board.changes.end(); ++at) {
+    const Change& change = at->second;
     const bool isOwn = !seat.fingerprint.empty() && change.by == seat.fingerprint;
     if (change.rev <= listening.sinceRev || isOwn || !isWatched(listening, change.taskID)) continue;
     changes.push_back(&change);
@@ -31,7 +35,7 @@ std::vector<const Change*> changesFor(const Board& board, const Seat& seat,
 /// Whether changes between the revision and the oldest one kept have been forgotten, or the
 /// revision is of another board altogether.
 bool hasLostTrack(const Board& board, int64_t sinceRev) {
-  if (sinceRev > board.thread().rev) return true;
+  if (sinceRev > board.counted().rev) return true;
   return !board.changes.empty() && board.changes.begin()->second.rev > sinceRev + 1;
 }
 
@@ -41,12 +45,8 @@ bool isShown(const Task& task, const std::vector<const Change*>& changes,
   return isOpen(task) || std::ranges::find(changes, task.id, &Change::taskID) != changes.end();
 }
 
-void addKind(std::vector<std::string>& kinds, std::string_view kind) {
-  if (std::ranges::find(kinds, kind) == kinds.end()) kinds.emplace_back(kind);
-}
-
-std::optional<std::string> unlessEmpty(const std::string& words) {
-  return words.empty() ? std::nullopt : std::optional(words);
+void addWord(std::vector<std::string>& words, std::string_view word) {
+  if (std::ranges::find(words, word) == words.end()) words.emplace_back(word);
 }
 
 }  // namespace
@@ -67,8 +67,8 @@ bool hasMoved(const Board& board, const Seat& seat, const Listening& listening) 
 bool isDeserted(const Board& board) { return board.tasks.empty() && othersHere(board, "").empty(); }
 
 bool hasNews(const Board& board, const Seat& seat, const Listening& listening) {
-  return board.thread().goalComplete || !seat.wakes.empty() || !seat.inbox.empty() ||
-         hasMoved(board, seat, listening);
+  return board.thread().goalComplete || board.wakes.has({bySeat, seat.id}) ||
+         board.messages.has({bySeat, seat.id}) || hasMoved(board, seat, listening);
 }
 
 TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening& listening,
@@ -76,43 +76,49 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
   const Thread& thread = board.thread();
   const std::vector<const Change*> changes = changesFor(board, seat, listening);
   TeamworkChangeFeed feed;
-  feed.rev = thread.rev;
+  feed.rev = board.counted().rev;
   feed.changed = hasMoved(board, seat, listening);
   if (seat.registered) feed.goal = thread.goal;
   feed.goalComplete = thread.goalComplete;
   feed.pendingGoalComplete = !thread.goalProposedBy.empty();
   if (listening.sinceRev > 0) {
     for (const Change* change : changes) {
-      addKind(feed.changeKinds, change->kind);
-      feed.changes.push_back({change->kind, unlessEmpty(change->taskID)});
+      const std::string word(json::wordFor(change->kind));
+      addWord(feed.changeKinds, word);
+      feed.changes.push_back({word, unlessEmpty(change->taskID)});
     }
   }
   for (const auto& [id, task] : board.tasks) {
     if (!isShown(task, changes, listening)) continue;
     feed.tasks.push_back(seat.registered ? taskView(board, task, seat, at) : titleView(task));
   }
-  for (const Wake& reason : seat.wakes) {
-    if (reason.kind == "mentioned") addKind(feed.changeKinds, "youWereTagged");
-    feed.wakeReasons.push_back(
-        {reason.kind, unlessEmpty(reason.taskID), reason.summary, unlessEmpty(reason.cause)});
+  for (const Wake* wake : wakesOf(board, seat)) {
+    if (wake->kind == WakeKind::mentioned) addWord(feed.changeKinds, "youWereTagged");
+    std::optional<std::string> cause;
+    if (wake->cause) cause = json::wordFor(*wake->cause);
+    feed.wakeReasons.push_back({std::string(json::wordFor(wake->kind)), unlessEmpty(wake->taskID),
+                                wake->summary, std::move(cause)});
   }
-  feed.messages = messagesFor(seat, at);
+  feed.messages = messagesFor(board, seat, at);
   return feed;
 }
 
-std::vector<TeamworkSquadMessage> messagesFor(const Seat& seat, Moment at) {
+std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at) {
   std::vector<TeamworkSquadMessage> messages;
-  for (const Message& message : seat.inbox) {
-    messages.push_back({text::cat("m", message.number), message.from, message.fromName,
-                        message.text, std::max<int64_t>(0, (at.nowMs - message.sentMs) / 1000)});
+  for (const Message* message : messagesOf(board, seat)) {
+    const int64_t number = text::parseInteger(message->id).value_or(0);
+    messages.push_back({text::cat("m", number), message->from, message->fromName, message->text,
+                        std::max<int64_t>(0, (at.nowMs - message->sentMs) / 1000)});
   }
   return messages;
 }
 
 Delivery deliveryOf(const Board& board, const Seat& seat) {
-  Delivery delivery{board.thread().id, seat.id, 0, 0};
-  if (!seat.wakes.empty()) delivery.wakesUpTo = seat.wakes.back().number;
-  if (!seat.inbox.empty()) delivery.messagesUpTo = seat.inbox.back().number;
+  Delivery delivery{board.thread().id, seat.id, {}, {}};
+  const std::vector<const Wake*> wakes = wakesOf(board, seat);
+  const std::vector<const Message*> messages = messagesOf(board, seat);
+  if (!wakes.empty()) delivery.wakesUpTo = wakes.back()->id;
+  if (!messages.empty()) delivery.messagesUpTo = messages.back()->id;
   return delivery;
 }
 

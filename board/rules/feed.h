@@ -4,7 +4,7 @@
 
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
-#include "board/rules/moves.h"
+#include "board/rules/wakes.h"
 #include "model/changes.h"
 #include "model/request.h"
 
@@ -37,7 +37,7 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
                            Moment at);
 
 /// The messages that wait for a seat, oldest first.
-std::vector<TeamworkSquadMessage> messagesFor(const Seat& seat, Moment at);
+std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at);
 
 /// What an answer with all the wakes and messages of a seat carries.
 Delivery deliveryOf(const Board& board, const Seat& seat);

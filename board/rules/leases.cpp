@@ -1,7 +1,10 @@
 #include "board/rules/leases.h"
 
 #include "base/text.h"
+#include "board/rules/ids.h"
+#include "board/rules/log.h"
 #include "board/rules/people.h"
+#include "board/rules/wakes.h"
 
 #include <string>
 #include <vector>
@@ -10,15 +13,12 @@ namespace quillpost::board {
 
 namespace {
 
-std::string named(const Task& task) { return text::cat(task.id, " \"", task.title, "\""); }
-
 /// Puts the task back into the pool, with everything that was written on it.
-void dropClaim(Board& board, const Task& task) {
-  Task& dropped = board.tasks.edit(task);
-  dropped.state = TaskState::open;
-  dropped.owner.clear();
-  dropped.parkedReason.clear();
-  dropped.expiryWarned = false;
+void dropClaim(Task& task) {
+  task.state = TaskState::open;
+  task.owner.clear();
+  task.parkedReason.clear();
+  task.expiryWarned = false;
 }
 
 const ReleaseAsk* firstAsker(const Board& board, const Task& task) {
@@ -30,104 +30,123 @@ const ReleaseAsk* firstAsker(const Board& board, const Task& task) {
 }
 
 /// Hands the claim from its holder to whoever asked first; nothing is done when nobody did.
-bool handOver(Board& board, const Task& task, const std::string& by, Moment at) {
+bool handOver(Board& board, Task& task, const std::string& by, Moment at) {
   const ReleaseAsk* ask = firstAsker(board, task);
   if (ask == nullptr) return false;
-  const Seat& taker = *seatOf(board, ask->requester);
+  Seat& taker = *touchSeatOf(board, ask->requester);
   const std::string former = task.owner;
   takeClaim(board, task, taker, at);
-  board.seats.edit(taker).parkReason.clear();
-  board.tasks.edit(task).log.push_back(
-      {LogKind::handOff, "", "",
-       text::cat(taker.handle, " took over from ", calling(board, former))});
+  taker.parkReason.clear();
+  const std::string words = text::cat(taker.handle, " took over from ", calling(board, former));
+  addLine(board, task, {"", LogKind::handOff, "", "", words, at.nowMs});
   const Notice notices[] = {
-      {taker.fingerprint, "releaseGranted", text::cat("You now hold ", named(task))},
-      {former, "claimHandedOver", text::cat(named(task), " went to ", taker.handle)}};
-  announce(board, {"taskHandedOver", task.id, by}, notices);
+      {taker.fingerprint, WakeKind::releaseGranted, text::cat("You now hold ", named(task))},
+      {former, WakeKind::claimHandedOver, text::cat(named(task), " went to ", taker.handle)}};
+  announce(board, {MoveKind::taskHandedOver, task.id, by, at.nowMs, words}, notices);
   return true;
 }
 
-void lapseSeats(Board& board, Moment at) {
-  for (const auto& [id, seat] : board.seats) {
-    if (!isLive(seat) || seat.leaseUntilMs > at.nowMs) continue;
-    board.seats.edit(seat).away = true;
-    record(board, {"agentLeft", "", seat.fingerprint});
-  }
+/// Counts a claim's lease anew from now.
+void startLease(Task& task, Moment at) {
+  task.leaseUntilMs = at.nowMs + at.leaseMs;
+  task.dueMs = task.leaseUntilMs - at.warningMs();
+  task.expiryWarned = false;
 }
 
-void lapseClaim(Board& board, const Task& task, Moment at) {
+void lapseClaim(Board& board, Task& task, Moment at) {
   const std::string former = task.owner;
   if (const Seat* holder = seatOf(board, former)) {
-    takeBackWakes(board, *holder, "claimExpiring", task.id);
+    takeBackWakes(board, *holder, WakeKind::claimExpiring, task.id);
   }
   const Notice notices[] = {
-      {former, "claimExpired", text::cat("Your claim on ", named(task), " lapsed")}};
-  giveUpClaim(board, task, {"taskLapsed", task.id, ""}, at, notices);
+      {former, WakeKind::claimExpired, text::cat("Your claim on ", named(task), " lapsed")}};
+  giveUpClaim(board, task, {MoveKind::taskLapsed, task.id, "", at.nowMs, calling(board, former)},
+              at, notices);
 }
 
-void warnHolder(Board& board, const Task& task, Moment at) {
-  board.tasks.edit(task).expiryWarned = true;
+/// Sends away whoever's lease is over, and returns what they hold.
+void lapseSeats(Board& board, Moment at) {
+  const std::vector<const Seat*> due = board.seats.upTo(bySeatDueTime, padded(at.nowMs));
+  // All first: none of them is to be given what another one held.
+  for (const Seat* seat : due) board.seats.touch(seat->id)->away = true;
+  for (const Seat* seat : due) {
+    record(board, {MoveKind::agentLeft, "", seat->fingerprint, at.nowMs});
+    for (Task* task : touchHeld(board, seat->fingerprint)) lapseClaim(board, *task, at);
+  }
+}
+
+void warnHolder(Board& board, Task& task, Moment at) {
+  task.expiryWarned = true;
+  task.dueMs = task.leaseUntilMs;
   const Seat* holder = seatOf(board, task.owner);
   if (holder == nullptr) return;
   const int64_t seconds = (task.leaseUntilMs - at.nowMs + 999) / 1000;
   wake(board, *holder,
-       {0, "claimExpiring", task.id,
-        text::cat("Your claim on ", named(task), " lapses in ", seconds, " s"), ""});
-}
-
-bool isOver(const Task& task, const Board& board, Moment at) {
-  const Seat* holder = seatOf(board, task.owner);
-  return task.leaseUntilMs <= at.nowMs || holder == nullptr || holder->away;
+       {WakeKind::claimExpiring, task.id,
+        text::cat("Your claim on ", named(task), " lapses in ", seconds, " s")});
 }
 
 }  // namespace
 
-void renewPresence(Board& board, const Seat& seat, Moment at) {
+std::vector<Task*> touchHeld(Board& board, std::string_view fingerprint) {
+  std::vector<Task*> held;
+  for (const Task* task : board.tasks.with({byOwner, fingerprint}))
+    held.push_back(board.tasks.touch(task->id));
+  return held;
+}
+
+void renewPresence(Board& board, Seat& seat, Moment at) {
   const bool isFresh = seat.leaseUntilMs - at.nowMs > at.leaseMs - at.leaseMs / 10;
   if (!seat.registered || (isFresh && !seat.away)) return;
-  if (seat.away) record(board, {"agentJoined", "", seat.fingerprint});
-  Seat& renewed = board.seats.edit(seat);
-  renewed.away = false;
-  renewed.leaseUntilMs = at.nowMs + at.leaseMs;
-  renewed.lastCallMs = at.nowMs;
+  if (seat.away) record(board, {MoveKind::agentJoined, "", seat.fingerprint, at.nowMs});
+  seat.away = false;
+  seat.leaseUntilMs = at.nowMs + at.leaseMs;
+  seat.lastCallMs = at.nowMs;
 }
 
 void renewClaims(Board& board, const Seat& seat, Moment at) {
-  for (const auto& [id, task] : board.tasks)
-    if (isHeldBy(task, seat.fingerprint)) renewClaim(board, task, at);
+  for (Task* task : touchHeld(board, seat.fingerprint)) renewClaim(board, *task, at);
 }
 
-void renewClaim(Board& board, const Task& task, Moment at) {
-  Task& renewed = board.tasks.edit(task);
-  renewed.leaseUntilMs = at.nowMs + at.leaseMs;
-  renewed.expiryWarned = false;
+void renewClaim(Board& board, Task& task, Moment at) {
+  startLease(task, at);
   if (const Seat* holder = seatOf(board, task.owner)) {
-    takeBackWakes(board, *holder, "claimExpiring", task.id);
+    takeBackWakes(board, *holder, WakeKind::claimExpiring, task.id);
   }
 }
 
-void takeClaim(Board& board, const Task& task, const Seat& seat, Moment at) {
-  Task& taken = board.tasks.edit(task);
-  taken.state = TaskState::claimed;
-  taken.owner = seat.fingerprint;
-  taken.claimedAtMs = at.nowMs;
-  taken.leaseUntilMs = at.nowMs + at.leaseMs;
-  taken.expiryWarned = false;
-  taken.linesSinceClaim = 0;
-  taken.parkedReason.clear();
-  ++taken.claimAttempts;
-  std::erase_if(taken.releaseAsks,
+void takeClaim(Board& board, Task& task, const Seat& seat, Moment at) {
+  task.state = TaskState::claimed;
+  task.owner = seat.fingerprint;
+  task.claimedAtMs = at.nowMs;
+  startLease(task, at);
+  task.linesSinceClaim = 0;
+  task.parkedReason.clear();
+  ++task.claimAttempts;
+  std::erase_if(task.releaseAsks,
                 [&](const ReleaseAsk& ask) { return ask.requester == seat.fingerprint; });
-  watch(board, task, {seat.fingerprint, true});
-  takeBackWakes(board, seat, "claimExpired", task.id);
+  watch(task, {seat.fingerprint, true});
+  takeBackWakes(board, seat, WakeKind::claimExpired, task.id);
 }
 
-bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at,
+bool giveUpClaim(Board& board, Task& task, const Move& move, Moment at,
                  std::span<const Notice> notices) {
   if (handOver(board, task, move.by, at)) return true;
-  dropClaim(board, task);
+  dropClaim(task);
   announce(board, move, notices);
   return false;
+}
+
+int64_t leave(Board& board, Seat& seat, Moment at) {
+  const std::vector<Task*> held = touchHeld(board, seat.fingerprint);
+  for (Task* task : held) {
+    giveUpClaim(board, *task, {MoveKind::taskReleased, task->id, seat.fingerprint, at.nowMs}, at);
+  }
+  record(board, {MoveKind::agentLeft, "", seat.fingerprint, at.nowMs});
+  seat.registered = seat.waiting = seat.stoodDown = false;
+  seat.parkReason.clear();
+  emptySeat(board, seat);
+  return text::countOf(held);
 }
 
 bool isStuck(const Board& board, const Task& task) {
@@ -136,47 +155,47 @@ bool isStuck(const Board& board, const Task& task) {
          (holder != nullptr && !holder->parkReason.empty());
 }
 
-bool settleReleaseAsks(Board& board, const Task& task, const std::string& by, Moment at) {
+bool settleReleaseAsks(Board& board, Task& task, const std::string& by, Moment at) {
   if (task.state != TaskState::claimed || !isStuck(board, task)) return false;
   return handOver(board, task, by, at);
 }
 
 void lapse(Board& board, Moment at) {
   lapseSeats(board, at);
-  for (const auto& [id, task] : board.tasks) {
-    if (task.state != TaskState::claimed) continue;
-    if (isOver(task, board, at)) {
+  for (const Task* due : board.tasks.upTo(byDueTime, padded(at.nowMs))) {
+    Task& task = *board.tasks.touch(due->id);
+    if (task.leaseUntilMs <= at.nowMs) {
       lapseClaim(board, task, at);
-    } else if (!task.expiryWarned && task.leaseUntilMs - at.nowMs <= at.warningMs()) {
+    } else {
       warnHolder(board, task, at);
     }
   }
-  std::vector<std::string> forgotten;
-  for (const auto& [id, task] : board.trash)
-    if (at.nowMs - task.deletedAtMs >= trashKeptMs) forgotten.push_back(id);
-  for (const std::string& id : forgotten) board.trash.remove(id);
+  for (const Task* due : board.trash.upTo(byDueTime, padded(at.nowMs))) {
+    const std::string id = due->id;
+    board.trash.remove(id);
+    forgetWritings(board, id);
+  }
 }
 
-std::optional<int64_t> nextLapse(const Board& board, Moment at) {
+std::optional<int64_t> nextLapse(const Board& board) {
   std::optional<int64_t> next;
-  const auto consider = [&next](int64_t whenMs) {
-    if (!next || whenMs < *next) next = whenMs;
-  };
-  for (const auto& [id, seat] : board.seats)
-    if (isLive(seat)) consider(seat.leaseUntilMs);
-  for (const auto& [id, task] : board.tasks)
-    if (task.state == TaskState::claimed) {
-      consider(task.expiryWarned ? task.leaseUntilMs : task.leaseUntilMs - at.warningMs());
-    }
+  for (const std::optional<std::string>& word :
+       {board.seats.firstWord(bySeatDueTime), board.tasks.firstWord(byDueTime),
+        board.trash.firstWord(byDueTime)}) {
+    const std::optional<int64_t> dueMs = word ? text::parseInteger(*word) : std::nullopt;
+    if (dueMs && (!next || *dueMs < *next)) next = dueMs;
+  }
   return next;
 }
 
 void forgiveAbsence(Board& board, Moment at) {
-  for (const auto& [id, seat] : board.seats) {
-    if (!isLive(seat)) continue;
-    Seat& forgiven = board.seats.edit(seat);
-    forgiven.leaseUntilMs = at.nowMs + at.leaseMs;
-    forgiven.lastCallMs = at.nowMs;
+  std::vector<std::string> here;
+  for (const auto& [id, seat] : board.seats)
+    if (isLive(seat)) here.push_back(id);
+  for (const std::string& id : here) {
+    Seat& seat = *board.seats.touch(id);
+    seat.leaseUntilMs = at.nowMs + at.leaseMs;
+    seat.lastCallMs = at.nowMs;
     renewClaims(board, seat, at);
   }
 }

@@ -11,14 +11,12 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillpost::board {
 
 /// How long a lease runs unless the board is told otherwise, in milliseconds.
 inline constexpr int64_t defaultLeaseMs = int64_t{15} * 60 * 1000;
-
-/// How long a deleted task can be put back, in milliseconds: seven days.
-inline constexpr int64_t trashKeptMs = int64_t{7} * 24 * 60 * 60 * 1000;
 
 /// A task that was claimed more often than this and is still not done is being dropped over and
 /// over.
@@ -35,29 +33,36 @@ struct Moment {
   int64_t warningMs() const { return std::min<int64_t>(120'000, leaseMs / 4); }
 };
 
+/// The tasks that an agent holds, to be changed, in the order of their ids.
+std::vector<Task*> touchHeld(Board& board, std::string_view fingerprint);
+
 /// Keeps the agent on the roster. Written down only when a tenth of the lease has gone since the
 /// last time, so that reading the board does not write to it each time.
-void renewPresence(Board& board, const Seat& seat, Moment at);
+void renewPresence(Board& board, Seat& seat, Moment at);
 
 /// Renews every claim of the agent, and takes back what was said of them lapsing.
 void renewClaims(Board& board, const Seat& seat, Moment at);
 
 /// Renews one claim.
-void renewClaim(Board& board, const Task& task, Moment at);
+void renewClaim(Board& board, Task& task, Moment at);
 
 /// Gives the task to the agent. Says nothing of it to anybody.
-void takeClaim(Board& board, const Task& task, const Seat& seat, Moment at);
+void takeClaim(Board& board, Task& task, const Seat& seat, Moment at);
 
 /// Takes the task from its holder, for a move of that kind: it goes to the first agent here who has
 /// asked for its release, and back to the pool when nobody has; `notices` are for the latter.
 /// Whether somebody got it.
-bool giveUpClaim(Board& board, const Task& task, const Move& move, Moment at,
+bool giveUpClaim(Board& board, Task& task, const Move& move, Moment at,
                  std::span<const Notice> notices = {});
 
 /// Hands the task over if its holder is blocked or parked and somebody here has asked for it. `by`
 /// is whose doing that is, who needs not be told; empty when both are to be told. Whether it was
 /// handed over.
-bool settleReleaseAsks(Board& board, const Task& task, const std::string& by, Moment at);
+bool settleReleaseAsks(Board& board, Task& task, const std::string& by, Moment at);
+
+/// Takes the agent off the roster and returns what it holds, with what waits for it: how many
+/// claims that were.
+int64_t leave(Board& board, Seat& seat, Moment at);
 
 /// Whether the holder of the task is blocked on it or parked.
 bool isStuck(const Board& board, const Task& task);
@@ -67,7 +72,7 @@ bool isStuck(const Board& board, const Task& task);
 void lapse(Board& board, Moment at);
 
 /// When `lapse` next has something to do, in milliseconds since 1970; nothing when no lease runs.
-std::optional<int64_t> nextLapse(const Board& board, Moment at);
+std::optional<int64_t> nextLapse(const Board& board);
 
 /// Gives every lease its full time again, for a board that was away and cannot tell who was idle.
 void forgiveAbsence(Board& board, Moment at);

@@ -24,6 +24,10 @@ std::string cutWithNotice(std::string_view whole, std::size_t limit, std::string
   return std::string(kept);
 }
 
+std::optional<std::string> unlessEmpty(std::string_view words) {
+  return words.empty() ? std::nullopt : std::optional(std::string(words));
+}
+
 std::string oneLine(std::string_view whole) {
   std::string line(unicode::trim(whole));
   for (char& letter : line)

@@ -1,8 +1,9 @@
 #pragma once
 
-// How long the texts on a board may be, in characters, as the tools' descriptions promise it.
+// The texts on a board: how long they may be, in characters, as the tools' descriptions promise it.
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -31,6 +32,9 @@ std::string cutWithMark(std::string_view whole, std::size_t limit);
 /// which says that `what` was cut.
 std::string cutWithNotice(std::string_view whole, std::size_t limit, std::string_view what,
                           std::string& notice);
+
+/// A text that says something, or nothing.
+std::optional<std::string> unlessEmpty(std::string_view words);
 
 /// Without white space at both ends and with a blank for each line break between.
 std::string oneLine(std::string_view whole);

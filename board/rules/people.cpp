@@ -1,19 +1,23 @@
 #include "board/rules/people.h"
 
+#include "base/text.h"
 #include "base/unicode.h"
 
 namespace quillpost::board {
 
 const Seat* seatOf(const Board& board, std::string_view fingerprint) {
-  for (const auto& [id, seat] : board.seats)
-    if (seat.registered && seat.fingerprint == fingerprint) return &seat;
-  return nullptr;
+  const std::vector<const Seat*> found = board.seats.with({byMark, fingerprint});
+  return found.empty() ? nullptr : found.front();
+}
+
+Seat* touchSeatOf(Board& board, std::string_view fingerprint) {
+  const Seat* seat = seatOf(board, fingerprint);
+  return seat != nullptr ? board.seats.touch(seat->id) : nullptr;
 }
 
 const Seat* seatAt(const Board& board, std::string_view handle) {
-  for (const auto& [id, seat] : board.seats)
-    if (unicode::equalIgnoringCase(seat.handle, handle)) return &seat;
-  return nullptr;
+  const std::vector<const Seat*> found = board.seats.with({byHandle, text::lowered(handle)});
+  return found.empty() ? nullptr : found.front();
 }
 
 const Seat* whoIs(const Board& board, std::string_view text) {
@@ -42,9 +46,7 @@ std::vector<const Seat*> othersHere(const Board& board, std::string_view fingerp
 }
 
 int64_t claimsOf(const Board& board, const Seat& seat) {
-  int64_t count = 0;
-  for (const auto& [id, task] : board.tasks) count += isHeldBy(task, seat.fingerprint);
-  return count;
+  return text::countOf(board.tasks.with({byOwner, seat.fingerprint}));
 }
 
 bool isAttending(const Seat& seat, int64_t nowMs) {

@@ -13,6 +13,9 @@ namespace quillpost::board {
 /// The seat whose agent has this fingerprint, here or away; null when there is none.
 const Seat* seatOf(const Board& board, std::string_view fingerprint);
 
+/// The same seat, to be changed; null when there is none.
+Seat* touchSeatOf(Board& board, std::string_view fingerprint);
+
 /// The seat of this handle, whatever the case; null when there is none.
 const Seat* seatAt(const Board& board, std::string_view handle);
 

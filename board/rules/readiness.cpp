@@ -22,12 +22,7 @@ std::vector<std::string> unresolved(const Board& board, std::span<const std::str
 }
 
 std::vector<const Task*> dependentsOf(const Board& board, std::string_view taskID) {
-  std::vector<const Task*> dependents;
-  for (const auto& [id, task] : board.tasks) {
-    const bool waits = std::ranges::find(task.waitsOn, taskID) != task.waitsOn.end();
-    if (waits && isOpen(task)) dependents.push_back(&task);
-  }
-  return dependents;
+  return board.tasks.with({byWaitsOn, taskID});
 }
 
 bool wouldWaitOnItself(const Board& board, std::string_view taskID,

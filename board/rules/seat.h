@@ -1,65 +1,17 @@
 #pragma once
 
-// A terminal's seat on a Thread, and what waits there for its agent.
+// A terminal's seat on a Thread.
 
+#include "base/text.h"
+#include "board/rules/ids.h"
+#include "board/rules/table.h"
 #include "json/record.h"
 
 #include <cstdint>
 #include <string>
 #include <tuple>
-#include <vector>
 
 namespace quillpost::board {
-
-/// A reason to wake an agent, kept until an answer has carried it there.
-struct Wake {
-  /// Counts up over the Thread, so that what was carried can be told from what came later.
-  int64_t number = 0;
-  std::string kind;
-  /// Empty when it is about no task.
-  std::string taskID;
-  std::string summary;
-  /// The change behind it; empty when there is none.
-  std::string cause;
-
-  bool operator==(const Wake&) const = default;
-
-  static constexpr auto fields() {
-    // clang-format off
-    return std::tuple{
-        json::required( "number",  &Wake::number),
-        json::required( "kind",    &Wake::kind),
-        json::defaulted("taskID",  &Wake::taskID),
-        json::required( "summary", &Wake::summary),
-        json::defaulted("cause",   &Wake::cause),
-    };
-    // clang-format on
-  }
-};
-
-/// A peer's note, kept until an answer has carried it to its reader.
-struct Message {
-  int64_t number = 0;
-  /// The sender's handle.
-  std::string from;
-  std::string fromName;
-  std::string text;
-  int64_t sentMs = 0;
-
-  bool operator==(const Message&) const = default;
-
-  static constexpr auto fields() {
-    // clang-format off
-    return std::tuple{
-        json::required( "number",   &Message::number),
-        json::required( "from",     &Message::from),
-        json::defaulted("fromName", &Message::fromName),
-        json::required( "text",     &Message::text),
-        json::required( "sentMs",   &Message::sentMs),
-    };
-    // clang-format on
-  }
-};
 
 /// One terminal and the agent in it. All times are milliseconds since 1970.
 struct Seat {
@@ -83,8 +35,6 @@ struct Seat {
   bool waiting = false;
   bool stoodDown = false;
   std::string parkReason;
-  std::vector<Wake> wakes;
-  std::vector<Message> inbox;
 
   bool operator==(const Seat&) const = default;
 
@@ -105,8 +55,6 @@ struct Seat {
         json::defaulted("waiting",      &Seat::waiting),
         json::defaulted("stoodDown",    &Seat::stoodDown),
         json::defaulted("parkReason",   &Seat::parkReason),
-        json::defaulted("wakes",        &Seat::wakes),
-        json::defaulted("inbox",        &Seat::inbox),
     };
     // clang-format on
   }
@@ -114,5 +62,22 @@ struct Seat {
 
 /// Whether an agent is here: registered, its lease running.
 inline bool isLive(const Seat& seat) { return seat.registered && !seat.away; }
+
+// The indices of seats: by the agent's mark, by the handle in small letters, and by when the agent
+// is due to be looked after.
+inline constexpr std::string_view byMark = "mark";
+inline constexpr std::string_view byHandle = "handle";
+inline constexpr std::string_view bySeatDueTime = "due";
+
+template <>
+struct Keys<Seat> {
+  template <class Found>
+  static void visit(const Seat& seat, Found&& found) {
+    found(Key{byHandle, text::lowered(seat.handle)});
+    if (!seat.registered) return;
+    found(Key{byMark, seat.fingerprint});
+    if (isLive(seat)) found(Key{bySeatDueTime, padded(seat.leaseUntilMs)});
+  }
+};
 
 }  // namespace quillpost::board

@@ -1,7 +1,11 @@
 #pragma once
 
-// A task as the board keeps it.
+// A task as the board keeps it. Its brief and the lines of its log are rows of their own, so that
+// what is written on it does not carry them along.
 
+#include "base/text.h"
+#include "board/rules/ids.h"
+#include "board/rules/table.h"
 #include "json/record.h"
 
 #include <array>
@@ -14,27 +18,6 @@ namespace quillpost::board {
 
 /// How far a task has come.
 enum class TaskState { open, claimed, done, rejected };
-
-/// What a line of a task's log is.
-enum class LogKind { progress, comment, gist, handOff };
-
-/// One line of a task's log.
-struct LogLine {
-  LogKind kind = LogKind::progress;
-  /// The author's fingerprint, or "human".
-  std::string author;
-  /// What the author is called on the line.
-  std::string name;
-  std::string text;
-
-  bool operator==(const LogLine&) const = default;
-
-  static constexpr auto fields() {
-    return std::tuple{
-        json::required("kind", &LogLine::kind), json::required("author", &LogLine::author),
-        json::required("name", &LogLine::name), json::required("text", &LogLine::text)};
-  }
-};
 
 /// Somebody who is told of every move of a task.
 struct Watch {
@@ -68,17 +51,21 @@ struct ReleaseAsk {
 struct Task {
   std::string id;
   std::string title;
-  std::string body;
   TaskState state = TaskState::open;
   /// Who holds it, or who did it.
   std::string owner;
   std::string filedBy;
   int64_t claimedAtMs = 0;
   int64_t leaseUntilMs = 0;
+  /// When the board next has to look after the claim: to warn its holder, or to end it.
+  int64_t dueMs = 0;
   /// Whether the holder has been told that this lease is about to lapse.
   bool expiryWarned = false;
   int64_t claimAttempts = 0;
-  std::vector<LogLine> log;
+  /// The number of the last line of its log, and how many lines of progress came after the latest
+  /// summary.
+  int64_t lastLine = 0;
+  int64_t linesBehind = 0;
   /// Log lines that the holder has written since the claim, summaries and comments included.
   int64_t linesSinceClaim = 0;
   bool blocked = false;
@@ -123,20 +110,70 @@ inline bool isOpen(const Task& task) {
   return task.state == TaskState::open || task.state == TaskState::claimed;
 }
 
+/// The task in words: its id and its title.
+inline std::string named(const Task& task) { return text::cat(task.id, " \"", task.title, "\""); }
+
+/// The brief of a task; a task whose brief is empty has none.
+struct Brief {
+  /// The task's.
+  std::string id;
+  std::string body;
+
+  bool operator==(const Brief&) const = default;
+
+  static constexpr auto fields() {
+    return std::tuple{json::required("id", &Brief::id), json::required("body", &Brief::body)};
+  }
+};
+
+/// How long a deleted task can be put back, in milliseconds: seven days.
+inline constexpr int64_t trashKeptMs = int64_t{7} * 24 * 60 * 60 * 1000;
+
+// The indices of tasks: those still to be done, by who holds them, who waits for the person on
+// them, who is tagged on them, what they wait on, whom they are meant for, and by when they are
+// due.
+inline constexpr std::string_view openTasks = "open";
+inline constexpr std::string_view byOwner = "owner";
+inline constexpr std::string_view byBlocker = "blockedBy";
+inline constexpr std::string_view byMention = "mention";
+inline constexpr std::string_view byWaitsOn = "waitsOn";
+inline constexpr std::string_view byRoute = "route";
+inline constexpr std::string_view byDueTime = "due";
+
+template <>
+struct Keys<Task> {
+  template <class Found>
+  static void visit(const Task& task, Found&& found) {
+    if (task.deletedAtMs > 0) return found(Key{byDueTime, padded(task.deletedAtMs + trashKeptMs)});
+    if (task.blocked) found(Key{byBlocker, task.blockedBy});
+    for (const std::string& party : task.mentions) found(Key{byMention, party});
+    if (!isOpen(task)) return;
+    found(Key{openTasks, {}});
+    for (const std::string& id : task.waitsOn) found(Key{byWaitsOn, id});
+    if (task.state == TaskState::claimed) {
+      found(Key{byOwner, task.owner});
+      found(Key{byDueTime, padded(task.dueMs)});
+    } else if (!task.routedTo.empty()) {
+      found(Key{byRoute, text::lowered(task.routedTo)});
+    }
+  }
+};
+
 constexpr auto Task::fields() {
   // clang-format off
   return std::tuple{
       json::required( "id",                  &Task::id),
       json::required( "title",               &Task::title),
-      json::defaulted("body",                &Task::body),
       json::required( "state",               &Task::state),
       json::defaulted("owner",               &Task::owner),
       json::defaulted("filedBy",             &Task::filedBy),
       json::defaulted("claimedAtMs",         &Task::claimedAtMs),
       json::defaulted("leaseUntilMs",        &Task::leaseUntilMs),
+      json::defaulted("dueMs",               &Task::dueMs),
       json::defaulted("expiryWarned",        &Task::expiryWarned),
       json::defaulted("claimAttempts",       &Task::claimAttempts),
-      json::defaulted("log",                 &Task::log),
+      json::defaulted("lastLine",            &Task::lastLine),
+      json::defaulted("linesBehind",         &Task::linesBehind),
       json::defaulted("linesSinceClaim",     &Task::linesSinceClaim),
       json::defaulted("blocked",             &Task::blocked),
       json::defaulted("blockedBy",           &Task::blockedBy),
@@ -176,18 +213,6 @@ struct json::Names<board::TaskState> {
       Name<Kind>{Kind::claimed, "claimed"},
       Name<Kind>{Kind::done, "done"},
       Name<Kind>{Kind::rejected, "rejected"},
-  };
-  static_assert(allDifferent(rows));
-};
-
-template <>
-struct json::Names<board::LogKind> {
-  using Kind = board::LogKind;
-  static constexpr std::array rows = {
-      Name<Kind>{Kind::progress, "progress"},
-      Name<Kind>{Kind::comment, "comment"},
-      Name<Kind>{Kind::gist, "gist"},
-      Name<Kind>{Kind::handOff, "handOff"},
   };
   static_assert(allDifferent(rows));
 };

@@ -2,6 +2,8 @@
 
 #include "base/text.h"
 #include "board/rules/debates.h"
+#include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 
@@ -12,27 +14,8 @@ namespace quillpost::board {
 
 namespace {
 
-/// A text that says something, or nothing.
-std::optional<std::string> unlessEmpty(const std::string& words) {
-  return words.empty() ? std::nullopt : std::optional(words);
-}
-
 int64_t secondsUntil(int64_t whenMs, Moment at) {
   return std::max<int64_t>(0, (whenMs - at.nowMs) / 1000);
-}
-
-std::string logText(const LogLine& line) {
-  switch (line.kind) {
-    case LogKind::progress:
-      return line.text;
-    case LogKind::comment:
-      return text::cat(line.name, ": ", line.text);
-    case LogKind::gist:
-      return text::cat("[[gist]] ", line.text);
-    case LogKind::handOff:
-      return text::cat("[[for]] ", line.text);
-  }
-  return line.text;
 }
 
 std::string parkedReason(const Board& board, const Task& task) {
@@ -70,22 +53,13 @@ bool mentions(const Task& task, const std::string& fingerprint) {
          std::ranges::find(task.mentions, fingerprint) != task.mentions.end();
 }
 
-/// Progress lines since the latest summary.
-int64_t linesBehind(const Task& task) {
-  int64_t lines = 0;
-  for (const LogLine& line : task.log) {
-    if (line.kind == LogKind::gist) lines = 0;
-    lines += line.kind == LogKind::progress;
-  }
-  return lines;
-}
-
 /// What a held task asks of its holder. A claim may stay unwritten for a third of its lease: until
 /// then its holder is getting into the work.
 void addHeld(const Task& task, Moment at, TeamworkObligations& owed) {
   owed.tasksHeld.push_back(task.id);
-  const int64_t behind = linesBehind(task);
-  if (behind >= staleAfterLines) owed.staleSummaries.push_back({task.id, behind, false});
+  if (task.linesBehind >= staleAfterLines) {
+    owed.staleSummaries.push_back({task.id, task.linesBehind, false});
+  }
   const bool isLongHeld = at.nowMs - task.claimedAtMs > at.leaseMs / 3;
   if (task.linesSinceClaim == 0 && isLongHeld) owed.idleHeld.push_back({task.id, 0, true});
 }
@@ -94,8 +68,8 @@ void addHeld(const Task& task, Moment at, TeamworkObligations& owed) {
 
 TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, Moment at) {
   TeamworkTask view = titleView(task);
-  view.body = task.body;
-  for (const LogLine& line : task.log) view.log.push_back(logText(line));
+  view.body = briefOf(board, task.id);
+  for (const LogLine* line : linesOf(board, task.id)) view.log.push_back(lineText(*line));
   view.ownerFingerprint = unlessEmpty(task.owner);
   if (task.state == TaskState::claimed) {
     view.claimLeaseSecondsRemaining = secondsUntil(task.leaseUntilMs, at);
@@ -196,19 +170,19 @@ TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment a
   TeamworkObligations owed;
   if (!seat.registered) return owed;
   const std::string& self = seat.fingerprint;
-  for (const auto& [id, discussion] : board.discussions) {
-    if (!isOpen(discussion) || !isParty(discussion, self)) continue;
-    auto& list = owes(discussion, self) ? owed.oweReply : owed.awaitingReply;
-    list.push_back(
-        {id, discussion.taskID, discussion.question, counterpart(board, discussion, self)});
+  for (const TeamworkDiscussion* discussion : board.discussions.with({openByParty, self})) {
+    auto& list = owes(*discussion, self) ? owed.oweReply : owed.awaitingReply;
+    list.push_back({discussion->id, discussion->taskID, discussion->question,
+                    counterpart(board, *discussion, self)});
   }
-  for (const auto& [id, task] : board.tasks) {
-    if (task.blocked && task.blockedBy == self) owed.yourBlockersOpen.push_back(id);
-    if (mentions(task, self)) owed.mentionsToAnswer.push_back(id);
-    if (!isHeldBy(task, self)) continue;
-    addHeld(task, at, owed);
-    for (const ReleaseAsk& ask : task.releaseAsks)
-      owed.releaseAsks.push_back({id, calling(board, ask.requester), ask.reason});
+  for (const Task* task : board.tasks.with({byBlocker, self}))
+    owed.yourBlockersOpen.push_back(task->id);
+  for (const Task* task : board.tasks.with({byMention, self}))
+    owed.mentionsToAnswer.push_back(task->id);
+  for (const Task* task : board.tasks.with({byOwner, self})) {
+    addHeld(*task, at, owed);
+    for (const ReleaseAsk& ask : task->releaseAsks)
+      owed.releaseAsks.push_back({task->id, calling(board, ask.requester), ask.reason});
   }
   owed.clear = owed == TeamworkObligations{};
   return owed;

@@ -26,11 +26,6 @@ constexpr int queueLength = 128;
 /// Only this user reads and writes.
 constexpr mode_t privately = S_IRUSR | S_IWUSR;
 
-bool isServed(const std::string& path) {
-  const UniqueFd probe = openUnixSocket();
-  return probe && connectUnixSocket(probe, path);
-}
-
 bool writeWhole(const UniqueFd& file, std::string_view bytes) {
   while (!bytes.empty()) {
     const ssize_t count = ::write(file.get(), bytes.data(), bytes.size());
@@ -70,6 +65,11 @@ BoardFiles filesIn(std::string_view directory, std::string_view suffix) {
   return {files::joinPath(directory, text::cat("teamwork-", suffix, ".sock")),
           files::joinPath(directory, text::cat("teamwork-", suffix, ".token")),
           files::joinPath(directory, text::cat("person-", suffix, ".token"))};
+}
+
+bool isServed(const std::string& path) {
+  const UniqueFd probe = openUnixSocket();
+  return probe && connectUnixSocket(probe, path);
 }
 
 std::optional<Publication> Publication::open(const std::string& directory,

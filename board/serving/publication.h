@@ -23,6 +23,9 @@ struct BoardFiles {
 /// The files of the board of that suffix.
 BoardFiles filesIn(std::string_view directory, std::string_view suffix);
 
+/// Whether somebody listens on the socket at this path.
+bool isServed(const std::string& path);
+
 /// A board that is being served; its files are removed at the end of this object.
 class Publication {
  public:

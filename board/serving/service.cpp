@@ -40,7 +40,7 @@ Service::Service(Store& store, Boards boards, Settings settings, Now now, Random
       settings_(std::move(settings)),
       now_(std::move(now)),
       random_(std::move(random)) {
-  for (auto& [tag, board] : boards_) {
+  for (Board& board : boards_) {
     forgiveAbsence(board, moment());
     save(board);
   }
@@ -70,10 +70,10 @@ Answer Service::answer(const TeamworkRequest& request) {
                     "comes from `quillpost-board seat`."),
             {}};
   }
-  return answerSeat(*board, *board->seats.find(request.sessionID), request);
+  return answerSeat(*board, *board->seats.touch(request.sessionID), request);
 }
 
-Answer Service::answerSeat(Board& board, const Seat& seat, const TeamworkRequest& request) {
+Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& request) {
   const Moment at = moment();
   const std::string tag = board.thread().id;
   lapse(board, at);
@@ -96,26 +96,26 @@ Answer Service::answerSeat(Board& board, const Seat& seat, const TeamworkRequest
     answer.delivery = deliveryOf(board, seat);
   } else if (answer.response.messages) {
     answer.delivery = deliveryOf(board, seat);
-    answer.delivery->wakesUpTo = 0;
+    answer.delivery->wakesUpTo.clear();
   }
   return answer;
 }
 
 void Service::confirm(const Delivery& delivery) {
-  if (delivery.wakesUpTo == 0 && delivery.messagesUpTo == 0) return;
-  const auto found = boards_.find(delivery.thread);
-  if (found == boards_.end()) return;
-  forgetDelivered(found->second, delivery);
+  if (delivery.wakesUpTo.empty() && delivery.messagesUpTo.empty()) return;
+  Board* board = boardOf(delivery.session);
+  if (board == nullptr) return;
+  forgetDelivered(*board, delivery);
   // When this cannot be saved the same is delivered once more, which is better than not at all.
-  save(found->second);
+  save(*board);
 }
 
 std::optional<int64_t> Service::tick() {
   std::optional<int64_t> next;
-  for (auto& [tag, board] : boards_) {
+  for (Board& board : boards_) {
     lapse(board, moment());
     save(board);
-    const std::optional<int64_t> due = nextLapse(board, moment());
+    const std::optional<int64_t> due = nextLapse(board);
     if (due && (!next || *due < *next)) next = due;
   }
   if (next) next = std::max<int64_t>(0, *next - now_());
@@ -123,37 +123,20 @@ std::optional<int64_t> Service::tick() {
 }
 
 Board* Service::boardOf(std::string_view sessionID) {
-  for (auto& [tag, board] : boards_)
+  for (Board& board : boards_)
     if (board.seats.find(sessionID) != nullptr) return &board;
   return nullptr;
 }
 
 bool Service::save(Board& board) {
-  bool isChanged = false;
-  forEachTable(std::as_const(board),
-               [&](std::string_view, const auto& table) { isChanged |= !table.changed().empty(); });
-  if (!isChanged) return true;
-  ++stirred_;
-  if (store_.save(board)) return true;
-  // What is in memory is ahead of the file: back to what can be promised. Only a new thread is not
-  // in the file at all.
-  std::string why;
-  std::optional<Boards> saved = store_.load(why);
-  if (!saved) return false;
-  const std::string tag = board.thread().id;
-  const auto kept = saved->find(tag);
-  if (kept == saved->end()) {
-    boards_.erase(tag);
-  } else {
-    board = std::move(kept->second);
-  }
-  return false;
+  stirred_ += !isSaved(board);
+  return store_.save(board);
 }
 
 TeamworkResponse Service::answerPerson(const TeamworkRequest& request) {
   if (request.method == personSeat) return newSeat(request);
   const std::string name = request.name.value_or("");
-  for (auto& [tag, board] : boards_) {
+  for (Board& board : boards_) {
     if (!isFor(board, name)) continue;
     lapse(board, moment());
     TeamworkResponse response = carryOutForPerson(board, request, moment());
@@ -166,17 +149,17 @@ TeamworkResponse Service::answerPerson(const TeamworkRequest& request) {
 
 TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
   const std::string name = request.name.value_or("");
-  auto found =
-      std::ranges::find_if(boards_, [&](const auto& row) { return isFor(row.second, name); });
-  if (found == boards_.end()) {
+  const auto found =
+      std::ranges::find_if(boards_, [&](const Board& board) { return isFor(board, name); });
+  const bool isNew = found == boards_.end();
+  if (isNew) {
     Thread thread;
     thread.id = mintTag(random_);
     thread.name = name.empty() ? firstThread : name;
-    const std::string tag = thread.id;
-    found = boards_.emplace(tag, Board{}).first;
-    found->second.threads.put(std::move(thread));
+    thread.place = boards_.empty() ? 1 : boards_.back().thread().place + 1;
+    boards_.push_back(newBoard(std::move(thread)));
   }
-  Board& board = found->second;
+  Board& board = isNew ? boards_.back() : *found;
   Seat seat;
   seat.id = mintSecret(random_);
   do {
@@ -187,8 +170,9 @@ TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
       written(environmentLines({added.id, settings_.tokenPath, settings_.socketPath}),
               text::cat("This seat answers to ", added.handle, " on the thread \"",
                         board.thread().name, "\" (", board.thread().id, ")."));
-  if (!save(board)) return refused("The board could not write this down.");
-  return response;
+  if (save(board)) return response;
+  if (isNew) boards_.pop_back();
+  return refused("The board could not write this down.");
 }
 
 }  // namespace quillpost::board

@@ -3,7 +3,7 @@
 // The board's desk: takes one request, carries it out on the right board, and answers only when
 // what has changed is on disk. Knows no sockets.
 
-#include "board/rules/moves.h"
+#include "board/rules/wakes.h"
 #include "board/serving/store.h"
 #include "board/verbs/methods.h"
 #include "model/request.h"
@@ -68,7 +68,7 @@ class Service {
   uint64_t stirred() const { return stirred_; }
 
  private:
-  Answer answerSeat(Board& board, const Seat& seat, const TeamworkRequest& request);
+  Answer answerSeat(Board& board, Seat& seat, const TeamworkRequest& request);
   TeamworkResponse answerPerson(const TeamworkRequest& request);
   TeamworkResponse newSeat(const TeamworkRequest& request);
   Board* boardOf(std::string_view sessionID);

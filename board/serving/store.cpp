@@ -1,10 +1,12 @@
 #include "board/serving/store.h"
 
 #include "base/text.h"
+#include "board/rules/ids.h"
 #include "json/decoder.h"
 
 #include <sqlite3.h>
 
+#include <map>
 #include <string_view>
 #include <utility>
 
@@ -13,7 +15,7 @@ namespace quillpost::board {
 namespace {
 
 /// The layout of the file. A file of a later layout is not opened.
-constexpr int layout = 1;
+constexpr int layout = 2;
 
 // Exclusive, so that two boards never serve the same file; FULL, so that what is committed is on
 // the disk when the commit returns.
@@ -26,7 +28,7 @@ constexpr const char* setUp =
     "CREATE TABLE IF NOT EXISTS rows ("
     "  thread TEXT NOT NULL, kind TEXT NOT NULL, id TEXT NOT NULL, body TEXT NOT NULL,"
     "  PRIMARY KEY (thread, kind, id)) WITHOUT ROWID;"
-    "PRAGMA user_version = 1;"
+    "PRAGMA user_version = 2;"
     "COMMIT;";
 
 bool execute(sqlite3* connection, const char* statements) {
@@ -76,6 +78,19 @@ bool take(Board& board, std::string_view kind, std::string_view body) {
   return taken;
 }
 
+/// Puts all rows of a statement where they belong; false when one cannot be read.
+bool takeAll(Statement& rows, std::map<std::string, Board>& byTag, std::string& why) {
+  int result = rows.step();
+  for (; result == SQLITE_ROW; result = rows.step()) {
+    if (take(byTag[std::string(rows.text(0))], rows.text(1), rows.text(3))) continue;
+    why =
+        text::cat("cannot read the ", rows.text(1), " ", rows.text(2), " of thread ", rows.text(0));
+    return false;
+  }
+  if (result != SQLITE_DONE) why = "the file cannot be read";
+  return result == SQLITE_DONE;
+}
+
 }  // namespace
 
 void Store::Closing::operator()(sqlite3* connection) const { sqlite3_close(connection); }
@@ -101,43 +116,54 @@ std::optional<Store> Store::open(const std::string& path, std::string& why) {
 }
 
 std::optional<Boards> Store::load(std::string& why) {
+  std::map<std::string, Board> byTag;
+  Statement rows(connection_.get(),
+                 "SELECT thread, kind, id, body FROM rows WHERE kind <> 'change'");
+  if (!takeAll(rows, byTag, why)) return std::nullopt;
   Boards boards;
-  Statement rows(connection_.get(), "SELECT thread, kind, id, body FROM rows");
-  int result = rows.step();
-  for (; result == SQLITE_ROW; result = rows.step()) {
-    Board& board = boards[std::string(rows.text(0))];
-    if (take(board, rows.text(1), rows.text(3))) continue;
-    why =
-        text::cat("cannot read the ", rows.text(1), " ", rows.text(2), " of thread ", rows.text(0));
-    return std::nullopt;
+  for (auto& [tag, board] : byTag) {
+    if (board.threads.size() != 1 || board.counters.size() != 1) {
+      why = text::cat("thread ", tag, " has no row of its own");
+      return std::nullopt;
+    }
+    // Of the changes only the latest are wanted, and there may be very many.
+    const std::string last = padded(board.counted().rev - static_cast<int64_t>(changesKept));
+    Statement changes(connection_.get(),
+                      "SELECT thread, kind, id, body FROM rows "
+                      "WHERE thread = ?1 AND kind = 'change' AND id > ?2");
+    changes.bind(1, tag);
+    changes.bind(2, last);
+    if (!takeAll(changes, byTag, why)) return std::nullopt;
   }
-  if (result != SQLITE_DONE) {
-    why = sqlite3_errmsg(connection_.get());
-    return std::nullopt;
+  for (auto& [tag, board] : byTag) {
+    settle(board);
+    boards.push_back(std::move(board));
   }
-  for (auto& [tag, board] : boards) {
-    forEachTable(board, [](std::string_view, auto& table) { table.settle(); });
-    if (board.threads.size() == 1) continue;
-    why = text::cat("thread ", tag, " has no row of its own");
-    return std::nullopt;
-  }
+  boards.sort([](const Board& a, const Board& b) { return a.thread().place < b.thread().place; });
   return boards;
 }
 
 bool Store::save(Board& board) {
-  bool isChanged = false;
-  forEachTable(std::as_const(board),
-               [&](std::string_view, const auto& table) { isChanged |= !table.changed().empty(); });
-  if (!isChanged) return true;
+  if (isSaved(board)) {
+    settle(board);
+    return true;
+  }
+  if (write(board)) {
+    settle(board);
+    return true;
+  }
+  revert(board);
+  return false;
+}
 
+bool Store::write(const Board& board) {
   sqlite3* connection = connection_.get();
   if (!execute(connection, "BEGIN IMMEDIATE")) return false;
   Statement put(connection, "INSERT OR REPLACE INTO rows VALUES (?1, ?2, ?3, ?4)");
   Statement drop(connection, "DELETE FROM rows WHERE thread = ?1 AND kind = ?2 AND id = ?3");
   bool written = true;
-  forEachTable(std::as_const(board), [&](std::string_view kind, const auto& table) {
-    for (const std::string& id : table.changed()) {
-      const auto* row = table.find(id);
+  forEachTable(board, [&]<class Row>(std::string_view kind, const Table<Row>& table) {
+    table.forEachUnsaved([&](const std::string& id, const Row* row) {
       const std::string body = row != nullptr ? json::encode(*row) : std::string();
       Statement& statement = row != nullptr ? put : drop;
       statement.bind(1, board.thread().id);
@@ -146,14 +172,11 @@ bool Store::save(Board& board) {
       if (row != nullptr) statement.bind(4, body);
       written = written && statement.step() == SQLITE_DONE;
       statement.reset();
-    }
+    });
   });
-  if (!written || !execute(connection, "COMMIT")) {
-    execute(connection, "ROLLBACK");
-    return false;
-  }
-  forEachTable(board, [](std::string_view, auto& table) { table.settle(); });
-  return true;
+  if (written && execute(connection, "COMMIT")) return true;
+  execute(connection, "ROLLBACK");
+  return false;
 }
 
 }  // namespace quillpost::board

@@ -1,10 +1,10 @@
 #pragma once
 
-// The board on disk: one SQLite file, one row for each row of a board, each row a JSON document.
+// The boards on disk: one SQLite file, one row for each row of a board, each row a JSON document.
 
 #include "board/rules/board.h"
 
-#include <map>
+#include <list>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,8 +13,8 @@ struct sqlite3;
 
 namespace quillpost::board {
 
-/// Boards by the tag of their Thread.
-using Boards = std::map<std::string, Board, std::less<>>;
+/// Boards in the order of their making. They stay where they are.
+using Boards = std::list<Board>;
 
 /// An open file of boards, and the only one to have it open. What `save` has taken outlives a crash
 /// of the program and of the machine.
@@ -28,7 +28,7 @@ class Store {
   std::optional<Boards> load(std::string& why);
 
   /// Writes what has changed on the board, all of it or nothing, and settles the board. False when
-  /// nothing could be written; the board is then as it was, ahead of the file.
+  /// nothing could be written; the board is then put back as it was last saved.
   bool save(Board& board);
 
  private:
@@ -36,6 +36,8 @@ class Store {
     void operator()(sqlite3* connection) const;
   };
   using Connection = std::unique_ptr<sqlite3, Closing>;
+
+  bool write(const Board& board);
 
   explicit Store(Connection connection) : connection_(std::move(connection)) {}
 

@@ -2,9 +2,11 @@
 #include "base/unicode.h"
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
 #include <algorithm>
@@ -53,11 +55,11 @@ void announceUnlocked(const Call& call, const Task& done) {
     std::vector<Notice> notices;
     const std::string summary = text::cat(named(*task), " is READY: ", named(done), " is done");
     if (task->state == TaskState::claimed) {
-      notices.push_back({task->owner, "taskReady", summary});
+      notices.push_back({task->owner, WakeKind::taskReady, summary});
     } else if (const Seat* seat = whoIs(call.board, task->routedTo)) {
-      notices.push_back({seat->fingerprint, "taskReady", summary});
+      notices.push_back({seat->fingerprint, WakeKind::taskReady, summary});
     }
-    announce(call.board, {"taskReady", task->id, call.self()}, notices);
+    announce(call.board, call.move(MoveKind::taskReady, task->id, named(done)), notices);
   }
 }
 
@@ -73,23 +75,23 @@ std::vector<const Seat*> reviewersFor(const Call& call) {
   return reviewers;
 }
 
-TeamworkResponse claimTask(const Call& call, const Task& task) {
+TeamworkResponse claimTask(const Call& call, Task& task) {
   if (isHeldBy(task, call.self())) {
     renewClaim(call.board, task, call.at);
     return written(text::cat("You hold ", named(task), " already; the lease is renewed."));
   }
   if (const auto reason = whyNotClaimable(call, task)) return refused(*reason);
   takeClaim(call.board, task, call.seat, call.at);
-  announce(call.board, {"taskClaimed", task.id, call.self()});
+  announce(call.board, call.move(MoveKind::taskClaimed, task.id, task.title));
   return written(text::cat("You hold ", named(task), " for ", call.at.leaseMs / 1000,
                            " seconds, renewed whenever you listen or write."));
 }
 
-TeamworkResponse releaseTask(const Call& call, const Task& task) {
+TeamworkResponse releaseTask(const Call& call, Task& task) {
   if (!isHeldBy(task, call.self())) return notYours(call, task);
-  unwatch(call.board, task, call.self(), Unwatch::autoOnly);
+  unwatch(task, call.self(), Unwatch::autoOnly);
   const bool handedOver =
-      giveUpClaim(call.board, task, {"taskReleased", task.id, call.self()}, call.at);
+      giveUpClaim(call.board, task, call.move(MoveKind::taskReleased, task.id), call.at);
   if (handedOver) {
     return written(text::cat("Released ", named(task), "; it went to ",
                              calling(call.board, task.owner), ", who had asked for it."));
@@ -97,7 +99,7 @@ TeamworkResponse releaseTask(const Call& call, const Task& task) {
   return written(text::cat("Released ", named(task), "."));
 }
 
-TeamworkResponse completeTask(const Call& call, const Task& task) {
+TeamworkResponse completeTask(const Call& call, Task& task) {
   // A client whose answer was lost asks again, and is to hear that all is well.
   if (task.state == TaskState::done && task.owner == call.self()) {
     return written(text::cat("Completed ", named(task), " already."));
@@ -112,46 +114,46 @@ TeamworkResponse completeTask(const Call& call, const Task& task) {
     return refused(text::cat("The open discussion ", debates.front()->id,
                              " holds this completion back. resolve_discussion first."));
   }
-  refreshSummary(call.board, task, call.seat, summary);
-  Task& done = call.board.tasks.edit(task);
-  done.state = TaskState::done;
-  done.blocked = false;
-  done.parkedReason.clear();
-  done.releaseAsks.clear();
-  takeBackWakes(call.board, call.seat, "claimExpiring", task.id);
+  refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
+  task.state = TaskState::done;
+  task.blocked = false;
+  task.parkedReason.clear();
+  task.releaseAsks.clear();
+  takeBackWakes(call.board, call.seat, WakeKind::claimExpiring, task.id);
   std::vector<Notice> notices;
   if (const Seat* asker = seatAt(call.board, task.reportsTo)) {
-    notices.push_back({asker->fingerprint, "handedTaskDone",
+    notices.push_back({asker->fingerprint, WakeKind::handedTaskDone,
                        text::cat(call.seat.handle, " completed ", named(task))});
   }
-  announce(call.board, {"taskCompleted", task.id, call.self()}, notices);
+  announce(call.board, call.move(MoveKind::taskCompleted, task.id, cut(summary, summaryLimit)),
+           notices);
   announceUnlocked(call, task);
   return written(text::cat("Completed ", named(task), "."));
 }
 
-TeamworkResponse requestRelease(const Call& call, const Task& task) {
+TeamworkResponse requestRelease(const Call& call, Task& task) {
   if (isHeldBy(task, call.self())) return refused(text::cat("You hold ", named(task), " already."));
   if (task.state != TaskState::claimed) {
     return refused(text::cat("Nobody holds ", named(task), ": claim_task is all it takes."));
   }
   const std::string holder = task.owner;
   const std::string reason = cut(oneLine(call.request.releaseReason.value_or("")), reasonLimit);
-  std::vector<ReleaseAsk>& asks = call.board.tasks.edit(task).releaseAsks;
+  std::vector<ReleaseAsk>& asks = task.releaseAsks;
   std::erase_if(asks, [&](const ReleaseAsk& ask) { return ask.requester == call.self(); });
   asks.push_back({call.self(), reason.empty() ? "no reason given" : reason});
   if (settleReleaseAsks(call.board, task, call.self(), call.at) && isHeldBy(task, call.self())) {
     return written(text::cat(named(task), " was stuck with ", calling(call.board, holder),
                              ": the lease was handed over and you hold it now."));
   }
-  const Notice notices[] = {{holder, "releaseRequested",
+  const Notice notices[] = {{holder, WakeKind::releaseRequested,
                              text::cat(call.seat.handle, " asks you to release ", named(task), ": ",
                                        reason.empty() ? "no reason given" : reason)}};
-  announce(call.board, {"releaseRequested", task.id, call.self()}, notices);
+  announce(call.board, call.move(MoveKind::releaseRequested, task.id, reason), notices);
   return written(text::cat(named(task), " is still held by ", calling(call.board, task.owner),
                            ", who has been told. Your request stands."));
 }
 
-TeamworkResponse assignTask(const Call& call, const Task& task) {
+TeamworkResponse assignTask(const Call& call, Task& task) {
   const std::string to = call.request.to.value_or("");
   if (const auto reason = whyUnreachable(call, to)) return refused(*reason);
   if (!isOpen(task)) return refused(text::cat(named(task), " is closed."));
@@ -160,19 +162,20 @@ TeamworkResponse assignTask(const Call& call, const Task& task) {
                              ". Only a task that nobody holds can be handed over."));
   }
   const Seat& peer = *seatAt(call.board, to);
-  Task& handed = call.board.tasks.edit(task);
-  handed.routedTo = peer.handle;
-  handed.reportsTo = call.seat.handle;
-  handed.log.push_back({LogKind::handOff, call.self(), call.seat.handle,
-                        text::cat("handed to ", peer.handle, " by ", call.seat.handle)});
-  const Notice notices[] = {
-      {peer.fingerprint, "taskAssigned", text::cat(call.seat.handle, " handed you ", named(task))}};
-  announce(call.board, {"taskAssigned", task.id, call.self()}, notices);
+  task.routedTo = peer.handle;
+  task.reportsTo = call.seat.handle;
+  addLine(call.board, task,
+          {"", LogKind::handOff, call.self(), call.seat.handle,
+           text::cat("handed to ", peer.handle, " by ", call.seat.handle), call.at.nowMs});
+  const Notice notices[] = {{peer.fingerprint, WakeKind::taskAssigned,
+                             text::cat(call.seat.handle, " handed you ", named(task))}};
+  announce(call.board, call.move(MoveKind::taskAssigned, task.id, text::cat("to ", peer.handle)),
+           notices);
   return written(
       text::cat("Handed ", named(task), " to ", peer.handle, ". Claiming it is theirs to do."));
 }
 
-TeamworkResponse requestReview(const Call& call, const Task& task) {
+TeamworkResponse requestReview(const Call& call, Task& task) {
   if (task.state != TaskState::done && !isHeldBy(task, call.self())) return notYours(call, task);
   const std::string mark = call.request.reviewOfFingerprint.value_or("");
   const Seat* asked = mark.empty() ? nullptr : whoIs(call.board, mark);
@@ -180,24 +183,23 @@ TeamworkResponse requestReview(const Call& call, const Task& task) {
     return refused(text::cat("Nobody here is ", mark, ". list_agents has the fingerprints."));
   }
   std::vector<const Seat*> reviewers = asked != nullptr ? std::vector{asked} : reviewersFor(call);
-  Task& reviewed = call.board.tasks.edit(task);
-  reviewed.reviewState = "requested";
-  reviewed.reviewRequestedBy = call.self();
-  reviewed.reviewRequestedFrom = asked != nullptr ? asked->fingerprint : "";
-  reviewed.reviewBy.clear();
-  reviewed.reviewNote = cut(oneLine(call.request.note.value_or("")), noteLimit);
+  task.reviewState = "requested";
+  task.reviewRequestedBy = call.self();
+  task.reviewRequestedFrom = asked != nullptr ? asked->fingerprint : "";
+  task.reviewBy.clear();
+  task.reviewNote = cut(oneLine(call.request.note.value_or("")), noteLimit);
   std::vector<Notice> notices;
   notices.reserve(reviewers.size());
   for (const Seat* reviewer : reviewers) {
-    notices.push_back({reviewer->fingerprint, "reviewRequested",
+    notices.push_back({reviewer->fingerprint, WakeKind::reviewRequested,
                        text::cat(call.seat.handle, " asks for a review of ", named(task))});
   }
-  announce(call.board, {"reviewRequested", task.id, call.self()}, notices);
+  announce(call.board, call.move(MoveKind::reviewRequested, task.id, task.reviewNote), notices);
   return written(text::cat("A review of ", named(task), " is requested."),
                  reviewers.empty() ? "Nobody who may give a verdict is here now." : "");
 }
 
-TeamworkResponse verifyTask(const Call& call, const Task& task) {
+TeamworkResponse verifyTask(const Call& call, Task& task) {
   if (!mayVerify(call.seat.authority)) {
     return refused("A verdict needs reviewer or lead authority, and your seat has neither.");
   }
@@ -209,16 +211,15 @@ TeamworkResponse verifyTask(const Call& call, const Task& task) {
   }
   if (!call.request.approve) return refused("A verdict needs `approve`: true or false.");
   const bool approves = *call.request.approve;
-  Task& verified = call.board.tasks.edit(task);
-  verified.reviewState = approves ? "verified" : "rejected";
-  verified.reviewBy = call.self();
+  task.reviewState = approves ? "verified" : "rejected";
+  task.reviewBy = call.self();
   const std::string note = cut(oneLine(call.request.note.value_or("")), noteLimit);
-  if (!note.empty()) verified.reviewNote = note;
+  if (!note.empty()) task.reviewNote = note;
   const std::string summary =
       text::cat(call.seat.handle, approves ? " verified " : " found wanting: ", named(task));
-  const Notice notices[] = {{task.owner, "reviewVerdict", summary},
-                            {task.reviewRequestedBy, "reviewVerdict", summary}};
-  announce(call.board, {"reviewVerdict", task.id, call.self()}, notices);
+  const Notice notices[] = {{task.owner, WakeKind::reviewVerdict, summary},
+                            {task.reviewRequestedBy, WakeKind::reviewVerdict, summary}};
+  announce(call.board, call.move(MoveKind::reviewVerdict, task.id, task.reviewState), notices);
   return written(text::cat(named(task), approves ? " is verified." : " needs more."));
 }
 

@@ -51,10 +51,9 @@ TeamworkResponse requestHands(const Call& call) {
   }
   Task task;
   task.title = title;
-  task.body = request.body.value_or("");
   task.filedBy = call.self();
-  const Task& filed = fileTask(call.board, std::move(task));
-  announce(call.board, {"taskAdded", filed.id, call.self()});
+  const Task& filed = fileTask(call.board, std::move(task), request.body.value_or(""));
+  announce(call.board, call.move(MoveKind::taskAdded, filed.id, filed.title));
   return written(text::cat("Filed ", named(filed), " for every peer to claim."),
                  "No helper is allowed here, so none was started. suggest_helper asks for one.");
 }

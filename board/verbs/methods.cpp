@@ -11,12 +11,9 @@ namespace quillpost::board {
 namespace {
 
 /// An agent that acts is no longer waiting, parked or stood down.
-void markActive(const Call& call) {
-  const Seat& seat = call.seat;
-  if (!seat.waiting && !seat.stoodDown && seat.parkReason.empty()) return;
-  Seat& active = call.board.seats.edit(seat);
-  active.waiting = active.stoodDown = false;
-  active.parkReason.clear();
+void markActive(Seat& seat) {
+  seat.waiting = seat.stoodDown = false;
+  seat.parkReason.clear();
 }
 
 const Method* findMethod(std::string_view name) {
@@ -28,22 +25,25 @@ const Method* findMethod(std::string_view name) {
   return nullptr;
 }
 
+TeamworkResponse runOn(Task* task, Method::RunOnTask run, const Method& method, const Call& call) {
+  if (task != nullptr) return run(call, *task);
+  const std::string id = call.request.taskID.value_or("");
+  if (id.empty()) return refused(text::cat(method.name, " needs a taskID from list_tasks."));
+  return refused(text::cat("There is no task ", id, " on this board. list_tasks has the ids."));
+}
+
 TeamworkResponse run(const Method& method, const Call& call) {
-  if (method.runOnTask != nullptr) {
-    const std::string id = call.request.taskID.value_or("");
-    const Task* task = call.board.tasks.find(id);
-    if (task != nullptr) return method.runOnTask(call, *task);
-    if (id.empty()) return refused(text::cat(method.name, " needs a taskID from list_tasks."));
-    return refused(text::cat("There is no task ", id, " on this board. list_tasks has the ids."));
+  if (const auto* onTask = std::get_if<Method::RunOnTask>(&method.run)) {
+    return runOn(call.board.tasks.touch(call.request.taskID.value_or("")), *onTask, method, call);
   }
-  if (method.runOnDiscussion != nullptr) {
+  if (const auto* onDiscussion = std::get_if<Method::RunOnDiscussion>(&method.run)) {
     const std::string id = call.request.discussionID.value_or("");
-    const TeamworkDiscussion* discussion = call.board.discussions.find(id);
-    if (discussion != nullptr) return method.runOnDiscussion(call, *discussion);
+    TeamworkDiscussion* discussion = call.board.discussions.touch(id);
+    if (discussion != nullptr) return (*onDiscussion)(call, *discussion);
     return refused(text::cat("There is no discussion ", id, " on this board. read_plan has those ",
                              "that are open."));
   }
-  return method.run(call);
+  return std::get<Method::Run>(method.run)(call);
 }
 
 }  // namespace
@@ -59,7 +59,7 @@ TeamworkResponse carryOut(const Call& call) {
         "Call register first.");
   }
   renewPresence(call.board, call.seat, call.at);
-  if (method->entry != Entry::listener) markActive(call);
+  if (method->entry != Entry::listener) markActive(call.seat);
   return run(*method, call);
 }
 
@@ -77,8 +77,6 @@ TeamworkResponse refused(std::string message) {
   response.message = std::move(message);
   return response;
 }
-
-std::string named(const Task& task) { return text::cat(task.id, " \"", task.title, "\""); }
 
 std::optional<std::string> whyUnreachable(const Call& call, const std::string& handle) {
   if (!call.board.thread().squadOn) {

@@ -15,6 +15,8 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <variant>
 
 namespace quillpost::board {
 
@@ -26,37 +28,36 @@ struct Call {
   Board& board;
   const TeamworkRequest& request;
   /// The caller's own seat; of the board's own table.
-  const Seat& seat;
+  Seat& seat;
   Moment at;
   const Random& random;
 
   /// The caller's fingerprint; empty when no agent has registered there.
   const std::string& self() const { return seat.fingerprint; }
+
+  /// A move of the caller's, now; about no task when `taskID` is empty.
+  Move move(MoveKind kind, std::string taskID = {}, std::string what = {}) const {
+    return {kind, std::move(taskID), self(), at.nowMs, std::move(what)};
+  }
 };
 
 /// What a caller must be: anyone with a seat; a listener (the same, and it stays marked as
 /// waiting); a member, whose agent has registered.
 enum class Entry { anyone, listener, member };
 
-/// One method. Exactly one of the three functions is there; what a task or a discussion is asked
-/// for is looked up before the function is called.
+/// One method. What a task or a discussion is asked for is looked up before the function is called.
 struct Method {
   using Run = TeamworkResponse (*)(const Call&);
-  using RunOnTask = TeamworkResponse (*)(const Call&, const Task&);
-  using RunOnDiscussion = TeamworkResponse (*)(const Call&, const TeamworkDiscussion&);
+  using RunOnTask = TeamworkResponse (*)(const Call&, Task&);
+  using RunOnDiscussion = TeamworkResponse (*)(const Call&, TeamworkDiscussion&);
+  using AnyRun = std::variant<Run, RunOnTask, RunOnDiscussion>;
 
   std::string_view name;
   Entry entry;
-  Run run = nullptr;
-  RunOnTask runOnTask = nullptr;
-  RunOnDiscussion runOnDiscussion = nullptr;
+  AnyRun run;
 
-  constexpr Method(MethodName method, Entry who, Run function)
+  constexpr Method(MethodName method, Entry who, AnyRun function)
       : name(method), entry(who), run(function) {}
-  constexpr Method(MethodName method, Entry who, RunOnTask function)
-      : name(method), entry(who), runOnTask(function) {}
-  constexpr Method(MethodName method, Entry who, RunOnDiscussion function)
-      : name(method), entry(who), runOnDiscussion(function) {}
 };
 
 /// Carries out one request of a seat: renews the caller's presence, and answers in words when the
@@ -67,8 +68,6 @@ TeamworkResponse carryOut(const Call& call);
 TeamworkResponse written(std::string message, std::string notice = {});
 /// A write that was not, and why.
 TeamworkResponse refused(std::string message);
-/// A task in words: its id and its title.
-std::string named(const Task& task);
 
 /// The methods of each file, in rows. Together they are every method of the protocol, once.
 std::span<const Method> seatMethods();
@@ -83,11 +82,8 @@ std::span<const Method> writingMethods();
 /// Helpers, of which none is ever allowed.
 std::span<const Method> helperMethods();
 
-/// Adds a task with the next id; everything but the id is taken from `task`.
-const Task& fileTask(Board& board, Task task);
-
-/// Puts the person's or an agent's summary on the task; nothing when it says nothing.
-void refreshSummary(Board& board, const Task& task, const Seat& author, std::string_view summary);
+/// Adds a task with the next id and that brief; everything else is taken from `task`.
+Task& fileTask(Board& board, Task task, std::string brief);
 
 /// Why a handle cannot be addressed from here; nothing when its agent can. Squad verbs ask this.
 std::optional<std::string> whyUnreachable(const Call& call, const std::string& handle);

@@ -4,8 +4,11 @@
 #include "base/unicode.h"
 #include "board/rules/ask.h"
 #include "board/rules/debates.h"
+#include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
+#include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
 #include <algorithm>
@@ -23,21 +26,26 @@ struct Deed {
 
   std::string words() const { return std::string(unicode::trim(request.body.value_or(""))); }
   std::string subject() const { return request.taskID.value_or(""); }
+
+  /// A move of the person's, now; about no task when `taskID` is empty.
+  Move move(MoveKind kind, std::string taskID = {}, std::string what = {}) const {
+    return {kind, std::move(taskID), std::string(human), at.nowMs, std::move(what)};
+  }
 };
 
 TeamworkResponse show(const Deed& deed) { return written(showBoard(deed.board, deed.at)); }
 
-TeamworkResponse answerTask(const Deed& deed, const Task& task) {
+TeamworkResponse answerTask(const Deed& deed, Task& task) {
   const bool wasBlocked = task.blocked;
   const std::string words = spellOut(splitAsk(task.blockerQuestion), deed.words());
-  Task& answered = deed.board.tasks.edit(task);
-  answered.log.push_back({LogKind::comment, std::string(human), std::string(human), words});
-  std::erase(answered.mentions, human);
+  addLine(deed.board, task,
+          {"", LogKind::comment, std::string(human), std::string(human), words, deed.at.nowMs});
+  std::erase(task.mentions, human);
   if (wasBlocked) {
-    answered.blocked = false;
-    answered.blockerAnswer = words;
+    task.blocked = false;
+    task.blockerAnswer = words;
   }
-  const std::string_view kind = wasBlocked ? "blockerAnswered" : "humanReplied";
+  const WakeKind kind = wasBlocked ? WakeKind::blockerAnswered : WakeKind::humanReplied;
   const std::string summary = text::cat("The human answered on ", named(task), ": ", words);
   std::vector<Notice> notices;
   for (const std::string& party : {task.blockedBy, task.owner, task.filedBy}) {
@@ -45,14 +53,16 @@ TeamworkResponse answerTask(const Deed& deed, const Task& task) {
     if (!party.empty() && isConcerned) notices.push_back({party, kind, summary});
   }
   announce(deed.board,
-           {wasBlocked ? "taskUnblocked" : "taskCommented", task.id, std::string(human)}, notices);
+           deed.move(wasBlocked ? MoveKind::taskUnblocked : MoveKind::taskCommented, task.id,
+                     cutWithMark(words, noteLimit)),
+           notices);
   return written(text::cat(wasBlocked ? "Answered " : "Commented on ", named(task), "."));
 }
 
 TeamworkResponse answer(const Deed& deed) {
   if (deed.words().empty()) return refused("Say something.");
-  if (const Task* task = deed.board.tasks.find(deed.subject())) return answerTask(deed, *task);
-  const TeamworkDiscussion* discussion = deed.board.discussions.find(deed.subject());
+  if (Task* task = deed.board.tasks.touch(deed.subject())) return answerTask(deed, *task);
+  TeamworkDiscussion* discussion = deed.board.discussions.touch(deed.subject());
   if (discussion == nullptr || !isOpen(*discussion)) {
     return refused(text::cat("No task and no open discussion is called ", deed.subject(), "."));
   }
@@ -60,9 +70,9 @@ TeamworkResponse answer(const Deed& deed) {
   return written(text::cat("Spoke in ", discussion->id, "."));
 }
 
-void wakeEverybody(Board& board, std::string_view kind, const std::string& summary) {
+void wakeEverybody(Board& board, const Reason& reason) {
   for (const auto& [id, seat] : board.seats)
-    if (isLive(seat)) wake(board, seat, {0, std::string(kind), "", summary, std::string(kind)});
+    if (isLive(seat)) wake(board, seat, reason);
 }
 
 TeamworkResponse confirmGoal(const Deed& deed) {
@@ -70,8 +80,10 @@ TeamworkResponse confirmGoal(const Deed& deed) {
   Thread& thread = deed.board.editThread();
   thread.goalComplete = true;
   thread.goalProposedBy.clear();
-  record(deed.board, {"goalConfirmed", "", std::string(human)});
-  wakeEverybody(deed.board, "goalConfirmed", "The human confirmed that the goal is complete");
+  record(deed.board, deed.move(MoveKind::goalConfirmed));
+  wakeEverybody(deed.board,
+                {WakeKind::goalConfirmed, "", "The human confirmed that the goal is complete",
+                 MoveKind::goalConfirmed});
   return written("The goal is complete.");
 }
 
@@ -79,8 +91,9 @@ TeamworkResponse reopenGoal(const Deed& deed) {
   Thread& thread = deed.board.editThread();
   thread.goalComplete = false;
   thread.goalProposedBy.clear();
-  record(deed.board, {"goalReopened", "", std::string(human)});
-  wakeEverybody(deed.board, "goalReopened", "The human reopened the goal");
+  record(deed.board, deed.move(MoveKind::goalReopened));
+  wakeEverybody(deed.board, {WakeKind::goalReopened, "", "The human reopened the goal",
+                             MoveKind::goalReopened});
   return written("The goal is open again.");
 }
 
@@ -91,13 +104,14 @@ TeamworkResponse say(const Deed& deed) {
     return refused(text::cat("Nobody is home at ", handle, "."));
   if (deed.words().empty()) return refused("Say something.");
   // A wake and not a message: messages are told as another agent's words.
-  wake(deed.board, *seat, {0, "humanSaid", "", text::cat("The human says: ", deed.words()), ""});
+  wake(deed.board, *seat, {WakeKind::humanSaid, "", text::cat("The human says: ", deed.words())});
   return written(text::cat("Said to ", seat->handle, "."));
 }
 
 TeamworkResponse switchSquad(const Deed& deed) {
   deed.board.editThread().squadOn = deed.request.approve.value_or(false);
-  record(deed.board, {"squadSwitched", "", std::string(human)});
+  record(deed.board,
+         deed.move(MoveKind::squadSwitched, "", deed.board.thread().squadOn ? "on" : "off"));
   return written(deed.board.thread().squadOn ? "The squad is on." : "The squad is off.");
 }
 
@@ -111,7 +125,7 @@ TeamworkResponse restore(const Deed& deed) {
   task.deleteReason.clear();
   deed.board.trash.remove(task.id);
   const Task& restored = deed.board.tasks.put(std::move(task));
-  announce(deed.board, {"taskAdded", restored.id, std::string(human)});
+  announce(deed.board, deed.move(MoveKind::taskAdded, restored.id, restored.title));
   return written(text::cat("Put back ", named(restored), "."));
 }
 

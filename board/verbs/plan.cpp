@@ -69,7 +69,7 @@ TeamworkResponse setGoal(const Call& call) {
   Thread& thread = call.board.editThread();
   thread.goal = goal;
   thread.goalProposedBy.clear();
-  record(call.board, {"goalSet", "", call.self()});
+  record(call.board, call.move(MoveKind::goalSet, "", cutWithMark(goal, noteLimit)));
   return written("The goal is set.");
 }
 
@@ -77,7 +77,7 @@ TeamworkResponse setCharter(const Call& call) {
   const std::string charter = oneLine(call.request.name.value_or(""));
   if (charter.empty()) return refused("A charter needs a `name`: one short line.");
   call.board.editThread().charter = charter;
-  record(call.board, {"charterSet", "", call.self()});
+  record(call.board, call.move(MoveKind::charterSet, "", charter));
   return written("The charter is set.");
 }
 
@@ -90,15 +90,14 @@ TeamworkResponse proposeGoalComplete(const Call& call) {
     return refused(text::cat("An open discussion of the whole board holds this back: ",
                              debates.front()->id, ". resolve_discussion first."));
   }
-  int64_t open = 0;
-  for (const auto& [id, task] : call.board.tasks) open += isOpen(task);
+  const int64_t open = text::countOf(call.board.tasks.with({openTasks, {}}));
   if (open > 0 && !call.request.acknowledgeOpenTasks.value_or(false)) {
     return refused(text::cat(open, " task", text::s(open), open == 1 ? " is" : " are",
                              " still open. Look at list_tasks; when the goal is done without ",
                              open == 1 ? "it" : "them", ", pass acknowledgeOpenTasks true."));
   }
   call.board.editThread().goalProposedBy = call.self();
-  record(call.board, {"goalProposed", "", call.self()});
+  record(call.board, call.move(MoveKind::goalProposed));
   return written("Completion is proposed. The person decides.");
 }
 
@@ -121,10 +120,11 @@ TeamworkResponse openDiscussion(const Call& call) {
   }
   discussion.openedBy = call.self();
   discussion.addressedTo = std::move(addressees.parties);
-  return shown(call, openDebate(call.board, std::move(discussion)), std::move(notice));
+  return shown(call, openDebate(call.board, std::move(discussion), call.at.nowMs),
+               std::move(notice));
 }
 
-TeamworkResponse replyDiscussion(const Call& call, const TeamworkDiscussion& discussion) {
+TeamworkResponse replyDiscussion(const Call& call, TeamworkDiscussion& discussion) {
   if (!isOpen(discussion)) {
     return refused(text::cat(discussion.id, " is resolved: ", discussion.resolution.value_or("")));
   }
@@ -136,7 +136,7 @@ TeamworkResponse replyDiscussion(const Call& call, const TeamworkDiscussion& dis
   return shown(call, discussion, std::move(notice));
 }
 
-TeamworkResponse resolveDiscussion(const Call& call, const TeamworkDiscussion& discussion) {
+TeamworkResponse resolveDiscussion(const Call& call, TeamworkDiscussion& discussion) {
   if (!isOpen(discussion)) {
     return refused(text::cat(discussion.id, " is resolved: ", discussion.resolution.value_or("")));
   }
@@ -144,7 +144,7 @@ TeamworkResponse resolveDiscussion(const Call& call, const TeamworkDiscussion& d
   const std::string resolution = cutWithNotice(unicode::trim(call.request.body.value_or("")),
                                                volleyLimit, "resolution", notice);
   if (resolution.empty()) return refused("A discussion is closed with a `resolution`.");
-  resolve(call.board, discussion, resolution, call.self());
+  resolve(call.board, discussion, {resolution, call.self(), call.at.nowMs});
   return shown(call, discussion, std::move(notice));
 }
 

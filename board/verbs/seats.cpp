@@ -5,10 +5,11 @@
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/views.h"
+#include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
-#include "tools/tool_name.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillpost::board {
@@ -44,11 +45,12 @@ TeamworkResponse ownSeat(const Call& call) {
 }
 
 void deliverMessages(const Call& call, TeamworkResponse& response) {
-  if (!call.seat.inbox.empty()) response.messages = messagesFor(call.seat, call.at);
+  auto messages = messagesFor(call.board, call.seat, call.at);
+  if (!messages.empty()) response.messages = std::move(messages);
 }
 
 TeamworkResponse registerSeat(const Call& call) {
-  Seat& seat = call.board.seats.edit(call.seat);
+  Seat& seat = call.seat;
   const bool isNew = !seat.registered;
   if (isNew) {
     seat.fingerprint = mintFingerprint(call);
@@ -62,7 +64,7 @@ TeamworkResponse registerSeat(const Call& call) {
   seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
   seat.lastCallMs = call.at.nowMs;
   describe(seat, call.request);
-  if (isNew) record(call.board, {"agentJoined", "", seat.fingerprint});
+  if (isNew) record(call.board, call.move(MoveKind::agentJoined));
   TeamworkResponse response = ownSeat(call);
   response.squad = squadView(call.board);
   deliverMessages(call, response);
@@ -71,17 +73,7 @@ TeamworkResponse registerSeat(const Call& call) {
 
 TeamworkResponse unregister(const Call& call) {
   if (!call.seat.registered) return written("You were not on the roster; nothing to leave.");
-  int64_t returned = 0;
-  for (const auto& [id, task] : call.board.tasks) {
-    if (!isHeldBy(task, call.self())) continue;
-    ++returned;
-    giveUpClaim(call.board, task, {"taskReleased", id, call.self()}, call.at);
-  }
-  record(call.board, {"agentLeft", "", call.self()});
-  Seat& seat = call.board.seats.edit(call.seat);
-  seat.registered = seat.waiting = seat.stoodDown = false;
-  seat.parkReason.clear();
-  seat.wakes.clear();
+  const int64_t returned = leave(call.board, call.seat, call.at);
   return written(text::cat("You have left the board. ", returned, " claim", text::s(returned),
                            " went back to the pool."));
 }
@@ -90,7 +82,7 @@ TeamworkResponse renew(const Call& call) {
   if (!call.seat.registered) {
     return refused("This terminal has no agent on the roster to renew. Call register first.");
   }
-  Seat& seat = call.board.seats.edit(call.seat);
+  Seat& seat = call.seat;
   seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
   seat.lastCallMs = call.at.nowMs;
   describe(seat, call.request);
@@ -98,8 +90,8 @@ TeamworkResponse renew(const Call& call) {
   seat.stoodDown = call.request.standDown.value_or(false);
   seat.parkReason = oneLine(call.request.parkReason.value_or(""));
   renewClaims(call.board, seat, call.at);
-  for (const auto& [id, task] : call.board.tasks)
-    if (isHeldBy(task, call.self())) settleReleaseAsks(call.board, task, "", call.at);
+  for (Task* task : touchHeld(call.board, call.self()))
+    settleReleaseAsks(call.board, *task, "", call.at);
   TeamworkResponse response = ownSeat(call);
   // The answer to the heartbeat of a wait is not read by anybody: its messages come with the poll.
   if (!seat.waiting) deliverMessages(call, response);
@@ -134,7 +126,8 @@ TeamworkResponse poll(const Call& call) {
 TeamworkResponse queryWake(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::wake;
-  response.wakePending = !call.seat.wakes.empty() || !call.seat.inbox.empty();
+  response.wakePending = call.board.wakes.has({bySeat, call.seat.id}) ||
+                         call.board.messages.has({bySeat, call.seat.id});
   return response;
 }
 
@@ -148,12 +141,12 @@ TeamworkResponse sendMessage(const Call& call) {
                              " characters, so it is a task and not a message: use add_task."));
   }
   const Seat& reader = *seatAt(call.board, to);
-  leaveMessage(call.board, reader, {0, call.seat.handle, call.seat.name, words, call.at.nowMs});
+  leaveMessage(call.board, reader, {call.seat.handle, call.seat.name, words, call.at.nowMs});
   return written(text::cat("Left for ", reader.handle, "."));
 }
 
 TeamworkResponse readMessages(const Call& call) {
-  const int64_t count = text::countOf(call.seat.inbox);
+  const int64_t count = text::countOf(messagesOf(call.board, call.seat));
   if (count == 0) {
     TeamworkResponse response;
     response.message = "Your inbox is empty.";
@@ -175,8 +168,8 @@ std::span<const Method> seatMethods() {
       {"list_agents",   Entry::member,   listAgents},
       {"send_message",  Entry::member,   sendMessage},
       {"read_messages", Entry::member,   readMessages},
-      {pollChanges,     Entry::listener, poll},
-      {wakeQuery,       Entry::listener, queryWake},
+      {pollChanges, Entry::listener, poll},
+      {wakeQuery,   Entry::listener, queryWake},
   };
   return rows;
 }

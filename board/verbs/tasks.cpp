@@ -1,10 +1,13 @@
 #include "base/text.h"
 #include "base/unicode.h"
+#include "board/rules/ids.h"
 #include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 #include "board/rules/views.h"
+#include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
 #include <algorithm>
@@ -18,11 +21,6 @@ namespace quillpost::board {
 namespace {
 
 using Kind = TeamworkResponse::Kind;
-
-std::string taskID(int64_t number) {
-  const std::string digits = text::cat(number);
-  return "t" + std::string(6 - std::min<std::size_t>(6, digits.size()), '0') + digits;
-}
 
 /// The handle of whom a task is meant for; the text as it stands when that names nobody here.
 std::string routeOf(const Board& board, const TeamworkRequest& request) {
@@ -44,7 +42,7 @@ bool isPeers(const Call& call, const Task& task) {
 }
 
 /// Those who lose something when a task goes away: its holder and whoever asked for it.
-std::vector<Notice> noticesOfRemoval(const Call& call, const Task& task, std::string_view kind,
+std::vector<Notice> noticesOfRemoval(const Call& call, const Task& task, WakeKind kind,
                                      const std::string& summary) {
   std::vector<Notice> notices;
   if (const Seat* asker = seatAt(call.board, task.reportsTo)) {
@@ -65,7 +63,6 @@ TeamworkResponse addTask(const Call& call) {
     if (const auto reason = whyUnreachable(call, *request.to)) return refused(*reason);
     task.reportsTo = call.seat.handle;
   }
-  task.body = request.body.value_or("");
   task.filedBy = call.self();
   task.priority = request.priority.value_or(0);
   task.type = request.taskType.value_or("");
@@ -73,14 +70,14 @@ TeamworkResponse addTask(const Call& call) {
   task.waitsOn = request.waitsOn.value_or(std::vector<std::string>{});
   task.assignedRole = request.assignedRole.value_or("");
   task.routedTo = routeOf(call.board, request);
-  const Task& filed = fileTask(call.board, std::move(task));
-  refreshSummary(call.board, filed, call.seat, request.summary.value_or(""));
+  Task& filed = fileTask(call.board, std::move(task), request.body.value_or(""));
+  refreshSummary(call.board, filed, call.seat, request.summary.value_or(""), call.at.nowMs);
   std::vector<Notice> notices;
   if (const Seat* seat = whoIs(call.board, filed.routedTo)) {
-    notices.push_back({seat->fingerprint, "taskAssigned",
+    notices.push_back({seat->fingerprint, WakeKind::taskAssigned,
                        text::cat(call.seat.handle, " handed you ", named(filed))});
   }
-  announce(call.board, {"taskAdded", filed.id, call.self()}, notices);
+  announce(call.board, call.move(MoveKind::taskAdded, filed.id, filed.title), notices);
   return written(text::cat("Added ", named(filed), ". It is ",
                            isReady(call.board, filed) ? "READY." : "waiting on other tasks."),
                  noticeOfUnresolved(call.board, filed.waitsOn));
@@ -95,30 +92,30 @@ TeamworkResponse listTasks(const Call& call) {
                                                    : titleView(task));
   }
   // Only here: whoever reads the backlog has seen all there is, and need not be woken for it.
-  response.rev = call.board.thread().rev;
+  response.rev = call.board.counted().rev;
   return response;
 }
 
-TeamworkResponse readTask(const Call& call, const Task& task) {
+TeamworkResponse readTask(const Call& call, Task& task) {
   TeamworkResponse response;
   response.kind = Kind::task;
   response.task = taskView(call.board, task, call.seat, call.at);
   return response;
 }
 
-TeamworkResponse watchTask(const Call& call, const Task& task) {
-  watch(call.board, task, {call.self(), false});
+TeamworkResponse watchTask(const Call& call, Task& task) {
+  watch(task, {call.self(), false});
   return written(text::cat("You are watching ", named(task), "."));
 }
 
-TeamworkResponse unwatchTask(const Call& call, const Task& task) {
-  const bool watched = unwatch(call.board, task, call.self(), Unwatch::any);
-  takeBackWakes(call.board, call.seat, "taskWatched", task.id);
+TeamworkResponse unwatchTask(const Call& call, Task& task) {
+  const bool watched = unwatch(task, call.self(), Unwatch::any);
+  takeBackWakes(call.board, call.seat, WakeKind::taskWatched, task.id);
   return written(
       text::cat("You ", watched ? "no longer watch " : "were not watching ", named(task), "."));
 }
 
-TeamworkResponse rejectTask(const Call& call, const Task& task) {
+TeamworkResponse rejectTask(const Call& call, Task& task) {
   if (!isOpen(task)) return refused(text::cat(named(task), " is closed already."));
   if (isPeers(call, task)) {
     return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),
@@ -127,27 +124,27 @@ TeamworkResponse rejectTask(const Call& call, const Task& task) {
   std::string notice;
   const std::string reason = cutWithNotice(oneLine(call.request.releaseReason.value_or("")),
                                            reasonLimit, "reason", notice);
-  const auto notices = noticesOfRemoval(call, task, "taskRejected",
+  const auto notices = noticesOfRemoval(call, task, WakeKind::taskRejected,
                                         text::cat(call.seat.handle, " declined ", named(task)));
-  Task& rejected = call.board.tasks.edit(task);
-  rejected.state = TaskState::rejected;
-  rejected.owner = call.self();
-  rejected.blocked = false;
-  rejected.releaseAsks.clear();
-  rejected.log.push_back({LogKind::comment, call.self(), call.seat.handle,
-                          text::cat("declined", reason.empty() ? "" : ": ", reason)});
-  announce(call.board, {"taskRejected", task.id, call.self()}, notices);
+  task.state = TaskState::rejected;
+  task.owner = call.self();
+  task.blocked = false;
+  task.releaseAsks.clear();
+  addLine(call.board, task,
+          {"", LogKind::comment, call.self(), call.seat.handle,
+           text::cat("declined", reason.empty() ? "" : ": ", reason), call.at.nowMs});
+  announce(call.board, call.move(MoveKind::taskRejected, task.id, reason), notices);
   return written(text::cat("Declined ", named(task), "."), std::move(notice));
 }
 
-TeamworkResponse deleteTask(const Call& call, const Task& task) {
+TeamworkResponse deleteTask(const Call& call, Task& task) {
   if (isPeers(call, task)) {
     return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),
                              ". Ask them with comment_task or open_discussion."));
   }
   const std::string words = named(task);
-  const auto notices =
-      noticesOfRemoval(call, task, "taskDeleted", text::cat(call.seat.handle, " deleted ", words));
+  const auto notices = noticesOfRemoval(call, task, WakeKind::taskDeleted,
+                                        text::cat(call.seat.handle, " deleted ", words));
   Task& deleted = call.board.trash.put(task);
   deleted.state = TaskState::open;
   deleted.owner.clear();
@@ -155,7 +152,7 @@ TeamworkResponse deleteTask(const Call& call, const Task& task) {
   deleted.deleteReason = oneLine(call.request.releaseReason.value_or(""));
   const std::string id = deleted.id;
   call.board.tasks.remove(id);
-  announce(call.board, {"taskDeleted", id, call.self()}, notices);
+  announce(call.board, call.move(MoveKind::taskDeleted, id, words), notices);
   return written(text::cat("Deleted ", words, "."));
 }
 
@@ -176,15 +173,10 @@ std::span<const Method> taskMethods() {
 }
 // clang-format on
 
-const Task& fileTask(Board& board, Task task) {
-  task.id = taskID(++board.editThread().tasksFiled);
+Task& fileTask(Board& board, Task task, std::string brief) {
+  task.id = taskID(++board.count().tasksFiled);
+  setBrief(board, task.id, std::move(brief));
   return board.tasks.put(std::move(task));
-}
-
-void refreshSummary(Board& board, const Task& task, const Seat& author, std::string_view summary) {
-  const std::string gist = cut(unicode::trim(summary), summaryLimit);
-  if (gist.empty()) return;
-  board.tasks.edit(task).log.push_back({LogKind::gist, author.fingerprint, author.handle, gist});
 }
 
 }  // namespace quillpost::board

@@ -2,10 +2,12 @@
 #include "base/unicode.h"
 #include "board/rules/ask.h"
 #include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 #include "board/verbs/methods.h"
+#include "model/markers.h"
 
 #include <algorithm>
 #include <optional>
@@ -20,7 +22,7 @@ namespace {
 /// The line without the markers that would make it something else in the log.
 std::string plainLine(std::string_view whole) {
   std::string line = oneLine(whole);
-  for (const std::string_view marker : {"[[gist]] ", "[[for]] "})
+  for (const std::string_view marker : {gistMarker, forMarker})
     while (line.starts_with(marker)) line = oneLine(std::string_view(line).substr(marker.size()));
   return line;
 }
@@ -53,12 +55,17 @@ std::optional<std::string> whyNotBlockable(const TeamworkRequest& request, const
   return std::nullopt;
 }
 
+/// The question that the task stands on, without its marker.
+std::string questionOf(const Task& task) { return splitAsk(task.blockerQuestion).question; }
+
 /// Replaces what was given and leaves the rest. Whether anything was.
 bool correct(const Call& call, Task& task) {
   const TeamworkRequest& request = call.request;
   const Task before = task;
+  const std::string_view brief = briefOf(call.board, task.id);
+  const bool hasNewBrief = request.body && *request.body != brief;
+  if (request.body) setBrief(call.board, task.id, *request.body);
   if (request.title && !oneLine(*request.title).empty()) task.title = oneLine(*request.title);
-  task.body = request.body.value_or(task.body);
   task.priority = request.priority.value_or(task.priority);
   task.type = request.taskType.value_or(task.type);
   task.resources = request.resources.value_or(task.resources);
@@ -68,34 +75,36 @@ bool correct(const Call& call, Task& task) {
     const Seat* seat = whoIs(call.board, *request.routedToFingerprint);
     task.routedTo = seat != nullptr ? seat->handle : *request.routedToFingerprint;
   }
-  return task != before;
+  return hasNewBrief || task != before;
 }
 
-/// Raises or clears the question to the person. The kind of move that was; empty for none.
-std::string_view settleBlocker(const Call& call, Task& task) {
-  if (!call.request.blocked) return {};
+/// Raises or clears the question to the person. The kind of move that was, if any.
+std::optional<MoveKind> settleBlocker(const Call& call, Task& task) {
+  if (!call.request.blocked) return std::nullopt;
   if (!*call.request.blocked) {
-    if (!std::exchange(task.blocked, false)) return {};
+    if (!std::exchange(task.blocked, false)) return std::nullopt;
     task.blockerQuestion.clear();
-    return "taskUnblocked";
+    return MoveKind::taskUnblocked;
   }
   const std::string question = call.request.blockerQuestion.value_or("");
   if (!question.empty()) task.blockerQuestion = question;
   task.blocked = true;
   task.blockedBy = call.self();
   task.blockerAnswer.clear();
-  return "taskBlocked";
+  return MoveKind::taskBlocked;
 }
 
-/// Writes the progress line and says whether there was one. Work that goes on is no longer parked.
-bool writeProgress(const Call& call, Task& task, std::string& notice) {
-  const std::string line =
+/// Writes the progress line and gives it; empty when there is none. Work that goes on is no longer
+/// parked.
+std::string writeProgress(const Call& call, Task& task, std::string& notice) {
+  std::string line =
       cutWithNotice(plainLine(call.request.note.value_or("")), progressLimit, "progress", notice);
-  if (line.empty()) return false;
-  task.log.push_back({LogKind::progress, call.self(), call.seat.handle, line});
+  if (line.empty()) return line;
+  addLine(call.board, task,
+          {"", LogKind::progress, call.self(), call.seat.handle, line, call.at.nowMs});
   ++task.linesSinceClaim;
   task.parkedReason.clear();
-  return true;
+  return line;
 }
 
 /// The parties whom tags name: fingerprints and "human". Those who are not here go into `notice`.
@@ -115,24 +124,23 @@ std::vector<std::string> taggedBy(const Call& call, std::string& notice) {
 }
 
 /// Adds the comment, or puts it in place of the caller's own last one.
-void writeComment(const Call& call, const Task& task, const std::string& words,
-                  std::string& notice) {
-  Task& commented = call.board.tasks.edit(task);
-  const LogLine line{LogKind::comment, call.self(), call.seat.handle, words};
-  const bool isAmendable = !commented.log.empty() &&
-                           commented.log.back().kind == LogKind::comment &&
-                           commented.log.back().author == call.self();
+void writeComment(const Call& call, Task& task, const std::string& words, std::string& notice) {
+  LogLine line{"", LogKind::comment, call.self(), call.seat.handle, words, call.at.nowMs};
+  const LogLine* last = lastLine(call.board, task);
+  const bool isAmendable =
+      last != nullptr && last->kind == LogKind::comment && last->author == call.self();
   if (call.request.editLast.value_or(false) && isAmendable) {
-    commented.log.back() = line;
+    line.id = last->id;
+    call.board.lines.put(std::move(line));
     return;
   }
   if (call.request.editLast.value_or(false)) {
     notice += "Your last comment is no longer the last entry, so this one was added.";
   }
-  commented.log.push_back(line);
+  addLine(call.board, task, std::move(line));
 }
 
-TeamworkResponse updateTask(const Call& call, const Task& task) {
+TeamworkResponse updateTask(const Call& call, Task& task) {
   const TeamworkRequest& request = call.request;
   if (const auto reason = whyNotUpdatable(call, task)) return refused(*reason);
   if (const auto reason = whyNotBlockable(request, task)) return refused(*reason);
@@ -140,23 +148,26 @@ TeamworkResponse updateTask(const Call& call, const Task& task) {
     return refused(text::cat(named(task), " would wait on itself."));
   }
   std::string notice;
-  Task& changed = call.board.tasks.edit(task);
-  const bool isCorrected = correct(call, changed);
-  const bool isProgress = writeProgress(call, changed, notice);
-  const std::string_view blocker = settleBlocker(call, changed);
-  if (request.parkReason) changed.parkedReason = oneLine(*request.parkReason);
+  const bool isCorrected = correct(call, task);
+  const std::string progress = writeProgress(call, task, notice);
+  const std::optional<MoveKind> blocker = settleBlocker(call, task);
+  if (request.parkReason) task.parkedReason = oneLine(*request.parkReason);
   const bool isReopened = task.state == TaskState::done &&
-                          (isCorrected || isProgress || !blocker.empty() || request.parkReason);
-  if (isReopened) changed.state = TaskState::claimed;
-  refreshSummary(call.board, task, call.seat, request.summary.value_or(""));
-  if (request.summary && !request.summary->empty()) ++changed.linesSinceClaim;
+                          (isCorrected || !progress.empty() || blocker || request.parkReason);
+  if (isReopened) task.state = TaskState::claimed;
+  refreshSummary(call.board, task, call.seat, request.summary.value_or(""), call.at.nowMs);
+  if (request.summary && !request.summary->empty()) ++task.linesSinceClaim;
   if (task.state == TaskState::claimed) renewClaim(call.board, task, call.at);
 
-  if (isReopened) announce(call.board, {"taskReopened", task.id, call.self()});
-  if (isCorrected) announce(call.board, {"taskEdited", task.id, call.self()});
-  if (isProgress) announce(call.board, {"taskProgress", task.id, call.self()});
-  if (!blocker.empty()) announce(call.board, {blocker, task.id, call.self()});
-  if (request.parkReason) announce(call.board, {"taskParked", task.id, call.self()});
+  if (isReopened) announce(call.board, call.move(MoveKind::taskReopened, task.id));
+  if (isCorrected) announce(call.board, call.move(MoveKind::taskEdited, task.id));
+  if (!progress.empty()) {
+    announce(call.board, call.move(MoveKind::taskProgress, task.id, progress));
+  }
+  if (blocker) announce(call.board, call.move(*blocker, task.id, questionOf(task)));
+  if (request.parkReason) {
+    announce(call.board, call.move(MoveKind::taskParked, task.id, task.parkedReason));
+  }
   if (settleReleaseAsks(call.board, task, call.self(), call.at)) {
     notice += text::cat(notice.empty() ? "" : " ", calling(call.board, task.owner),
                         " had asked for this task and holds it now.");
@@ -165,29 +176,31 @@ TeamworkResponse updateTask(const Call& call, const Task& task) {
                  std::move(notice));
 }
 
-TeamworkResponse commentTask(const Call& call, const Task& task) {
+TeamworkResponse commentTask(const Call& call, Task& task) {
   const std::string words =
       cutWithMark(unicode::trim(call.request.note.value_or("")), commentLimit);
   const std::string summary(unicode::trim(call.request.summary.value_or("")));
   if (words.empty() && summary.empty()) return refused("Pass `text`, `summary` or both.");
   std::string notice;
-  refreshSummary(call.board, task, call.seat, summary);
+  refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
   const std::vector<std::string> tagged = taggedBy(call, notice);
   if (!words.empty()) writeComment(call, task, words, notice);
-  Task& commented = call.board.tasks.edit(task);
-  if (isHeldBy(task, call.self())) ++commented.linesSinceClaim;
-  std::erase(commented.mentions, call.self());
+  if (isHeldBy(task, call.self())) ++task.linesSinceClaim;
+  std::erase(task.mentions, call.self());
   std::vector<Notice> notices;
   for (const std::string& party : tagged) {
     if (party == call.self()) continue;
-    if (std::ranges::find(commented.mentions, party) == commented.mentions.end()) {
-      commented.mentions.push_back(party);
+    if (std::ranges::find(task.mentions, party) == task.mentions.end()) {
+      task.mentions.push_back(party);
     }
-    notices.push_back({party, "mentioned",
+    notices.push_back({party, WakeKind::mentioned,
                        text::cat(call.seat.handle, " tagged you on ", named(task), ": ",
                                  cutWithMark(words, questionLimit))});
   }
-  announce(call.board, {"taskCommented", task.id, call.self()}, notices);
+  announce(call.board,
+           call.move(MoveKind::taskCommented, task.id,
+                     cutWithMark(words.empty() ? summary : words, noteLimit)),
+           notices);
   return written(
       text::cat(words.empty() ? "Summary refreshed on " : "Commented on ", named(task), "."),
       std::move(notice));

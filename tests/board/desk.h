@@ -5,9 +5,12 @@
 #include "base/text.h"
 #include "board/rules/board.h"
 #include "board/rules/feed.h"
+#include "board/rules/ids.h"
 #include "board/rules/leases.h"
+#include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/views.h"
+#include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 #include "board/verbs/person.h"
 #include "model/coding.h"
@@ -52,7 +55,7 @@ class Desk {
     Thread thread;
     thread.id = "T-abc234";
     thread.name = "main";
-    board.threads.put(std::move(thread));
+    board = newBoard(std::move(thread));
     for (const std::string_view handle : handles) {
       sit(handle);
       ask(handle, "register");
@@ -71,11 +74,17 @@ class Desk {
   const Seat& seat(std::string_view handle) const { return *seatAt(board, handle); }
   std::string mark(std::string_view handle) const { return seat(handle).fingerprint; }
   const Task& task(std::string_view id) const { return *board.tasks.find(id); }
+  /// The log of a task as its readers see it.
+  std::vector<std::string> log(std::string_view id) const {
+    std::vector<std::string> lines;
+    for (const LogLine* line : linesOf(board, id)) lines.push_back(lineText(*line));
+    return lines;
+  }
 
   TeamworkResponse ask(std::string_view handle, std::string_view method,
                        std::string_view members = "") {
     const TeamworkRequest request = requestOf(text::cat("s-", handle), method, members);
-    return carryOut({board, request, seat(handle), at, random_});
+    return carryOut({board, request, *board.seats.touch(seat(handle).id), at, random_});
   }
   TeamworkResponse person(std::string_view method, std::string_view members = "") {
     return carryOutForPerson(board, requestOf("", method, members), at);
@@ -106,8 +115,10 @@ class Desk {
   /// What wakes an agent: kinds, each with its task when there is one.
   std::vector<std::string> wakes(std::string_view handle) const {
     std::vector<std::string> found;
-    for (const Wake& reason : seat(handle).wakes)
-      found.push_back(reason.taskID.empty() ? reason.kind : reason.kind + " " + reason.taskID);
+    for (const Wake* wake : wakesOf(board, seat(handle))) {
+      const std::string_view kind = json::wordFor(wake->kind);
+      found.push_back(text::cat(kind, wake->taskID.empty() ? "" : " ", wake->taskID));
+    }
     return found;
   }
   bool isWoken(std::string_view handle, std::string_view by) const {
@@ -116,7 +127,8 @@ class Desk {
   }
   /// Forgets all wakes.
   void settle() {
-    for (const auto& [id, seat] : board.seats) board.seats.edit(seat).wakes.clear();
+    for (const auto& [id, seat] : board.seats)
+      forgetDelivered(board, {"", id, padded(INT64_MAX), ""});
   }
 
   /// Lets time pass, and what lapses lapse.

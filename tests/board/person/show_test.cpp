@@ -20,26 +20,27 @@ TEST(Showing, PutsTheBoardIntoColumns) {
                            R"(\"o\":[\"oak\",\"steel\"]}]] Of what?")");
   desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["human"])");
   desk.sit("CC4");
-  EXPECT_EQ(showBoard(desk.board, desk.at),
-            text::cat("Thread main (T-abc234), revision ", desk.board.thread().rev, ", squad off\n",
-                      "Charter: Owns the ship\n"
-                      "Goal: Ship it\n"
-                      "\n"
-                      "TASKS\n"
-                      "  t000001  BLOCKED  BB3  Frame  asks: Of what? (1) oak (2) steel\n"
-                      "  t000002  waiting  -    Hüll   after t000001\n"
-                      "\n"
-                      "AGENTS\n"
-                      "  AA2  ",
-                      desk.mark("AA2"),
-                      "  working      lease 900 s\n"
-                      "  BB3  ",
-                      desk.mark("BB3"),
-                      "  working      lease 900 s\n"
-                      "  CC4  -      nobody home\n"
-                      "\n"
-                      "DISCUSSIONS\n"
-                      "  d000001  0/8  board  Which way?  waits for human\n"));
+  EXPECT_EQ(
+      showBoard(desk.board, desk.at),
+      text::cat("Thread main (T-abc234), revision ", desk.board.counted().rev, ", squad off\n",
+                "Charter: Owns the ship\n"
+                "Goal: Ship it\n"
+                "\n"
+                "TASKS\n"
+                "  t000001  BLOCKED  BB3  Frame  asks: Of what? (1) oak (2) steel\n"
+                "  t000002  waiting  -    Hüll   after t000001\n"
+                "\n"
+                "AGENTS\n"
+                "  AA2  ",
+                desk.mark("AA2"),
+                "  working      lease 900 s\n"
+                "  BB3  ",
+                desk.mark("BB3"),
+                "  working      lease 900 s\n"
+                "  CC4  -      nobody home\n"
+                "\n"
+                "DISCUSSIONS\n"
+                "  d000001  0/8  board  Which way?  waits for human\n"));
 }
 
 TEST(Showing, TellsOfAProposalAndADeletion) {

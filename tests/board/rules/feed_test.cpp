@@ -49,7 +49,7 @@ TEST(Feed, WhatEndsAWaitAndWhatOnlyAWaitForChangesOfState) {
     SCOPED_TRACE(row.name);
     Desk desk;
     const std::string id = desk.add("one");
-    const int64_t rev = desk.board.thread().rev;
+    const int64_t rev = desk.board.counted().rev;
     row.move(desk, id);
     EXPECT_EQ(hasMoved(desk.board, desk.seat("AA2"), {rev, {}, false}), row.ends);
     EXPECT_EQ(hasMoved(desk.board, desk.seat("AA2"), {rev, {}, true}), row.endsEager);
@@ -59,7 +59,7 @@ TEST(Feed, WhatEndsAWaitAndWhatOnlyAWaitForChangesOfState) {
 TEST(Feed, AWaitOnTasksEndsWithTheseTasksAndWithTheBoardItself) {
   Desk desk;
   const std::string one = desk.add("one"), two = desk.add("two");
-  const int64_t rev = desk.board.thread().rev;
+  const int64_t rev = desk.board.counted().rev;
   const Listening listening{rev, {one}, false};
   desk.ask("BB3", "comment_task", Desk::on(two) + R"(,"note":"x")");
   EXPECT_FALSE(hasMoved(desk.board, desk.seat("AA2"), listening));
@@ -76,7 +76,7 @@ TEST(Feed, FromRevisionZeroNothingHasBeenMissed) {
   const auto feed = feedFor(desk.board, desk.seat("BB3"), {0, {}, true}, desk.at);
   EXPECT_FALSE(feed.changed);
   EXPECT_THAT(feed.changes, IsEmpty());
-  EXPECT_EQ(feed.rev, desk.board.thread().rev);
+  EXPECT_EQ(feed.rev, desk.board.counted().rev);
   EXPECT_EQ(feed.tasks.size(), 1u);
 }
 
@@ -90,27 +90,29 @@ TEST(Feed, FromTheFirstRevisionOnEveryMoveIsNamed) {
 
 TEST(Feed, WhoeverHasLostTrackIsToldThatTheBoardMoved) {
   Desk desk;
-  EXPECT_TRUE(hasMoved(desk.board, desk.seat("AA2"), {desk.board.thread().rev + 1, {}, false}));
-  for (int64_t i = 0; i <= changesKept; ++i) record(desk.board, {"taskProgress", "", ""});
+  EXPECT_TRUE(hasMoved(desk.board, desk.seat("AA2"), {desk.board.counted().rev + 1, {}, false}));
+  for (std::size_t i = 0; i <= changesKept; ++i)
+    record(desk.board, {MoveKind::taskProgress, "", ""});
+  board::settle(desk.board);
   EXPECT_TRUE(hasMoved(desk.board, desk.seat("AA2"), {1, {}, false}));
-  EXPECT_FALSE(hasMoved(desk.board, desk.seat("AA2"), {desk.board.thread().rev - 5, {}, false}));
+  EXPECT_FALSE(hasMoved(desk.board, desk.seat("AA2"), {desk.board.counted().rev - 5, {}, false}));
 }
 
 TEST(Feed, AFinishedTaskIsToldOnceWhenTheWholeBacklogIsWatched) {
   Desk desk;
   const std::string id = desk.add("one");
   desk.claim("BB3", id);
-  const int64_t rev = desk.board.thread().rev;
+  const int64_t rev = desk.board.counted().rev;
   desk.ask("BB3", "complete_task", Desk::on(id) + R"(,"summary":"did it")");
   EXPECT_EQ(feedFor(desk.board, desk.seat("AA2"), {rev, {}, false}, desk.at).tasks.size(), 1u);
-  const int64_t later = desk.board.thread().rev;
+  const int64_t later = desk.board.counted().rev;
   EXPECT_THAT(feedFor(desk.board, desk.seat("AA2"), {later, {}, false}, desk.at).tasks, IsEmpty());
 }
 
 TEST(Feed, ATagIsNamedAmongTheKinds) {
   Desk desk;
   const std::string id = desk.add("one");
-  const int64_t rev = desk.board.thread().rev;
+  const int64_t rev = desk.board.counted().rev;
   desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"see?","tags":["BB3"])");
   const auto feed = feedFor(desk.board, desk.seat("BB3"), {rev, {}, false}, desk.at);
   EXPECT_THAT(feed.changeKinds, Contains("youWereTagged"));
@@ -149,7 +151,7 @@ TEST(Feed, MessagesTellHowOldTheyAre) {
   desk.person(personSquad, R"("approve":true)");
   desk.ask("AA2", "send_message", R"("to":"bb3","body":"mind the gap")");
   desk.pass(42);
-  const auto messages = messagesFor(desk.seat("BB3"), desk.at);
+  const auto messages = messagesFor(desk.board, desk.seat("BB3"), desk.at);
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages.front().from, "AA2");
   EXPECT_EQ(messages.front().text, "mind the gap");

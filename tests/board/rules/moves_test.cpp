@@ -13,18 +13,34 @@ using ::testing::IsEmpty;
 
 TEST(Moves, EveryChangeHasARevisionOfItsOwn) {
   Desk desk;
-  const int64_t before = desk.board.thread().rev;
-  record(desk.board, {"goalSet", "", "human"});
-  record(desk.board, {"goalSet", "", "human"});
-  EXPECT_EQ(desk.board.thread().rev, before + 2);
+  const int64_t before = desk.board.counted().rev;
+  record(desk.board, {MoveKind::goalSet, "", "human"});
+  record(desk.board, {MoveKind::goalSet, "", "human"});
+  EXPECT_EQ(desk.board.counted().rev, before + 2);
   EXPECT_EQ(std::prev(desk.board.changes.end())->second.rev, before + 2);
 }
 
-TEST(Moves, OnlyTheLatestChangesAreKept) {
+TEST(Moves, OnlyTheLatestChangesAreKeptInMemory) {
   Desk desk;
-  for (int64_t i = 0; i < changesKept + 50; ++i) record(desk.board, {"goalSet", "", ""});
-  EXPECT_EQ(text::countOf(desk.board.changes), changesKept);
-  EXPECT_EQ(std::prev(desk.board.changes.end())->second.rev, desk.board.thread().rev);
+  for (std::size_t i = 0; i < changesKept + 50; ++i)
+    record(desk.board, {MoveKind::goalSet, "", ""});
+  board::settle(desk.board);
+  EXPECT_EQ(desk.board.changes.size(), changesKept);
+  EXPECT_EQ(std::prev(desk.board.changes.end())->second.rev, desk.board.counted().rev);
+}
+
+TEST(Moves, AChangeSaysWhenItWasWhoseAndWhat) {
+  Desk desk;
+  desk.pass(7);
+  const std::string id = desk.add("one");
+  desk.ask("BB3", "comment_task", Desk::on(id) + R"(,"note":"hm")");
+  const Change& change = std::prev(desk.board.changes.end())->second;
+  EXPECT_EQ(change.kind, MoveKind::taskCommented);
+  EXPECT_EQ(change.taskID, id);
+  EXPECT_EQ(change.by, desk.mark("BB3"));
+  EXPECT_EQ(change.byName, "BB3");
+  EXPECT_EQ(change.atMs, desk.at.nowMs);
+  EXPECT_EQ(change.what, "hm");
 }
 
 TEST(Moves, WatchersAreToldOfEveryMoveButTheirOwn) {
@@ -57,22 +73,6 @@ TEST(Moves, WatchNoticesOfOneTaskTakeEachOthersPlace) {
   EXPECT_THAT(desk.wakes("BB3"), ElementsAre("taskWatched " + id));
 }
 
-TEST(Moves, DifferentWakesOfOneKindAllStay) {
-  Desk desk;
-  for (const char* summary : {"one", "two", "one"})
-    wake(desk.board, desk.seat("BB3"), {0, "discussionReply", "t000001", summary, ""});
-  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("discussionReply t000001", "discussionReply t000001"));
-}
-
-TEST(Moves, TooManyWakesGiveWayWatchNoticesFirst) {
-  Desk desk;
-  wake(desk.board, desk.seat("BB3"), {0, "mentioned", "t000001", "first", ""});
-  for (std::size_t i = 0; i < wakesKept; ++i)
-    wake(desk.board, desk.seat("BB3"), {0, "taskWatched", text::cat("x", i), "", ""});
-  EXPECT_EQ(desk.wakes("BB3").size(), wakesKept);
-  EXPECT_EQ(desk.wakes("BB3").front(), "mentioned t000001");
-}
-
 TEST(Moves, AnExplicitWatchOutlivesTheClaim) {
   struct Row {
     const char* name;
@@ -100,19 +100,6 @@ TEST(Moves, UnwatchEndsEitherWatchAndItsNotice) {
   EXPECT_THAT(desk.wakes("BB3"), IsEmpty());
   desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"y")");
   EXPECT_THAT(desk.wakes("BB3"), IsEmpty());
-}
-
-TEST(Moves, WhatWasCarriedIsForgottenAndWhatCameLaterIsNot) {
-  Desk desk;
-  wake(desk.board, desk.seat("BB3"), {0, "mentioned", "t000001", "early", ""});
-  leaveMessage(desk.board, desk.seat("BB3"), {0, "AA2", "", "early", 0});
-  const Delivery delivery = deliveryOf(desk.board, desk.seat("BB3"));
-  wake(desk.board, desk.seat("BB3"), {0, "mentioned", "t000002", "late", ""});
-  leaveMessage(desk.board, desk.seat("BB3"), {0, "AA2", "", "late", 0});
-  forgetDelivered(desk.board, delivery);
-  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("mentioned t000002"));
-  ASSERT_EQ(desk.seat("BB3").inbox.size(), 1u);
-  EXPECT_EQ(desk.seat("BB3").inbox.front().text, "late");
 }
 
 }  // namespace

@@ -30,8 +30,8 @@ TEST(Readiness, ATaskIsReadyWhenAllItWaitsOnIsDone) {
     const std::string one = desk.add("one"), two = desk.add("two");
     const std::string last =
         desk.add("last", text::cat(R"("waitsOn":[")", one, R"(",")", two, R"("])"));
-    desk.board.tasks.edit(desk.task(one)).state = row.first;
-    desk.board.tasks.edit(desk.task(two)).state = row.second;
+    desk.board.tasks.touch(one)->state = row.first;
+    desk.board.tasks.touch(two)->state = row.second;
     EXPECT_EQ(isReady(desk.board, desk.task(last)), row.ready);
     EXPECT_EQ(desk.view("AA2", last).ready, row.ready);
   }
@@ -65,7 +65,7 @@ TEST(Readiness, OnlyOpenTasksDependOnOne) {
   desk.add("three");
   ASSERT_EQ(dependentsOf(desk.board, one).size(), 1u);
   EXPECT_EQ(dependentsOf(desk.board, one).front()->id, two);
-  desk.board.tasks.edit(desk.task(two)).state = TaskState::rejected;
+  desk.board.tasks.touch(two)->state = TaskState::rejected;
   EXPECT_TRUE(dependentsOf(desk.board, one).empty());
 }
 

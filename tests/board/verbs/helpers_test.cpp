@@ -15,7 +15,7 @@ TEST(Helpers, NoneIsAllowedSoWorkIsFiledAndNothingStarts) {
   EXPECT_TRUE(wasWritten(response));
   EXPECT_THAT(response.notice.value_or(""), HasSubstr("suggest_helper"));
   ASSERT_EQ(desk.board.tasks.size(), 1u);
-  EXPECT_EQ(desk.task("t000001").body, "the brief");
+  EXPECT_EQ(briefOf(desk.board, "t000001"), "the brief");
   EXPECT_TRUE(wasWritten(desk.ask("AA2", "request_hands", Desk::on("t000001"))));
   EXPECT_EQ(desk.board.tasks.size(), 1u);
 }

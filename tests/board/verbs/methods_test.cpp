@@ -9,8 +9,6 @@
 namespace quillpost::board {
 namespace {
 
-using ::testing::IsEmpty;
-
 TEST(Methods, OnlyAFewAreOpenToATerminalThatHasNotRegistered) {
   for (const std::string_view method : boardMethods) {
     Desk desk;
@@ -73,10 +71,10 @@ TEST(Methods, WhatIsRefusedChangesNothing) {
     Desk desk;
     desk.claim("BB3", desk.add("held"));
     desk.add("free");
-    forEachTable(desk.board, [](std::string_view, auto& table) { table.settle(); });
+    board::settle(desk.board);
     EXPECT_EQ(desk.ask("AA2", row.method, row.members).kind, Desk::Kind::error);
     forEachTable(desk.board, [](std::string_view kind, const auto& table) {
-      EXPECT_THAT(table.changed(), IsEmpty()) << kind;
+      EXPECT_TRUE(table.isSaved()) << kind;
     });
   }
 }

@@ -15,7 +15,7 @@ TEST(Person, SpeaksToAnAgentThatIsHome) {
   desk.sit("CC4");
   EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"bb3","body":"Well done")")));
   EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
-  EXPECT_EQ(desk.seat("BB3").wakes.front().summary, "The human says: Well done");
+  EXPECT_EQ(wakesOf(desk.board, desk.seat("BB3")).front()->summary, "The human says: Well done");
   EXPECT_TRUE(wasRefused(desk.person(personSay, R"("to":"CC4","body":"x")"), "home"));
   EXPECT_TRUE(wasRefused(desk.person(personSay, R"("to":"BB3","body":" ")"), "Say"));
 }

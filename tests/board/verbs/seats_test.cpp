@@ -86,7 +86,7 @@ TEST(Messages, AnEmptyInboxSaysSo) {
 TEST(WakeQuery, IsPendingWhileAWakeOrAMessageIs) {
   Desk desk;
   EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, false);
-  leaveMessage(desk.board, desk.seat("BB3"), {0, "AA2", "", "x", 0});
+  leaveMessage(desk.board, desk.seat("BB3"), {"AA2", "", "x", 0});
   EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true);
   EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true) << "asking takes nothing";
 }

@@ -137,9 +137,9 @@ TEST(Comments, NeedNoClaimAndATextOrASummary) {
 TEST(Comments, KeepOneCharacterLessThanTheLimitAndTheMark) {
   HeldTask desk;
   desk.comment("AA2", text::cat(R"("note":")", letters(2000), "\""));
-  EXPECT_EQ(desk.task(desk.id).log.back().text, letters(2000));
+  EXPECT_EQ(desk.log(desk.id).back(), "AA2: " + letters(2000));
   desk.comment("AA2", text::cat(R"("note":")", letters(2001), "\""));
-  EXPECT_EQ(desk.task(desk.id).log.back().text, letters(1999) + "…");
+  EXPECT_EQ(desk.log(desk.id).back(), "AA2: " + letters(1999) + "…");
 }
 
 TEST(Comments, AreAmendedOnlyWhileTheyAreTheLastEntry) {
