@@ -201,6 +201,19 @@ TEST(FdInput, GivesWhatHasArrivedAndThenTheEnd) {
   EXPECT_EQ(input.read(room), 0u);
 }
 
+TEST(FdInput, SaysWhetherSomethingOrTheEndHasCome) {
+  Pipe pipe = makePipe();
+  FdInput input(pipe.reader.get());
+  EXPECT_FALSE(input.comesWithin(Duration(0)));
+  ASSERT_EQ(::write(pipe.writer.get(), "a", 1), 1);
+  EXPECT_TRUE(input.comesWithin(Duration(0)));
+  std::array<char, 4> room{};
+  EXPECT_EQ(input.read(room), 1u);
+  EXPECT_FALSE(input.comesWithin(Duration(0)));
+  pipe.writer = {};
+  EXPECT_TRUE(input.comesWithin(Duration(0)));
+}
+
 TEST(FdInput, IsNotStoppedByInterruptionsWhileNothingArrives) {
   for (const bool nonBlocking : {false, true}) {
     Pipe pipe = makePipe();

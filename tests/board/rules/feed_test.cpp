@@ -149,7 +149,7 @@ TEST(Feed, MessagesTellHowOldTheyAre) {
   desk.person(personSquad, R"("approve":true)");
   desk.ask("AA2", "send_message", R"("to":"bb3","body":"mind the gap")");
   desk.pass(42);
-  const auto messages = messagesFor(desk.seat("BB3"), desk.at);
+  const auto messages = feedFor(desk.board, desk.seat("BB3"), {}, desk.at).messages;
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages.front().from, "AA2");
   EXPECT_EQ(messages.front().text, "mind the gap");
