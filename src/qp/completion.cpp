@@ -20,19 +20,17 @@ _qp() {
 complete -o default -F _qp qp
 )sh";
 
-constexpr std::string_view zshScript = R"sh(#compdef qp
-# qp in zsh: eval "$(qp completion zsh)"
-_qp() {
-  local - a found found =
-      (${(f) "$(qp __complete " ${(@)words[2, CURRENT]} " 2>/dev/null)"}) if ((${#found}));
-  then compadd-- "${found[@]}";
-  else _files;
+// Without a comment: at a prompt zsh takes one for a command.
+constexpr std::string_view zshScript = R"sh(_qp() {
+  local -a found
+  found=("${(@f)$(qp __complete "${(@)words[2,CURRENT]}" 2>/dev/null)}")
+  if [[ -n "$found" ]]; then
+    compadd -- "${found[@]}"
+  else
+    _files
   fi
 }
-if
-  [[$zsh_eval_context [-1] == loadautofunc]];
-then _qp "$@";
-else compdef _qp qp; fi
+compdef _qp qp
 )sh";
 
 constexpr std::string_view fishScript = R"sh(# qp in fish: qp completion fish | source
