@@ -91,6 +91,11 @@ std::string fillPending(std::vector<VerbReader>& readers, const TextSources& sou
   return {};
 }
 
+/// Whether a program asks for JSON of a wait that prints lines.
+bool asksLinesAsJson(const Call& call) {
+  return call.asJson && json::find(call.options, "follow") != nullptr;
+}
+
 Reading readVerbs(Part words, bool asJson, const TextSources& sources) {
   std::vector<VerbReader> readers;
   for (const Part part : splitAtThen(words)) {
@@ -106,6 +111,8 @@ Reading readVerbs(Part words, bool asJson, const TextSources& sources) {
     const bool isRead = reader.read(part.subspan(1));
     if (asJson) reader.call().asJson = true;
     if (!isRead) return Misuse{reader.why(), tool, reader.call().asJson};
+    if (asksLinesAsJson(reader.call()))
+      return Misuse{"--follow prints lines, and no JSON; leave out one of the two", tool, true};
     if (reader.wantsHelp())
       return Line(OwnCall{Command::help, {std::string(tool->commandLine.name)}});
   }

@@ -209,6 +209,8 @@ TEST(Line, SaysWhatIsWrong) {
        "there is no option -m; a text that begins with \"-\" stands after \"--\""},
       {{"--frobnicate", "plan"},
        "there is no option --frobnicate before a verb; there are --json, --help and --version"},
+      {{"wait", "--follow", "--json"},
+       "--follow prints lines, and no JSON; leave out one of the two"},
       {{"comment", "t1", "\xff"}, "a word of the line is not UTF-8"},
   };
   for (const Row& row : rows)
