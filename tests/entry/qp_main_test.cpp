@@ -24,7 +24,6 @@
 #include <string>
 #include <vector>
 
-
 namespace quillpost {
 namespace {
 
@@ -194,12 +193,10 @@ TEST_F(QpProgram, KeepsOneMemoryForManyAtOnce) {
     commands.push_back(std::make_unique<Process>(
         testing::Command{testing::commandProgram(), {"unwatch", "t1"}, seat()}));
   for (const std::unique_ptr<Process>& command : commands) EXPECT_EQ(command->waitForExit(), 0);
-  EXPECT_TRUE(run({"doctor"}).output.find("nothing") == std::string::npos);
   std::string kept;
   for (const auto& entry : std::filesystem::directory_iterator(home.pathOf("quillpost")))
     kept += testing::readFile(entry.path());
-  EXPECT_GE(kept.find(R"("rev":132)"), 1u) << kept;
-  EXPECT_NE(kept.find(R"("rev":13)"), std::string::npos) << kept;
+  EXPECT_NE(kept.find(R"("rev":132)"), std::string::npos) << kept;
 }
 
 TEST_F(QpProgram, GoesOnWhereNothingCanBeRemembered) {
