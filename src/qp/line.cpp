@@ -80,7 +80,7 @@ std::string fillPending(std::vector<VerbReader>& readers, const TextSources& sou
       std::optional<std::string> text =
           pending.path.empty() ? sources.input() : sources.file(pending.path);
       if (!text) {
-        const std::string_view place = pending.path.empty() ? "standard input" : pending.path;
+        const std::string place = pending.path.empty() ? "standard input" : pending.path;
         return text::cat(place, " cannot be read as a text in UTF-8 of at most 1 MiB");
       }
       if (text->ends_with('\n')) text->pop_back();
@@ -119,6 +119,7 @@ Reading readVerbs(Part words, bool asJson, const TextSources& sources) {
   std::string why = fillPending(readers, sources);
   if (!why.empty()) return Misuse{std::move(why), nullptr, readers.front().call().asJson};
   std::vector<Call> calls;
+  calls.reserve(readers.size());
   for (VerbReader& reader : readers) calls.push_back(std::move(reader.call()));
   return Line(std::move(calls));
 }
