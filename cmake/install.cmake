@@ -4,18 +4,18 @@
 include(GNUInstallDirs)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
-install(TARGETS quillpost-teamwork RUNTIME COMPONENT teamwork)
+install(TARGETS quillpost-teamwork qp RUNTIME COMPONENT teamwork)
 if(TARGET quillpost-board)
   install(TARGETS quillpost-board RUNTIME COMPONENT board EXCLUDE_FROM_ALL)
 endif()
 
-install(FILES man/quillpost-teamwork.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
+install(FILES man/quillpost-teamwork.1 man/qp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
 
 file(GLOB pages CONFIGURE_DEPENDS *.md)
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT teamwork)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT teamwork
   FILES_MATCHING PATTERN "*.md")
-foreach(harness claude codex cursor antigravity)
+foreach(harness claude codex cursor antigravity git)
   install(DIRECTORY contrib/${harness} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
     COMPONENT teamwork USE_SOURCE_PERMISSIONS)
 endforeach()

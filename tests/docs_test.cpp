@@ -5,10 +5,12 @@
 
 #include "base/text.h"
 #include "docs/blocks.h"
+#include "docs/command_page.h"
 #include "docs/protocol_page.h"
 #include "docs/tools_page.h"
 #include "harness/golden.h"
 #include "harness/paths.h"
+#include "harness/process.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -33,6 +35,18 @@ TEST(Docs, TheProtocolPageIsWhatTheFieldTablesSay) {
 TEST(Docs, TheToolsPageIsWhatTheCatalogueSays) {
   const std::string path = pathOf("tools.md");
   EXPECT_TRUE(matchesGolden(path, filled(readFile(path), toolBlocks())));
+}
+
+TEST(Docs, TheManualOfTheCommandLineIsWhatTheProgramPrints) {
+  testing::Process command({testing::commandProgram(), {"__manual"}, {}});
+  EXPECT_TRUE(matchesGolden(testing::inSources("man/qp.1"), command.restOfOutput()));
+  EXPECT_EQ(command.waitForExit(), 0);
+}
+
+TEST(Docs, ThePageOfTheCommandLineIsWhatItsHelpSays) {
+  const std::string path = pathOf("qp.md");
+  EXPECT_TRUE(matchesGolden(path, filled(readFile(path), commandBlocks())));
+  for (const auto& [name, ignored] : commandBlocks()) EXPECT_EQ(countOf(readFile(path), name), 1);
 }
 
 TEST(Docs, EveryBlockHasItsPlaceOnItsPage) {

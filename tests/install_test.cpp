@@ -80,6 +80,8 @@ bool isExecutable(const std::string& path) {
 std::vector<std::string> expectedFiles() {
   const std::string doc = "share/doc/quillpost-teamwork/", own = "share/quillpost-teamwork/";
   std::vector<std::string> files = {"bin/quillpost-teamwork",
+                                    "bin/qp",
+                                    "share/man/man1/qp.1",
                                     "share/man/man1/quillpost-teamwork.1",
                                     doc + "README.md",
                                     doc + "ARCHITECTURE.md",
@@ -87,6 +89,7 @@ std::vector<std::string> expectedFiles() {
                                     doc + "CHANGELOG.md",
                                     doc + "docs/protocol.md",
                                     doc + "docs/tools.md",
+                                    doc + "docs/qp.md",
                                     doc + "docs/porting.md",
                                     doc + "docs/setup-claude.md",
                                     doc + "docs/setup-codex.md",
@@ -102,7 +105,8 @@ std::vector<std::string> expectedFiles() {
                                     own + "cursor/stop-hook",
                                     own + "antigravity/mcp_config.json",
                                     own + "antigravity/hooks.json",
-                                    own + "antigravity/stop-hook"};
+                                    own + "antigravity/stop-hook",
+                                    own + "git/pre-commit"};
 #ifndef __APPLE__
   files.push_back(doc + "licences/boost");
   files.push_back(doc + "licences/libstdc++");
@@ -116,6 +120,8 @@ void expectInstallation(const std::string& prefix) {
   EXPECT_THAT(files, IsSupersetOf(expectedFiles()));
   for (const std::string& file : files) EXPECT_THAT(file, Not(HasSubstr("quillpost-board")));
   EXPECT_TRUE(isExecutable(prefix + "/bin/quillpost-teamwork"));
+  EXPECT_TRUE(isExecutable(prefix + "/bin/qp"));
+  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/git/pre-commit"));
   EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/cursor/stop-hook"));
   EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/antigravity/stop-hook"));
   EXPECT_THAT(readFile(prefix + "/share/doc/quillpost-teamwork/licences/utf8proc"),

@@ -42,19 +42,30 @@ ToolReply inWords(std::string_view text, CallEnd end) {
   return {.text = json::EscapedText(text), .end = end};
 }
 
+/// Fills in the question of an update that blocks its task; a reply when it may not be asked.
+std::optional<ToolReply> addQuestion(std::string_view tool, const Arguments& arguments,
+                                     TeamworkRequest& request) {
+  if (tool != updateTask || !request.blocked.value_or(false)) return std::nullopt;
+  BlockerQuestion question = composeBlockerQuestion(arguments);
+  request.blockerQuestion = std::move(question.text);
+  if (!question.refusedLength) return std::nullopt;
+  return inWords(texts::blockerQuestionTooLong(*question.refusedLength), CallEnd::refusedUnsent);
+}
+
 }  // namespace
+
+std::optional<ToolReply> refusalOf(std::string_view tool, const Arguments& arguments) {
+  TeamworkRequest request;
+  fillFromArguments(request, tool, arguments);
+  return addQuestion(tool, arguments, request);
+}
 
 ToolReply callBoard(std::string_view tool, const Arguments& arguments, Seat& seat) {
   TeamworkRequest request = requestFrom(seat, tool);
   fillFromArguments(request, tool, arguments);
   if (tool == setGoal) request.name = composeGoal(arguments);
-  if (tool == updateTask && request.blocked.value_or(false)) {
-    BlockerQuestion question = composeBlockerQuestion(arguments);
-    if (question.refusedLength)
-      return inWords(texts::blockerQuestionTooLong(*question.refusedLength),
-                     CallEnd::refusedUnsent);
-    request.blockerQuestion = std::move(question.text);
-  }
+  if (std::optional<ToolReply> refusal = addQuestion(tool, arguments, request))
+    return *std::move(refusal);
   if (request.token.empty()) return inWords(texts::outsideThread, CallEnd::outsideThread);
 
   std::optional<TeamworkResponse> answer = sendWithRetry(request, seat);

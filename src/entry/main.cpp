@@ -9,6 +9,7 @@
 #include "bridge/transport.h"
 #include "calls/seat.h"
 #include "entry/settings.h"
+#include "entry/standard_descriptors.h"
 #include "entry/stop_hook.h"
 #include "mcp/stdio_server.h"
 
@@ -17,20 +18,12 @@
 #include <span>
 #include <string_view>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace quillpost {
 namespace {
 
 constexpr std::string_view hookArgument = "--wake-stop-hook";
-
-/// A standard descriptor that was closed at start becomes the null device: the first socket would
-/// get its number otherwise, and what is meant for a reader would go to the app.
-void fillStandardDescriptors() {
-  for (const int fd : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO})
-    if (::fcntl(fd, F_GETFD) < 0) ::open("/dev/null", O_RDWR | O_NOCTTY);
-}
 
 SocketBridge bridgeFor(const Settings& settings) {
   return SocketBridge({.socketPath = settings.socketPath,

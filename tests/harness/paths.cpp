@@ -10,6 +10,8 @@ std::string seatProgram() { return QUILLPOST_BUILD_DIR "/quillpost-teamwork"; }
 
 std::string boardProgram() { return QUILLPOST_BUILD_DIR "/quillpost-board"; }
 
+std::string commandProgram() { return QUILLPOST_BUILD_DIR "/qp"; }
+
 std::string inSources(std::string_view path) { return text::cat(QUILLPOST_SOURCE_DIR "/", path); }
 
 std::string inTests(std::string_view path) { return inSources(text::cat("tests/", path)); }

@@ -10,6 +10,7 @@ namespace quillpost::testing {
 /// The built programs.
 std::string seatProgram();
 std::string boardProgram();
+std::string commandProgram();
 
 /// A file of the repository, and one of its tests folder, by the path from there.
 std::string inSources(std::string_view path);

@@ -32,7 +32,7 @@ std::vector<Include> includesOf(const Source& source) {
 /// that fits a file is its own.
 struct FolderRow {
   std::string_view folder;
-  std::array<std::string_view, 9> mayInclude;
+  std::array<std::string_view, 10> mayInclude;
 };
 
 // clang-format off
@@ -46,7 +46,8 @@ constexpr FolderRow folderTable[] = {
     {"src/render/",       {"render/", "tools/", "model/", "json/", "base/"}},
     {"src/calls/",        {"calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
     {"src/mcp/",          {"mcp/", "calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
-    {"src/entry/",        {"entry/", "mcp/", "calls/", "render/", "tools/", "bridge/", "model/", "json/", "base/"}},
+    {"src/qp/",           {"qp/", "calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
+    {"src/entry/",        {"entry/", "mcp/", "qp/", "calls/", "render/", "tools/", "bridge/", "model/", "json/", "base/"}},
     {"board/",            {"board/", "tools/tool_name.h", "model/", "json/", "base/", "bridge/unix_socket.h"}},
 };
 // clang-format on

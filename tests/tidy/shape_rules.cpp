@@ -64,8 +64,9 @@ bool isDocumented(const Source& source, std::size_t line) {
 }
 
 bool isOneOf(std::string_view folder) {
-  constexpr auto folders = std::to_array<std::string_view>(
-      {"base", "json", "model", "bridge", "tools", "render", "calls", "mcp", "entry", "harness"});
+  constexpr auto folders =
+      std::to_array<std::string_view>({"base", "json", "model", "bridge", "tools", "render",
+                                       "calls", "mcp", "qp", "entry", "harness"});
   return std::ranges::count(folders, folder) > 0 || folder.starts_with("board/");
 }
 

@@ -39,6 +39,15 @@ TEST(Options, MayStandBeforeOrAfterTheCommand) {
   }
 }
 
+TEST(Options, EachFillsItsOwnPlace) {
+  const auto options = read({"--dir", "/d", "--db", "/b", "--suffix", "s", "--thread", "t"});
+  ASSERT_TRUE(options);
+  EXPECT_EQ(options->directory, "/d");
+  EXPECT_EQ(options->database, "/b");
+  EXPECT_EQ(options->suffix, "s");
+  EXPECT_EQ(options->request.name, "t");
+}
+
 TEST(Options, AfterTwoDashesAWordMayBeginWithAnything) {
   const auto options = read({"say", "KQ3", "--", "--help yourself"});
   ASSERT_TRUE(options);

@@ -114,7 +114,9 @@ TEST(Reviews, AreAskedOfThoseWhoMayAndAnsweredByThemAlone) {
   desk.ask("BB3", "complete_task", Desk::on(id) + R"(,"summary":"did it")");
   EXPECT_TRUE(
       wasRefused(desk.ask("CC4", "verify_task", Desk::on(id) + R"(,"approve":true)"), "No review"));
-  EXPECT_TRUE(wasWritten(desk.ask("BB3", "request_review", Desk::on(id))));
+  const auto request = desk.ask("BB3", "request_review", Desk::on(id));
+  EXPECT_TRUE(wasWritten(request));
+  EXPECT_EQ(request.notice, std::nullopt);
   EXPECT_EQ(desk.view("AA2", id).reviewState, "requested");
   EXPECT_TRUE(desk.isWoken("CC4", "reviewRequested " + id));
   EXPECT_FALSE(desk.isWoken("AA2", "reviewRequested " + id));
@@ -125,6 +127,16 @@ TEST(Reviews, AreAskedOfThoseWhoMayAndAnsweredByThemAlone) {
   EXPECT_EQ(desk.view("AA2", id).reviewState, "rejected");
   EXPECT_EQ(desk.view("AA2", id).reviewByFingerprint, desk.mark("CC4"));
   EXPECT_TRUE(desk.isWoken("BB3", "reviewVerdict " + id));
+}
+
+TEST(Reviews, CanBeAskedForWhileNobodyMayGiveThem) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  const auto request = desk.ask("BB3", "request_review", Desk::on(id));
+  EXPECT_TRUE(wasWritten(request));
+  EXPECT_EQ(request.notice, "Nobody who may give a verdict is here now.");
+  EXPECT_EQ(desk.view("AA2", id).reviewState, "requested");
 }
 
 TEST(Reviews, OnesOwnWorkIsNotOnesToJudge) {

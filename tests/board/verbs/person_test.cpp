@@ -9,6 +9,7 @@ namespace quillpost::board {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::IsEmpty;
 
 TEST(Person, SpeaksToAnAgentThatIsHome) {
   Desk desk;
@@ -24,7 +25,7 @@ TEST(Person, AnsweringUnblocksABlockedTaskAndIsACommentOnAnother) {
   Desk desk;
   const std::string id = desk.add("one");
   const auto kindsOfAnswering = [&] {
-    const int64_t rev = desk.board.thread().rev;
+    const int64_t rev = desk.board.counters().rev;
     EXPECT_TRUE(wasWritten(desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")")));
     return feedFor(desk.board, desk.seat("AA2"), {rev, {}, true}, desk.at).changeKinds;
   };
@@ -32,6 +33,31 @@ TEST(Person, AnsweringUnblocksABlockedTaskAndIsACommentOnAnother) {
   desk.claim("BB3", id);
   desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
   EXPECT_THAT(kindsOfAnswering(), ElementsAre("taskUnblocked"));
+}
+
+TEST(Person, AnAnswerToABlockerIsForWhoIsBlockedAndWhoHoldsTheTask) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+  desk.settle();
+  desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")");
+  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("blockerAnswered " + id));
+  EXPECT_THAT(desk.wakes("AA2"), IsEmpty()) << "it only filed the task";
+  desk.settle();
+  desk.person(personAnswer, Desk::on(id) + R"(,"body":"and hurry")");
+  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanReplied " + id));
+  EXPECT_THAT(desk.wakes("AA2"), ElementsAre("humanReplied " + id));
+}
+
+TEST(Person, AnAnswerToOnesOwnBlockerReachesWhoeverFiledTheTaskToo) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("AA2", id);
+  desk.ask("AA2", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+  desk.ask("AA2", "release_task", Desk::on(id));
+  desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")");
+  EXPECT_THAT(desk.wakes("AA2"), ElementsAre("blockerAnswered " + id));
 }
 
 TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {

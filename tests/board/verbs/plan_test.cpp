@@ -29,6 +29,19 @@ TEST(Goal, IsProposedByAgentsAndConfirmedByThePerson) {
   EXPECT_TRUE(wasWritten(desk.claim("BB3", id)));
 }
 
+TEST(Goal, OpenTasksHoldItBackInWordsThatFitTheirNumber) {
+  Desk desk;
+  desk.ask("AA2", "set_goal", R"("name":"Ship")");
+  desk.add("one");
+  EXPECT_EQ(desk.ask("AA2", "propose_goal_complete").message,
+            "1 task is still open. Look at list_tasks; when the goal is done without it, pass "
+            "acknowledgeOpenTasks true.");
+  desk.add("two");
+  EXPECT_EQ(desk.ask("AA2", "propose_goal_complete").message,
+            "2 tasks are still open. Look at list_tasks; when the goal is done without them, pass "
+            "acknowledgeOpenTasks true.");
+}
+
 TEST(Goal, ANewOneTakesTheProposalBack) {
   Desk desk;
   desk.ask("AA2", "set_goal", R"("name":"Ship")");

@@ -1,0 +1,137 @@
+// The command line's program. The real doors are made here, and here alone the process writes and
+// ends.
+
+#include "base/clock.h"
+#include "base/environment.h"
+#include "base/files.h"
+#include "base/output.h"
+#include "base/unicode.h"
+#include "bridge/transport.h"
+#include "entry/settings.h"
+#include "entry/standard_descriptors.h"
+#include "qp/run.h"
+
+#include <array>
+#include <chrono>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <sys/time.h>
+#include <unistd.h>
+
+namespace quillpost {
+namespace {
+
+constexpr std::string_view completing = "__complete";
+// Longer than a board on this machine takes, and no wait for a person who typed a tab.
+constexpr timeval completionTime = {.tv_sec = 0, .tv_usec = 200'000};
+
+/// The app, found when it is first needed, and looked for anew while it does not answer: one that
+/// starts anew may have another socket.
+class FoundBridge final : public Bridge {
+ public:
+  explicit FoundBridge(const Environment& environment) : environment_(environment) {}
+
+  std::string currentToken() override { return found().currentToken(); }
+
+  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override {
+    std::optional<TeamworkResponse> answer = found().send(request);
+    if (!answer && !environment_.get("QUILLPOST_COLLAB_SOCKET")) bridge_.reset();
+    return answer;
+  }
+
+  std::size_t lastReplyBytes() const override { return bridge_ ? bridge_->lastReplyBytes() : 0; }
+
+  /// Where it is looked for.
+  Places places() {
+    found();
+    return {.socketPath = settings_.socketPath,
+            .tokenFilePath = settings_.tokenFilePath,
+            .hasStartToken = !settings_.token.empty()};
+  }
+
+ private:
+  SocketBridge& found() {
+    if (!bridge_) {
+      DiskDiscovery discovery(environment_);
+      settings_ = readSettings(environment_, discovery);
+      bridge_.emplace(SocketBridge::Access{.socketPath = settings_.socketPath,
+                                           .tokenFilePath = settings_.tokenFilePath,
+                                           .startToken = settings_.token});
+    }
+    return *bridge_;
+  }
+
+  const Environment& environment_;
+  Settings settings_;
+  std::optional<SocketBridge> bridge_;
+};
+
+/// Standard input to its end; nothing when it is no text, or a larger one than a small file.
+std::optional<std::string> readStandardInput() {
+  FdInput input(STDIN_FILENO);
+  constexpr std::size_t pieceBytes = 65'536;
+  const auto piece = std::make_unique_for_overwrite<char[]>(pieceBytes);
+  std::string whole;
+  while (const std::size_t count = input.read({piece.get(), pieceBytes})) {
+    whole.append(piece.get(), count);
+    if (whole.size() > files::smallFileLimit) return std::nullopt;
+  }
+  if (!unicode::isValid(whole)) return std::nullopt;
+  return whole;
+}
+
+/// Ends this process when a tab has been waited for long enough. What was found by then is printed.
+void endSoon() {
+  std::signal(SIGALRM, [](int /*signal*/) { ::_exit(0); });
+  const itimerval timer = {.it_interval = {}, .it_value = completionTime};
+  ::setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
+Console consoleFor(FdOutput& output, FdOutput& errors, const Environment& environment) {
+  const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
+  const bool isPlain = !environment.get("NO_COLOR").value_or("").empty() ||
+                       environment.get("TERM").value_or("dumb") == "dumb";
+  return {.output = output,
+          .errors = errors,
+          .isTerminal = isTerminal,
+          .hasColour = isTerminal && !isPlain};
+}
+
+int run(const std::vector<std::string>& words) {
+  if (!words.empty() && words.front() == completing) endSoon();
+  const ProcessEnvironment environment;
+  const std::string sessionID = environment.get("QUILLPOST_SESSION_ID").value_or("");
+  SteadyClock clock;
+  FoundBridge bridge(environment);
+  ProcessLifetime lifetime(sessionID);
+  FdOutput output(STDOUT_FILENO), errors(STDERR_FILENO);
+  const Status status =
+      runLine(words, {.doors = {.clock = clock, .environment = environment, .bridge = bridge},
+                      .sessionID = sessionID,
+                      .memory = memoryPlaces(environment),
+                      .lifetime = lifetime,
+                      .console = consoleFor(output, errors, environment),
+                      .texts = {.input = readStandardInput, .file = files::readSmallText},
+                      .places = [&bridge] { return bridge.places(); }});
+  return static_cast<int>(status);
+}
+
+}  // namespace
+}  // namespace quillpost
+
+int main(int count, char** arguments) {
+  quillpost::fillStandardDescriptors();
+  try {
+    return quillpost::run({arguments + 1, arguments + count});
+  } catch (...) {
+    // What a library throws when memory runs out.
+    return static_cast<int>(quillpost::Status::noBoard);
+  }
+}

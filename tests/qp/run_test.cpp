@@ -1,0 +1,373 @@
+// Whole lines against a scripted app: what is sent, what is printed where, and how it ends.
+
+#include "qp/run.h"
+
+#include "base/text.h"
+#include "calls/tool_call.h"
+#include "harness/dice.h"
+#include "qp/command.h"
+#include "tools/tool_name.h"
+#include "tools/tools.h"
+
+#include <gtest/gtest.h>
+
+namespace quillpost {
+namespace {
+
+using testing::responseFrom;
+
+constexpr std::string_view outsideThread =
+    "This terminal isn't in a Thread, so there is no board to read. Open this terminal inside a "
+    "Quillpost Thread and try again.";
+
+struct LineRun : CommandTest {};
+
+TEST_F(LineRun, PrintsTheVeryTextOfTheToolAndItsThread) {
+  otherwise = R"({"kind":"written","message":"Taken.","threadTag":"T-abc123"})";
+  EXPECT_EQ(run({"unwatch", "t1"}), 0);
+  EXPECT_TRUE(out.text.starts_with("Taken.\n\n")) << out.text;
+  EXPECT_TRUE(out.text.ends_with("\n\n(thread T-abc123)\n")) << out.text;
+  EXPECT_EQ(err.text, "");
+  EXPECT_EQ(sent("taskID"), R"("t1")");
+}
+
+TEST_F(LineRun, HeadsEachOfSeveralVerbs) {
+  bridge.answers("claim_task", responseFrom(R"({"kind":"error","message":"x"})"));
+  otherwise = R"({"kind":"empty","message":"None."})";
+  EXPECT_EQ(run({"show", "t000012", "then", "messages"}), 0);
+  EXPECT_EQ(out.text, "[1/2] read_task t000012\nNone.\n\n[2/2] read_messages\nNone.\n");
+  EXPECT_EQ(err.text, "");
+}
+
+TEST_F(LineRun, SendsNothingWhenAnyVerbIsWrong) {
+  EXPECT_EQ(run({"claim", "t1", "then", "done", "t1"}), 2);
+  EXPECT_TRUE(bridge.requests.empty());
+  EXPECT_EQ(out.text, "");
+  EXPECT_EQ(err.text, "qp: done wants <summary>\nusage: qp done <taskID> <summary> [--json]\n");
+}
+
+TEST_F(LineRun, SendsNothingWhenAQuestionIsTooLong) {
+  const std::string question(141, 'x');
+  EXPECT_EQ(
+      run({"claim", "t1", "then", "update", "t1", "--blocked", "--blocker-question", question}), 1);
+  EXPECT_TRUE(bridge.requests.empty());
+  EXPECT_TRUE(out.text.starts_with("blockerQuestion is 141 characters")) << out.text;
+  EXPECT_EQ(err.text, "qp: nothing of the line was sent\n");
+}
+
+TEST_F(LineRun, EndsALineWithTheFirstRefusalAndSaysWhatWasNotTried) {
+  bridge.answers("claim_task", responseFrom(R"({"kind":"error","message":"Held by #a3f9."})"));
+  EXPECT_EQ(run({"plan", "then", "claim", "t1", "then", "show", "t1", "then", "tasks"}), 1);
+  EXPECT_EQ(bridge.requests.size(), 2u);
+  EXPECT_TRUE(out.text.ends_with("[2/4] claim_task t1\nHeld by #a3f9.\n")) << out.text;
+  EXPECT_EQ(err.text, "qp: [2/4] claim_task t1 was refused; not tried: read_task, list_tasks\n");
+}
+
+/// Each ending with its status: scripts rely on the numbers.
+TEST(Status, OfEachEndingIsANumberThatStays) {
+  struct Row {
+    CallEnd end;
+    int status;
+  };
+  constexpr Row rows[] = {
+      {CallEnd::answered, 0},      {CallEnd::moved, 0},           {CallEnd::refused, 1},
+      {CallEnd::refusedUnsent, 1}, {CallEnd::nothingToWaitOn, 1}, {CallEnd::timedOut, 3},
+      {CallEnd::outsideThread, 4}, {CallEnd::unreachable, 4},     {CallEnd::callerGone, 129}};
+  static_assert(std::size(rows) == endRows.size());
+  for (const Row& row : rows) EXPECT_EQ(static_cast<int>(statusOf(row.end)), row.status);
+  EXPECT_EQ(static_cast<int>(Status::misuse), 2);
+}
+
+TEST_F(LineRun, SaysThatThereIsNoBoard) {
+  bridge.token = "";
+  EXPECT_EQ(run({"tasks"}), 4);
+  EXPECT_EQ(out.text, text::cat(outsideThread, "\n"));
+  EXPECT_EQ(run({"tasks", "--json"}), 4);
+  EXPECT_EQ(out.text, "");
+  EXPECT_EQ(err.text, text::cat(R"({"error":")", outsideThread, R"(","status":4})", "\n"));
+  bridge.token = "tok";
+  bridge.otherwise = [](const TeamworkRequest&) { return testing::FakeAnswer(); };
+  EXPECT_EQ(run({"tasks", "then", "plan"}), 4);
+  EXPECT_EQ(err.text, "qp: [1/2] list_tasks did not reach the board; not tried: read_plan\n");
+  sessionID = "";
+  EXPECT_EQ(run({"wait"}), 4);
+}
+
+TEST_F(LineRun, PrintsNothingButJsonForAProgram) {
+  otherwise = R"({"kind":"agents","agents":[],"threadTag":"T-1"})";
+  EXPECT_EQ(run({"agents", "--json"}), 0);
+  const std::size_t end = out.text.find('\n');
+  EXPECT_EQ(end, out.text.size() - 1) << out.text;
+  EXPECT_TRUE(json::parse(out.text)) << out.text;
+  EXPECT_TRUE(err.text.ends_with("(thread T-1)\n")) << err.text;
+  otherwise = R"({"kind":"written","message":"Left.","threadTag":"T-1"})";
+  EXPECT_EQ(run({"--json", "leave", "then", "leave"}), 0);
+  EXPECT_EQ(out.text, "{\"text\":\"Left.\"}\n{\"text\":\"Left.\"}\n");
+  EXPECT_EQ(err.text, "(thread T-1)\n(thread T-1)\n");
+}
+
+TEST_F(LineRun, TellsAProgramWhyAVerbFailed) {
+  bridge.answers("claim_task", responseFrom(R"({"kind":"error","message":"Held \"now\"."})"));
+  EXPECT_EQ(run({"claim", "t1", "--json"}), 1);
+  EXPECT_EQ(out.text, "");
+  EXPECT_EQ(err.text, R"({"error":"Held \"now\".","status":1})"
+                      "\n");
+  EXPECT_EQ(run({"claim", "--json"}), 2);
+  EXPECT_EQ(out.text, "");
+  EXPECT_EQ(err.text, R"({"error":"claim wants <taskID>","status":2})"
+                      "\n");
+}
+
+TEST_F(LineRun, RemembersFromOneCommandToTheNext) {
+  bridge.answers("register", responseFrom(R"({"kind":"registered","rev":41,"agent":)"
+                                          R"({"id":"a","name":"","status":"",)"
+                                          R"("canVerify":false,"activeClaims":0,)"
+                                          R"("fingerprint":"#a3f9","handle":"KQ3",)"
+                                          R"("leaseSecondsRemaining":9,"isSelf":true}})"));
+  run({"register"});
+  bridge.answers(
+      "poll_changes",
+      responseFrom(R"({"kind":"changes","changes":{"rev":42,"changed":true,"goal":"",)"
+                   R"("goalComplete":false,"pendingGoalComplete":false,"changeKinds":[],)"
+                   R"("tasks":[]}})"));
+  EXPECT_EQ(run({"wait"}), 0);
+  EXPECT_EQ(sent("sinceRev"), "41");
+  EXPECT_NE(out.text.find(R"("waitSeq":1,"rev":42)"), std::string::npos) << out.text;
+  bridge.answers(
+      "poll_changes",
+      responseFrom(R"({"kind":"changes","changes":{"rev":43,"changed":true,"goal":"",)"
+                   R"("goalComplete":false,"pendingGoalComplete":false,"changeKinds":[],)"
+                   R"("tasks":[]}})"));
+  EXPECT_EQ(run({"wait"}), 0);
+  EXPECT_EQ(sent("sinceRev"), "42");
+  EXPECT_NE(out.text.find(R"("waitSeq":2)"), std::string::npos) << out.text;
+}
+
+TEST_F(LineRun, EndsQuietlyWhenNobodyReads) {
+  readsWrites = 0;
+  EXPECT_EQ(run({"unwatch", "t1"}), 129);
+  EXPECT_EQ(err.text, "");
+  EXPECT_EQ(run({"--help"}), 129);
+}
+
+TEST_F(LineRun, LetsNobodySteerAPersonsTerminal) {
+  otherwise = "{\"kind\":\"error\",\"message\":\"a\\u001b[2Jb\"}";
+  isTerminal = true;
+  EXPECT_EQ(run({"unwatch", "t1"}), 1);
+  EXPECT_EQ(out.text, "a\u241b[2Jb\n");
+  isTerminal = false;
+  EXPECT_EQ(run({"unwatch", "t1"}), 1);
+  EXPECT_EQ(out.text, "a\x1b[2Jb\n");
+}
+
+// --- Waiting
+// --------------------------------------------------------------------------------------
+
+struct WaitRun : CommandTest {
+  static std::string feed(int64_t rev, std::string_view more) {
+    return text::cat(
+        R"({"kind":"changes","changes":{"rev":)", rev,
+        R"(,"changed":false,"goal":"","goalComplete":false,"pendingGoalComplete":false,)"
+        R"("changeKinds":[],"tasks":[])",
+        more, "}}");
+  }
+  /// A board that holds every poll for as long as it is asked to and has no news.
+  void holdForever() {
+    bridge.otherwise = [](const TeamworkRequest& request) {
+      if (request.method != "poll_changes")
+        return testing::FakeAnswer{.response = responseFrom(R"({"kind":"written"})")};
+      return testing::FakeAnswer{.response = responseFrom(feed(7, "")),
+                                 .took = std::chrono::milliseconds(request.holdMs.value_or(0))};
+    };
+  }
+};
+
+TEST_F(WaitRun, HasNoDeadline) {
+  holdForever();
+  bridge.answers("poll_changes", responseFrom(feed(7, "")));
+  lifetime.leavesAfter = 4'400;
+  EXPECT_EQ(run({"wait"}), 129);
+  EXPECT_GE(clock.elapsed(), std::chrono::hours(24));
+  EXPECT_EQ(out.text, "");
+  EXPECT_EQ(err.text, "qp: whoever started this wait has gone, and it ends with them\n");
+  EXPECT_EQ(lifetime.begun, 1);
+}
+
+TEST_F(WaitRun, SendsNothingMoreOnceWhoeverStartedItHasGone) {
+  holdForever();
+  lifetime.leavesAfter = 0;
+  EXPECT_EQ(run({"wait"}), 129);
+  EXPECT_TRUE(bridge.requests.empty());
+}
+
+TEST_F(WaitRun, SendsOneHeartbeatEveryTwentySecondsAndOnePollBetween) {
+  holdForever();
+  bridge.answers("poll_changes", responseFrom(feed(7, "")));
+  lifetime.leavesAfter = 4;
+  run({"wait", "--park-reason", "the schema", "--stand-down"});
+  EXPECT_EQ(bridge.timeline,
+            "  0.0  heartbeat\n"
+            "  0.0  poll_changes sinceRev=0\n"
+            "  2.0  poll_changes sinceRev=7 holdMs=18000\n"
+            " 20.0  heartbeat\n"
+            " 20.0  poll_changes sinceRev=7 holdMs=20000\n"
+            " 40.0  heartbeat\n"
+            " 40.0  poll_changes sinceRev=7 holdMs=20000\n");
+}
+
+TEST_F(WaitRun, EndsWithItsOwnStatusWhenItsTimeIsOver) {
+  holdForever();
+  EXPECT_EQ(run({"wait", "--timeout", "100"}), 3);
+  EXPECT_EQ(clock.elapsed(), std::chrono::seconds(100));
+  EXPECT_NE(out.text.find("nextStep"), std::string::npos);
+  EXPECT_EQ(run({"wait", "--timeout", "1", "then", "tasks"}), 3) << "the line goes on";
+}
+
+TEST_F(WaitRun, GoesOnWhileTheAppIsAway) {
+  bridge.otherwise = [this](const TeamworkRequest& request) {
+    const bool isBack = clock.elapsed() > std::chrono::minutes(10);
+    if (!isBack || request.method != "poll_changes") return testing::FakeAnswer();
+    return testing::FakeAnswer{
+        .response = responseFrom(feed(9, R"(,"wakeReasons":[{"kind":"k","summary":"s"}])"))};
+  };
+  EXPECT_EQ(run({"wait"}), 0);
+  EXPECT_NE(out.text.find(R"("rev":9)"), std::string::npos);
+  EXPECT_EQ(err.text, "");
+  EXPECT_LE(bridge.requests.size(), 600u / 2 + 600u / 20 + 5u) << "a try every two seconds";
+}
+
+TEST_F(WaitRun, EndsWhenTheBoardRefuses) {
+  bridge.answers("poll_changes", responseFrom(R"({"kind":"error","message":"No such seat."})"));
+  EXPECT_EQ(run({"wait"}), 1);
+  EXPECT_EQ(out.text, "No such seat.\n");
+}
+
+TEST_F(WaitRun, FollowsLineByLineAndRemembersEachMove) {
+  holdForever();
+  bridge.answers("poll_changes", responseFrom(feed(7, "")));
+  bridge.answers("poll_changes",
+                 responseFrom(feed(8, R"(,"wakeReasons":[{"kind":"k","summary":"t1 is READY"}])")));
+  bridge.answers("poll_changes",
+                 responseFrom(feed(9, R"(,"messages":[{"id":"m1","from":"KQ3",)"
+                                      R"("fromName":"","text":"hi","ageSeconds":0}])")));
+  lifetime.leavesAfter = 20;
+  EXPECT_EQ(run({"wait", "--follow"}), 129);
+  EXPECT_EQ(out.text, "r8 woken: t1 is READY\nr9 message from KQ3: hi\n");
+  EXPECT_EQ(out.writes, 2);
+  lifetime = {};
+  lifetime.leavesAfter = 1;
+  bridge.requests.clear();
+  run({"wait"});
+  EXPECT_EQ(sent("sinceRev"), "7") << "the quiet polls after it said so";
+}
+
+TEST_F(WaitRun, FollowsUntilTheGoalIsCompleteAndNothingIsOwed) {
+  std::string complete = feed(8, "");
+  complete.replace(complete.find("\"goalComplete\":false"), 20, "\"goalComplete\":true");
+  std::string owing = complete;
+  owing.insert(owing.size() - 1, R"(,"obligations":{"clear":false,"tasksHeld":["t1"]})");
+  std::string clear = complete;
+  clear.insert(clear.size() - 1, R"(,"obligations":{"clear":true})");
+  bridge.answers("poll_changes", responseFrom(owing));
+  bridge.answers("poll_changes", responseFrom(owing));
+  bridge.answers("poll_changes", responseFrom(clear));
+  EXPECT_EQ(run({"wait", "--follow"}), 0);
+  EXPECT_EQ(out.text, "r8 the goal is confirmed complete\n");
+}
+
+TEST_F(WaitRun, StopsFollowingWhenNobodyReads) {
+  bridge.answers("poll_changes",
+                 responseFrom(feed(8, R"(,"wakeReasons":[{"kind":"k","summary":"s"}])")));
+  holdForever();
+  readsWrites = 0;
+  EXPECT_EQ(run({"wait", "--follow"}), 129);
+  EXPECT_EQ(bridge.requests.size(), 2u);
+}
+
+// --- The promise: the same request and the same words as the tool
+// ---------------------------------
+
+/// A line for a tool with random arguments, and the same arguments as a client gives them.
+struct SameCall {
+  std::vector<std::string> words;
+  json::TreeObject arguments;
+};
+
+SameCall randomCall(const Tool& tool, testing::Dice& dice) {
+  SameCall same;
+  same.words.emplace_back(tool.name);
+  for (const Property& property : tool.properties) {
+    if (property.need == Need::optional && dice.flip()) continue;
+    std::string text;
+    do dice.fill(text);
+    while (text == "-");
+    const std::string option = text::cat("--", property.name);
+    boost::json::array list;
+    switch (property.type) {
+      case Type::string:
+        same.words.push_back(text::cat(option, "=", text));
+        same.arguments[property.name] = text;
+        break;
+      case Type::integer: {
+        int64_t number = 0;
+        dice.fill(number);
+        same.words.push_back(text::cat(option, "=", number));
+        same.arguments[property.name] = number;
+        break;
+      }
+      case Type::boolean: {
+        const bool flag = dice.flip();
+        same.words.push_back(text::cat(option, flag ? "=true" : "=false"));
+        same.arguments[property.name] = flag;
+        break;
+      }
+      case Type::strings:
+        for (std::size_t left = 2 + dice.below(2); left > 0; --left) {
+          dice.fill(text);
+          same.words.push_back(text::cat(option, "=", text));
+          list.emplace_back(text);
+        }
+        same.arguments[property.name] = list;
+        break;
+    }
+  }
+  return same;
+}
+
+TEST_F(LineRun, MakesTheSameRequestAndGivesTheSameWordsAsTheTool) {
+  constexpr uint64_t seeds = 60;
+  for (const Tool& tool : tools) {
+    if (tool.name == waitForChanges) continue;
+    for (uint64_t seed = 1; seed <= seeds; ++seed) {
+      testing::Dice dice(seed);
+      const SameCall same = randomCall(tool, dice);
+      TeamworkResponse answer;
+      dice.fill(answer);
+      bridge.otherwise = [&](const TeamworkRequest&) {
+        return testing::FakeAnswer{.response = answer};
+      };
+      sessionID = text::cat("ses-", tool.name, "-", seed);
+      Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
+                .sessionID = sessionID};
+      // Twice, so that the second call has something to remember.
+      for (int round = 1; round <= 2; ++round) {
+        bridge.requests.clear();
+        const ToolReply reply = callBoard(tool.name, Arguments(same.arguments), seat);
+        const std::string expected =
+            text::cat(reply.text.json(), reply.text.sentences(), threadEnding(reply), "\n");
+        run(same.words);
+        SCOPED_TRACE(text::cat(tool.name, " seed ", seed, " round ", round));
+        if (reply.end == CallEnd::refusedUnsent) {
+          EXPECT_TRUE(bridge.requests.empty());
+        } else {
+          ASSERT_EQ(bridge.requests.size(), 2u);
+          ASSERT_EQ(bridge.requests[0], bridge.requests[1]);
+        }
+        ASSERT_EQ(out.text, expected);
+      }
+    }
+  }
+}
+
+}  // namespace
+}  // namespace quillpost
