@@ -4,6 +4,7 @@
 #include "base/clock.h"
 #include "base/environment.h"
 #include "base/files.h"
+#include "base/input.h"
 #include "base/output.h"
 #include "base/unicode.h"
 #include "bridge/transport.h"
@@ -11,7 +12,7 @@
 #include "entry/standard_descriptors.h"
 #include "qp/run.h"
 
-#include <array>
+#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <memory>
@@ -40,13 +41,11 @@ class FoundBridge final : public Bridge {
 
   std::string currentToken() override { return found().currentToken(); }
 
-  std::optional<TeamworkResponse> send(const TeamworkRequest& request) override {
-    std::optional<TeamworkResponse> answer = found().send(request);
-    if (!answer && !environment_.get("QUILLPOST_COLLAB_SOCKET")) bridge_.reset();
-    return answer;
+  Exchange send(const TeamworkRequest& request) override {
+    Exchange exchange = found().send(request);
+    if (!exchange.response && !environment_.get("QUILLPOST_COLLAB_SOCKET")) bridge_.reset();
+    return exchange;
   }
-
-  std::size_t lastReplyBytes() const override { return bridge_ ? bridge_->lastReplyBytes() : 0; }
 
   /// Where it is looked for.
   Places places() {
@@ -59,8 +58,7 @@ class FoundBridge final : public Bridge {
  private:
   SocketBridge& found() {
     if (!bridge_) {
-      DiskDiscovery discovery(environment_);
-      settings_ = readSettings(environment_, discovery);
+      settings_ = readSettings({environment_});
       bridge_.emplace(SocketBridge::Access{.socketPath = settings_.socketPath,
                                            .tokenFilePath = settings_.tokenFilePath,
                                            .startToken = settings_.token});
@@ -129,7 +127,7 @@ int run(const std::vector<std::string>& words) {
 int main(int count, char** arguments) {
   quillpost::fillStandardDescriptors();
   try {
-    return quillpost::run({arguments + 1, arguments + count});
+    return quillpost::run({arguments + std::min(count, 1), arguments + count});
   } catch (...) {
     // What a library throws when memory runs out.
     return static_cast<int>(quillpost::Status::noBoard);

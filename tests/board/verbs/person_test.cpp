@@ -25,7 +25,7 @@ TEST(Person, AnsweringUnblocksABlockedTaskAndIsACommentOnAnother) {
   Desk desk;
   const std::string id = desk.add("one");
   const auto kindsOfAnswering = [&] {
-    const int64_t rev = desk.board.counters().rev;
+    const int64_t rev = desk.board.counted().rev;
     EXPECT_TRUE(wasWritten(desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")")));
     return feedFor(desk.board, desk.seat("AA2"), {rev, {}, true}, desk.at).changeKinds;
   };
