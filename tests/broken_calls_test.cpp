@@ -81,7 +81,7 @@ class BrokenCalls : public ::testing::Test {
     environment["QUILLPOST_FAULTS_LOG"] = home.pathOf("log");
     const std::size_t before = app.requests().size();
     Ending ending;
-    Process process({testing::seatProgram(), std::move(arguments), std::move(environment)});
+    Process process({testing::sharedSeatProgram(), std::move(arguments), std::move(environment)});
     process.write(input);
     process.closeInput();
     ending.status = process.waitForExit();

@@ -2,8 +2,10 @@
 // build that runs the tests is the one that is installed and packed.
 
 #include "base/text.h"
+#include "base/unicode.h"
 #include "harness/paths.h"
 #include "harness/process.h"
+#include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 
 #include <gmock/gmock.h>
@@ -21,9 +23,14 @@
 
 #include <sys/stat.h>
 
+#ifdef __linux__
+#include "harness/elf_file.h"
+#endif
+
 namespace quillpost {
 namespace {
 
+using ::testing::Eq;
 using ::testing::HasSubstr;
 using ::testing::IsSupersetOf;
 using ::testing::Not;
@@ -49,17 +56,31 @@ std::string toolOf(std::string_view variable, std::string_view plain) {
   return cache.substr(start, cache.find('\n', start) - start);
 }
 
-/// Runs a tool, found on the path, to its end; what it said, on a failure.
-void run(const std::string& program, std::vector<std::string> arguments, const TempDir& home,
-         std::map<std::string, std::string> more = {}) {
-  more["PATH"] = "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin";
+constexpr const char* toolPath = "/usr/local/bin:/opt/homebrew/bin:/usr/sbin:/usr/bin:/sbin:/bin";
+
+/// How a tool ended and what it said.
+struct Ending {
+  std::optional<int> status;
+  std::string said;
+};
+
+/// Runs a tool, found on the path, to its end.
+Ending ended(const std::string& program, std::vector<std::string> arguments, const TempDir& home,
+             std::map<std::string, std::string> more = {}) {
+  more["PATH"] = toolPath;
   more["HOME"] = home.path();
   arguments.insert(arguments.begin(), program);
   Process process({"/usr/bin/env", std::move(arguments), std::move(more)});
   process.closeInput();
   const std::optional<int> status = process.waitForExit(packingPatience);
-  const std::string said = process.restOfOutput() + process.errors();
-  ASSERT_EQ(status, 0) << program << ": " << said;
+  return {status, process.restOfOutput() + process.errors()};
+}
+
+/// The same for one that must succeed.
+void run(const std::string& program, std::vector<std::string> arguments, const TempDir& home,
+         std::map<std::string, std::string> more = {}) {
+  const Ending ending = ended(program, std::move(arguments), home, std::move(more));
+  ASSERT_EQ(ending.status, 0) << program << ": " << ending.said;
 }
 
 /// Every file below a directory, by its path from there.
@@ -110,6 +131,7 @@ std::vector<std::string> expectedFiles() {
 #ifndef __APPLE__
   files.push_back(doc + "licences/boost");
   files.push_back(doc + "licences/libstdc++");
+  if (testing::isSeatStatic()) files.push_back(doc + "licences/libc");
 #endif
   return files;
 }
@@ -149,6 +171,50 @@ TEST(Install, PutsTheProgramAndItsPapersIntoAnEmptyRoot) {
   expectInstallation(root.pathOf("opt/quillpost"));
 }
 
+#ifdef __linux__
+/// What runs a program in another root, where this user may.
+std::vector<std::string> rootChanger(const TempDir& home) {
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"chroot"}, {"unshare", "--map-root-user", "chroot"}}) {
+    std::vector<std::string> trial(words.begin() + 1, words.end());
+    trial.insert(trial.end(), {"/", "true"});
+    if (ended(words.front(), trial, home).status == 0) return words;
+  }
+  return {};
+}
+
+/// Holds the program to running in a root that has nothing but its own archive, and to nothing but
+/// its file's word for it where no root can be changed.
+void expectToRunAlone(const std::string& root, const std::string& program, const TempDir& home) {
+  const testing::ElfFile file(root + program);
+  EXPECT_EQ(file.needsOthers(), !testing::isSeatStatic());
+  std::vector<std::string> words = rootChanger(home);
+  if (words.empty() || !testing::isSeatStatic()) return;
+  words.insert(words.end(), {root, program});
+  testing::ScriptedApp app(root + "/app.sock");
+  app.play(testing::reply(R"({"kind":"written","message":"Hello from outside."})"));
+  Process seat({"/usr/bin/env",
+                std::move(words),
+                {{"PATH", toolPath},
+                 {"QUILLPOST_SESSION_ID", "S1"},
+                 {"QUILLPOST_COLLAB_TOKEN", "t0k"},
+                 {"QUILLPOST_COLLAB_SOCKET", "/app.sock"}}});
+  seat.writeLine(R"({"id":1,"method":"ping"})");
+  seat.writeLine(R"({"id":2,"method":"tools/call","params":{"name":"stop_helper"}})");
+  seat.closeInput();
+  EXPECT_EQ(seat.readLine(), R"({"jsonrpc":"2.0","result":{},"id":1})");
+  EXPECT_THAT(seat.readLine().value_or(""), HasSubstr("Hello from outside."));
+  EXPECT_EQ(seat.waitForExit(), 0) << seat.errors();
+}
+
+/// What a package says of itself under this name; empty when it says nothing.
+std::string fieldOf(const std::string& package, const std::string& name, const TempDir& home) {
+  const Ending ending = ended("dpkg-deb", {"--field", package, name}, home);
+  EXPECT_EQ(ending.status, 0) << ending.said;
+  return std::string(unicode::trim(ending.said));
+}
+#endif
+
 TEST(Install, PacksWhatItInstalls) {
   const TempDir root;
   const std::string packages = root.makeDirectory("packages");
@@ -161,9 +227,14 @@ TEST(Install, PacksWhatItInstalls) {
   EXPECT_THAT(top, StartsWith("quillpost-teamwork-1.0.0-"));
   expectInstallation(root.pathOf("archive/" + top));
 
-#ifndef __APPLE__
-  run("dpkg-deb", {"--extract", packageIn(packages, ".deb"), root.makeDirectory("deb")}, root);
+#ifdef __linux__
+  expectToRunAlone(root.pathOf("archive"), "/" + top + "/bin/quillpost-teamwork", root);
+  const std::string package = packageIn(packages, ".deb");
+  run("dpkg-deb", {"--extract", package, root.makeDirectory("deb")}, root);
   expectInstallation(root.pathOf("deb/usr"));
+  EXPECT_THAT(fieldOf(package, "Depends", root), testing::isSeatStatic()
+                                                     ? ::testing::Matcher<std::string>(Eq(""))
+                                                     : HasSubstr("libc6"));
 #endif
 }
 

@@ -3,6 +3,8 @@
 #include "base/files.h"
 
 #include <cerrno>
+#include <cstdio>
+#include <memory>
 #include <vector>
 
 #include <pwd.h>
@@ -31,6 +33,8 @@ namespace quillpost {
 
 namespace {
 
+#if defined(__APPLE__)
+
 /// The first size to try for an entry of the password database, and the one to give up at; either
 /// in bytes and far above an ordinary entry.
 constexpr std::size_t firstEntrySize = 1024;
@@ -51,8 +55,6 @@ std::optional<std::string> homeInPasswordDatabase() {
   return std::nullopt;
 }
 
-#if defined(__APPLE__)
-
 /// What the system reports for this user; empty when it reports nothing.
 std::string reportedBySystem() {
   char path[PATH_MAX] = "";
@@ -63,6 +65,12 @@ std::string reportedBySystem() {
 }
 
 #else
+
+// The name service would load libraries into a program that has its C library built in, and those
+// belong to another one.
+std::optional<std::string> homeInPasswordDatabase() {
+  return homeInPasswordFile("/etc/passwd", ::getuid());
+}
 
 bool isDirectory(const std::string& path) {
   struct stat status {};
@@ -91,6 +99,21 @@ std::optional<std::string> homeDirectory(const Environment& environment) {
   if (home && !home->empty()) return home;
   return homeInPasswordDatabase();
 }
+
+#if !defined(__APPLE__)
+std::optional<std::string> homeInPasswordFile(const std::string& path, uid_t user) {
+  struct Close {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+  };
+  const std::unique_ptr<std::FILE, Close> file(std::fopen(path.c_str(), "re"));
+  if (!file) return std::nullopt;
+  while (const passwd* entry = ::fgetpwent(file.get())) {
+    if (entry->pw_uid != user) continue;
+    return *entry->pw_dir != '\0' ? std::optional<std::string>(entry->pw_dir) : std::nullopt;
+  }
+  return std::nullopt;
+}
+#endif
 
 std::string reportedSupportDirectory(std::string_view reported, std::string_view home) {
   if (reported.empty()) return files::joinPath(home, "Library/Application Support");

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include <sys/types.h>
+
 namespace quillpost {
 
 /// The application-support directory of this user. On macOS what the system reports, elsewhere the
@@ -15,9 +17,16 @@ namespace quillpost {
 /// when there is neither. Nothing when no home directory can be found either.
 std::optional<std::string> supportDirectory(const Environment& environment);
 
-/// The home directory: $HOME, or what the password database has when that is unset or empty.
-/// Nothing when neither names one.
+/// The home directory: $HOME, or what the password database has when that is unset or empty
+/// (outside macOS only its file, /etc/passwd). Nothing when neither names one.
 std::optional<std::string> homeDirectory(const Environment& environment);
+
+#if !defined(__APPLE__)
+/// The home directory that the first entry of a user in a password file names; nothing when the
+/// file cannot be read, has no such entry, or names none there. Lines that are no entries are
+/// passed over.
+std::optional<std::string> homeInPasswordFile(const std::string& path, uid_t user);
+#endif
 
 /// The rule for a directory that the system reports, as "~" and what follows or as a whole path:
 /// the path of it; "Library/Application Support" in `home` when nothing was reported.

@@ -34,6 +34,36 @@ TEST(HomeDirectory, IsThePasswordDatabasesWhenTheVariableIsEmptyOrUnset) {
   EXPECT_EQ(homeDirectory(with({{"HOME", ""}})).value_or(""), homeOfThisUser());
 }
 
+#if !defined(__APPLE__)
+TEST(HomeDirectory, IsWhatTheFirstEntryOfTheUserInThePasswordFileNames) {
+  const TempDir directory;
+  struct Row {
+    const char* name;
+    std::string file;
+    std::optional<std::string> home;
+  };
+  const std::string own = "me:x:1000:1000:Me,,,:/home/me:/bin/sh\n";
+  for (const Row& row : {
+           Row{"one entry", own, "/home/me"},
+           Row{"no line feed at the end", own.substr(0, own.size() - 1), "/home/me"},
+           Row{"others before", "root:x:0:0:root:/root:/bin/sh\nother:x:100:1000::/o:\n" + own,
+               "/home/me"},
+           Row{"two entries", own + "twin:x:1000:1000::/home/twin:\n", "/home/me"},
+           Row{"comments, blank lines and no entries", "# me\n\n:\nx:y\n+\n" + own, "/home/me"},
+           Row{"letters beyond ASCII", "me:x:1000:1:é:/home/é x:", "/home/é x"},
+           Row{"a very long line before",
+               "long:x:1:1:" + std::string(100'000, 'g') + ":/l:\n" + own, "/home/me"},
+           Row{"nobody by that number", "other:x:10000:1000::/o:\nme:x:100:1:::\n", std::nullopt},
+           Row{"no directory", "me:x:1000:1000:::/bin/sh\n", std::nullopt},
+           Row{"empty", "", std::nullopt},
+       }) {
+    EXPECT_EQ(homeInPasswordFile(directory.write("passwd", row.file), 1000), row.home) << row.name;
+  }
+  EXPECT_EQ(homeInPasswordFile(directory.pathOf("missing"), 1000), std::nullopt);
+  EXPECT_EQ(homeInPasswordFile(directory.path(), 1000), std::nullopt);
+}
+#endif
+
 TEST(ReportedSupportDirectory, StandsForTheHomeDirectoryWhereItBeginsWithATilde) {
   struct Row {
     const char* name;
