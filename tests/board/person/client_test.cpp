@@ -61,6 +61,10 @@ TEST(Asking, SaysThatABoardDidNotAnswer) {
   EXPECT_FALSE(askBoard(dir.path(), "dev", {}, why));
   EXPECT_THAT(why, HasSubstr("did not answer"));
   TeamworkRequest request;
+  request.body = std::string(1 << 20, 'x');  // more than fits on the way to a board
+  app.play(testing::reset());
+  EXPECT_FALSE(askBoard(dir.path(), "dev", request, why));
+  EXPECT_THAT(why, HasSubstr("cannot reach"));
   request.body = "\xff";
   EXPECT_FALSE(askBoard(dir.path(), "dev", request, why));
   EXPECT_THAT(why, HasSubstr("UTF-8"));
