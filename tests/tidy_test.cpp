@@ -101,21 +101,10 @@ std::vector<Sample> includeSamples() {
        "streams that are built before main",
        {{"src/entry/main.cpp", "#include <iostream>\n"}},
        {"src/entry/main.cpp:1"}},
-      {"ownHeaderFirst",
-       "first or not",
-       {{"src/base/a.h", ""},
-        {"src/base/a.cpp", "#include \"base/a.h\"\n#include <vector>\n"},
-        {"src/base/b.h", ""},
-        {"src/base/b.cpp", "#include <vector>\n#include \"base/b.h\"\n"},
-        {"src/base/c.cpp", "#include <vector>\n"},
-        {"board/d.h", ""},
-        {"board/d.cpp", "// Why.\n"}},
-       {"src/base/b.cpp:1", "board/d.cpp:1"}},
   };
 }
 
 std::vector<Sample> shapeSamples() {
-  const std::string hundred(100, 'x');
   return {
       {"pragmaOnce",
        "first line or not",
@@ -124,21 +113,6 @@ std::vector<Sample> shapeSamples() {
         {"src/base/c.cpp", ""},
         {"src/base/d.h", ""}},
        {"src/base/b.h:1", "src/base/d.h:1"}},
-      {"columns",
-       "code and comments",
-       {{"src/base/a.h", hundred + "\n" + hundred + "x\n// " + hundred + "\n"}},
-       {"src/base/a.h:2", "src/base/a.h:3"}},
-      {"columns",
-       "characters, not bytes",
-       {{"src/base/a.h", "// —" + std::string(96, 'x') + "\n"}},
-       {}},
-      {"columns",
-       "tables and words",
-       {{"src/base/a.h", fenced(hundred + "xx\n") + "    \"" + hundred + "\",\n" +
-                             "auto x = R\"(\n" + hundred + "x\n)\";\nauto y = \"" + hundred +
-                             "\";\n"}},
-       {"src/base/a.h:8"}},
-      {"columns", "other files", {{"README.md", hundred + "xx\n"}}, {}},
       {"fileLengths",
        "headers and sources",
        {{"src/base/a.h", lines(200, "//")},
@@ -153,19 +127,6 @@ std::vector<Sample> shapeSamples() {
         {"src/render/texts/a.h", lines(300, "//")},
         {"tests/base/a_test.cpp", lines(500, "//")}},
        {}},
-      {"functionLengths",
-       "sixty lines and one more",
-       {{"src/base/a.cpp", "namespace a {\nint f(int x = {}) {\n" + lines(58, "  g({1});") + "}\n" +
-                               "int h() {\n" + lines(59, "  g();") + "}\n}\n"}},
-       {"src/base/a.cpp:62"}},
-      {"functionLengths",
-       "members, tables and tests",
-       {{"src/base/a.h",
-         "class A {\n public:\n  void f() {\n" + lines(60, "    g();") + "  }\n};\n"},
-        {"src/base/b.h", "void f() {\n" + fenced(lines(90, "  {1},")) + "}\n"},
-        {"src/base/c.h", "constexpr int a[] = {\n" + lines(90, "  1,") + "};\n"},
-        {"tests/base/a_test.cpp", "TEST(A, B) {\n" + lines(90, "  g();") + "}\n"}},
-       {"src/base/a.h:3"}},
       {"documentation",
        "types and functions of headers",
        {{"src/base/a.h",
@@ -174,20 +135,12 @@ std::vector<Sample> shapeSamples() {
          "// Not for the reader.\ntemplate <class T>\nvoid k(T x) {}\n\n"
          "/// Why.\ntemplate <class T>\nvoid l(T x) {}\n\nenum class E { a };\n"
          "\ntemplate <>\nstruct a::Names<E> {};\n\nint A::x() const { return 1; }\n\nnamespace "
-         "detail {\nint m();\n}\n"
+         "detail {\nint m();\n}  // namespace detail\n"
          "\nstruct D : B<E> {};\n"
-         "using X = int;\nconstexpr int limit = f(1);\n}  // namespace a\n"},
+         "\nusing X = int;\n\nconstexpr int limit = f(1);\n}  // namespace a\n"},
         {"src/base/a.cpp", "int f() { return 1; }\n"}},
        {"src/base/a.h:10", "src/base/a.h:16", "src/base/a.h:19", "src/base/a.h:26",
         "src/base/a.h:37"}},
-      {"globals",
-       "outside functions",
-       {{"src/base/a.cpp",
-         "namespace {\nint count = 0;\nconst std::string name = f();\n"
-         "constexpr int limit = 1'000;\ninline constexpr Row rows[] = {\n  {f, 1},\n};\n"
-         "int x{};\nstruct A {\n  int x = 1;\n};\nint f() {\n  int x = 1;\n  return x;\n}\n"
-         "using B = A;\nbool operator==(A a, A b);\n}\n"}},
-       {"src/base/a.cpp:2", "src/base/a.cpp:3", "src/base/a.cpp:8"}},
       {"testPerSource",
        "with and without",
        {{"src/base/a.cpp", ""},
@@ -232,10 +185,6 @@ std::vector<Sample> wordSamples() {
        {"src/calls/a.cpp:1", "src/calls/a.cpp:2", "src/entry/main.cpp:1",
         "tests/base/a_test.cpp:1"}},
       {"words",
-       "namespaces",
-       {{"tests/base/a_test.cpp", "using namespace std::chrono_literals;\nusing namespace std;\n"}},
-       {"tests/base/a_test.cpp:2"}},
-      {"words",
        "reminders",
        {{"src/base/a.cpp",
          "// TO"
@@ -251,15 +200,6 @@ std::vector<Sample> wordSamples() {
          "_B) {}\nSUCC"
          "EED();\n"}},
        {"tests/base/a_test.cpp:1", "tests/base/a_test.cpp:2", "tests/base/a_test.cpp:3"}},
-      {"words",
-       "machines and plans",
-       {{"README.md",
-         "cd /wo"
-         "rk/main\nPa"
-         "rt 2.1 of it\nParts 7.1\nthe spec"
-         "ification\n"},
-        {"docs/a.md", "party 2.1, our specific words, homework/\n"}},
-       {"README.md:1", "README.md:4", "README.md:2"}},
   };
 }
 

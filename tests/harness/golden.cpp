@@ -1,6 +1,5 @@
 #include "harness/golden.h"
 
-#include "base/environment.h"
 #include "harness/paths.h"
 
 #include <algorithm>
@@ -28,9 +27,9 @@ std::string byteAt(std::string_view text, std::size_t position) {
 
 }  // namespace
 
-GoldenMode goldenMode() {
-  const std::string wish = ProcessEnvironment().get("UPDATE_GOLDEN").value_or("");
-  return wish.empty() || wish == "0" ? GoldenMode::compare : GoldenMode::rewrite;
+GoldenMode& goldenMode() {
+  static GoldenMode mode = GoldenMode::compare;
+  return mode;
 }
 
 ::testing::AssertionResult sameText(std::string_view expected, std::string_view actual) {
@@ -65,7 +64,7 @@ GoldenMode goldenMode() {
   if (!in) return ::testing::AssertionFailure() << "there is no golden file " << file;
   const std::string expected{std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
   ::testing::AssertionResult result = sameText(expected, actual);
-  if (!result) result << "\n  golden:   " << file.string() << " (UPDATE_GOLDEN=1 rewrites it)";
+  if (!result) result << "\n  golden:   " << file.string() << " (--update rewrites it)";
   return result;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Texts compared as a whole, and golden files that can be rewritten: run the test with
-// UPDATE_GOLDEN=1 in the environment, then read the difference before committing it.
+// Texts compared as a whole, and golden files that can be rewritten: run the test program with
+// --update, then read the difference before committing it.
 
 #include <gtest/gtest.h>
 
@@ -13,8 +13,9 @@ namespace quillpost::testing {
 /// What to do with a golden file.
 enum class GoldenMode { compare, rewrite };
 
-/// `rewrite` when UPDATE_GOLDEN is set to anything but nothing or 0.
-GoldenMode goldenMode();
+/// What this run does with them: compares, until the main function takes `--update` for an argument
+/// (harness/main.cpp).
+GoldenMode& goldenMode();
 
 /// Whether two texts are equal; where they first part, when they are not.
 ::testing::AssertionResult sameText(std::string_view expected, std::string_view actual);

@@ -1,50 +1,32 @@
+// Every record that crosses the app's socket, held against its field table. What the tables say,
+// key by key, is printed in docs/protocol.md.
+
 #include "harness/golden.h"
 #include "json/decoder.h"
 #include "json/value.h"
 #include "model/samples.h"
-#include "model/wire_table.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
 namespace quillpost {
-namespace {
 
 using json::Presence;
 using json::Tree;
 using json::TreeObject;
-using samples::nameOf;
 using samples::sample;
 using Texts = std::vector<std::string>;
 
-template <class T>
-TreeObject membersOf(const T& record) {
-  return json::parse(json::encode(record))->get_object();
-}
-
-template <class T>
-std::optional<T> recordOf(const TreeObject& members) {
-  std::string text;
-  json::appendTree(text, Tree(members));
-  return json::decode<T>(std::move(text));
-}
-
-std::string textOf(const Tree& tree) {
-  std::string text;
-  json::appendTree(text, tree);
-  return text;
-}
-
-// --- The types of members ---------------------------------------------------------------------
-
+/// JSON that is no value of the type.
 template <class Value>
 struct WireType {
-  static std::string name() {
-    if constexpr (json::Record<Value>) return std::string(nameOf<Value>);
-    return "TeamworkResponse.Kind";
-  }
   static Texts wrong() {
     if constexpr (json::Record<Value>) return {"\"text\"", "1", "true", "[]", "[{}]"};
     return {"1", "true", "[]", "{}", "\"\"", "\"register\"", "\"Registered\"", "\"empty \""};
@@ -52,26 +34,22 @@ struct WireType {
 };
 template <>
 struct WireType<std::string> {
-  static std::string name() { return "string"; }
   static Texts wrong() { return {"1", "3.5", "true", "[]", "[\"text\"]", "{}"}; }
 };
 template <>
 struct WireType<int64_t> {
-  static std::string name() { return "integer"; }
   static Texts wrong() {
     return {"\"1\"", "3.5", "1e19", "9223372036854775808", "true", "false", "[]", "[1]", "{}"};
   }
 };
 template <>
 struct WireType<bool> {
-  static std::string name() { return "boolean"; }
   static Texts wrong() { return {"\"true\"", "0", "1", "[]", "[true]", "{}"}; }
 };
 template <class Value>
 struct WireType<std::optional<Value>> : WireType<Value> {};
 template <class Value>
 struct WireType<std::vector<Value>> {
-  static std::string name() { return "[" + WireType<Value>::name() + "]"; }
   /// A list too is wrong when one of its elements is.
   static Texts wrong() {
     Texts values = {"\"text\"", "1", "true", "{}", "[null]", "[[]]"};
@@ -80,191 +58,6 @@ struct WireType<std::vector<Value>> {
     return values;
   }
 };
-
-template <class Owner, class Value>
-WireType<Value> typeOf(const json::Field<Owner, Value>& /*field*/) {
-  return {};
-}
-
-/// A field of a record whatever its type, so that the tests below are compiled once for each record
-/// and not once for each field: that took minutes.
-template <class T>
-struct AnyField {
-  std::string_view key;
-  Presence presence;
-  std::string typeName;
-  /// JSON that is no value of its type.
-  Texts wrong;
-  bool (*equal)(const T& one, const T& other);
-  void (*copy)(T& to, const T& from);
-  /// Gives it another value.
-  void (*vary)(T& record);
-};
-
-template <class T, std::size_t I>
-AnyField<T> anyField() {
-  static constexpr auto field = std::get<I>(T::fields());
-  using Type = decltype(typeOf(field));
-  return {.key = field.key,
-          .presence = field.presence,
-          .typeName = Type::name(),
-          .wrong = Type::wrong(),
-          .equal = [](const T& one,
-                      const T& other) { return one.*field.member == other.*field.member; },
-          .copy = [](T& to, const T& from) { to.*field.member = from.*field.member; },
-          .vary =
-              [](T& record) {
-                int count = 100000;
-                samples::vary(record.*field.member, count);
-              }};
-}
-
-template <class T>
-std::vector<AnyField<T>> fieldsOf() {
-  std::vector<AnyField<T>> fields;
-  const auto add = [&fields]<std::size_t... I>(std::index_sequence<I...> /*rows*/) {
-    (fields.push_back(anyField<T, I>()), ...);
-  };
-  add(std::make_index_sequence<json::memberCount<T>()>());
-  return fields;
-}
-
-/// The members without those that may be missing.
-template <class T>
-TreeObject requiredOf(TreeObject members) {
-  for (const AnyField<T>& field : fieldsOf<T>())
-    if (field.presence != Presence::required) members.erase(field.key);
-  return members;
-}
-
-// --- Every record -----------------------------------------------------------------------------
-
-struct RecordNames {
-  template <class T>
-  static std::string GetName(int /*index*/) {
-    std::string name(nameOf<T>);
-    std::erase(name, '.');
-    return name;
-  }
-};
-
-template <class T>
-class EveryRecord : public ::testing::Test {};
-TYPED_TEST_SUITE(EveryRecord, samples::AllRecords, RecordNames);
-
-TYPED_TEST(EveryRecord, ComesBackWholeFromTheWire) {
-  const TypeParam whole = sample<TypeParam>();
-  EXPECT_EQ(json::decode<TypeParam>(json::encode(whole)), whole);
-  EXPECT_EQ(json::decode<TypeParam>(json::encode(TypeParam{})), TypeParam{});
-}
-
-TYPED_TEST(EveryRecord, IsWrittenInTheOrderOfItsTable) {
-  Texts written, listed;
-  for (const auto& member : membersOf(sample<TypeParam>())) written.emplace_back(member.key());
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) listed.emplace_back(field.key);
-  EXPECT_EQ(written, listed);
-}
-
-TYPED_TEST(EveryRecord, NeedsOnlyItsRequiredKeys) {
-  const TypeParam whole = sample<TypeParam>();
-  const std::optional<TypeParam> minimal =
-      recordOf<TypeParam>(requiredOf<TypeParam>(membersOf(whole)));
-  ASSERT_TRUE(minimal);
-  const TypeParam defaults;
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    const TypeParam& expected = field.presence == Presence::required ? whole : defaults;
-    EXPECT_TRUE(field.equal(*minimal, expected)) << field.key;
-  }
-}
-
-TYPED_TEST(EveryRecord, TakesEachOtherKeyByItself) {
-  const TypeParam whole = sample<TypeParam>();
-  const TreeObject members = membersOf(whole);
-  const TreeObject required = requiredOf<TypeParam>(members);
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    TreeObject some = required;
-    some[field.key] = members.at(field.key);
-    TypeParam expected = *recordOf<TypeParam>(required);
-    field.copy(expected, whole);
-    EXPECT_EQ(recordOf<TypeParam>(some), expected) << field.key;
-  }
-}
-
-TYPED_TEST(EveryRecord, FailsWithoutARequiredKey) {
-  const TypeParam whole = sample<TypeParam>();
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    TreeObject members = membersOf(whole);
-    members.erase(field.key);
-    const bool isRead = recordOf<TypeParam>(members).has_value();
-    EXPECT_EQ(isRead, field.presence != Presence::required) << field.key;
-  }
-}
-
-TYPED_TEST(EveryRecord, CountsANullAsMissing) {
-  const TypeParam whole = sample<TypeParam>();
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    TreeObject members = membersOf(whole);
-    members[field.key] = nullptr;
-    std::optional<TypeParam> expected;
-    if (field.presence != Presence::required) {
-      expected = whole;
-      field.copy(*expected, TypeParam{});
-    }
-    EXPECT_EQ(recordOf<TypeParam>(members), expected) << field.key;
-  }
-}
-
-TYPED_TEST(EveryRecord, FailsWhenAKeyHasTheWrongType) {
-  const TypeParam whole = sample<TypeParam>();
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    for (const std::string& wrong : field.wrong) {
-      TreeObject members = membersOf(whole);
-      members[field.key] = *json::parse(wrong);
-      EXPECT_EQ(recordOf<TypeParam>(members), std::nullopt) << field.key << " = " << wrong;
-    }
-  }
-}
-
-TYPED_TEST(EveryRecord, IgnoresUnknownKeys) {
-  const TypeParam whole = sample<TypeParam>();
-  const Tree unknown = *json::parse(R"([null,{"kind":1,"id":[{"":2.5}]},"text"])");
-  TreeObject members;
-  for (const auto& member : membersOf(whole)) {
-    const std::string key(member.key());
-    members["unknown " + key] = unknown;
-    members[key] = member.value();
-    members[key + "s "] = member.value();
-  }
-  EXPECT_EQ(recordOf<TypeParam>(members), whole);
-}
-
-TYPED_TEST(EveryRecord, KnowsItsKeysOnlyAsTheyAreSpelled) {
-  TreeObject members;
-  for (const auto& member : membersOf(sample<TypeParam>())) {
-    std::string key(member.key());
-    key.front() = static_cast<char>(key.front() - 'a' + 'A');
-    members[key] = member.value();
-  }
-  const std::optional<TypeParam> read = recordOf<TypeParam>(members);
-  if (requiredOf<TypeParam>(membersOf(TypeParam{})).empty()) {
-    EXPECT_EQ(read, TypeParam{});
-  } else {
-    EXPECT_EQ(read, std::nullopt);
-  }
-}
-
-TYPED_TEST(EveryRecord, IsEqualOnlyWhenEveryMemberIs) {
-  const TypeParam whole = sample<TypeParam>();
-  EXPECT_EQ(whole, TypeParam(whole));
-  for (const AnyField<TypeParam>& field : fieldsOf<TypeParam>()) {
-    TypeParam other = whole;
-    field.vary(other);
-    EXPECT_FALSE(other == whole) << field.key;
-    EXPECT_NE(json::encode(other), json::encode(whole)) << field.key;
-  }
-}
-
-// --- The tables against the wire --------------------------------------------------------------
 
 /// The name of the member behind a pointer.
 template <auto Member>
@@ -277,59 +70,210 @@ constexpr std::string_view memberName() {
 
 static_assert(memberName<&TeamworkTask::title>() == "title");
 
-template <class T, std::size_t... I>
-void expectNamesLikeKeys(std::index_sequence<I...> /*rows*/) {
-  constexpr auto fields = T::fields();
-  const auto expectLike = [](std::string_view name, std::string_view key) {
-    EXPECT_EQ(name == "isAuto" ? "auto" : name, key);
-  };
-  (expectLike(memberName<std::get<I>(fields).member>(), std::get<I>(fields).key), ...);
-}
+/// One row of a field table, whatever the types of its record and its member.
+struct AnyField {
+  std::string_view key;
+  std::string_view member;
+  Presence presence = Presence::required;
+  /// JSON that is no value of its type.
+  Texts wrong;
+};
 
-TYPED_TEST(EveryRecord, HasMembersNamedLikeTheirKeys) {
-  expectNamesLikeKeys<TypeParam>(
-      std::make_index_sequence<std::tuple_size_v<decltype(TypeParam::fields())>>());
-}
+/// A record whatever its type, so that the tests below are compiled once and not once for each of
+/// them: that took a minute.
+struct AnyRecord {
+  std::string_view name;
+  std::vector<AnyField> fields;
+  /// As JSON: with every member another one than by default, and as it is by default.
+  TreeObject sample, defaults;
+  /// The record that the JSON holds, as JSON again; nothing when it holds none.
+  std::optional<TreeObject> (*read)(const TreeObject& members);
+  /// The sample with the member of that row another one, as JSON; nothing when the two count as
+  /// equal, or as another than itself.
+  std::optional<TreeObject> (*varied)(std::size_t row);
 
-/// A record's field table in the form of the wire table.
-template <class T>
-std::string tableOf() {
-  const TreeObject defaults = membersOf(T{});
-  std::string table = "\n" + std::string(nameOf<T>) + "\n";
-  for (const AnyField<T>& field : fieldsOf<T>()) {
-    table += std::string(field.key) + ": " + field.typeName + ", ";
-    switch (field.presence) {
-      case Presence::required:
-        table += "required\n";
-        break;
-      case Presence::optional:
-        table += "optional\n";
-        break;
-      case Presence::defaulted:
-        table += "default " + textOf(defaults.at(field.key)) + "\n";
-        break;
-    }
+  /// What `sample` has of the required keys.
+  TreeObject required() const {
+    TreeObject members = sample;
+    for (const AnyField& field : fields)
+      if (field.presence != Presence::required) members.erase(field.key);
+    return members;
   }
-  return table;
+  /// A record with the key as by default: without it, or with what the table says.
+  TreeObject withDefault(TreeObject members, const AnyField& field) const {
+    if (field.presence == Presence::optional) members.erase(field.key);
+    if (field.presence == Presence::defaulted) members[field.key] = defaults.at(field.key);
+    return members;
+  }
+  /// What comes of the required keys alone.
+  TreeObject minimal() const {
+    TreeObject members = sample;
+    for (const AnyField& field : fields) members = withDefault(std::move(members), field);
+    return members;
+  }
+};
+
+/// How a failing test shows its parameter.
+static void PrintTo(const AnyRecord& record, std::ostream* out) { *out << record.name; }
+
+namespace {
+
+template <class T>
+TreeObject membersOf(const T& record) {
+  return json::parse(json::encode(record))->get_object();
+}
+
+template <class T>
+std::optional<TreeObject> readAs(const TreeObject& members) {
+  std::string text;
+  json::appendTree(text, Tree(members));
+  const std::optional<T> record = json::decode<T>(std::move(text));
+  if (!record) return std::nullopt;
+  return membersOf(*record);
+}
+
+template <class T>
+std::optional<TreeObject> variedAt(std::size_t row) {
+  constexpr int unused = 100000;
+  const T whole = sample<T>();
+  T other = whole;
+  std::size_t at = 0;
+  json::forEachField<T>([&](const auto& field) {
+    int count = unused;
+    if (at++ == row) samples::vary(other.*field.member, count);
+  });
+  if (other == whole || !(whole == T(whole))) return std::nullopt;
+  return membersOf(other);
+}
+
+template <class T>
+AnyRecord anyRecord() {
+  AnyRecord record{.name = samples::nameOf<T>,
+                   .fields = {},
+                   .sample = membersOf(sample<T>()),
+                   .defaults = membersOf(T{}),
+                   .read = readAs<T>,
+                   .varied = variedAt<T>};
+  json::forEachField<T>([&]<class Value>(const json::Field<T, Value>& field) {
+    record.fields.push_back({.key = field.key,
+                             .member = {},
+                             .presence = field.presence,
+                             .wrong = WireType<Value>::wrong()});
+  });
+  static constexpr auto fields = T::fields();
+  const auto nameMembers = [&]<std::size_t... I>(std::index_sequence<I...> /*rows*/) {
+    ((record.fields[I].member = memberName<std::get<I>(fields).member>()), ...);
+  };
+  nameMembers(std::make_index_sequence<json::memberCount<T>()>());
+  return record;
 }
 
 template <class... Records>
-std::string tablesOf(::testing::Types<Records...> /*records*/) {
-  return (tableOf<Records>() + ...);
+std::vector<AnyRecord> anyRecords(::testing::Types<Records...> /*records*/) {
+  return {anyRecord<Records>()...};
 }
 
-TEST(FieldTables, SayWhatTheWireSaysKeyByKey) {
-  EXPECT_TRUE(testing::sameText(wireTable, tablesOf(samples::AllRecords())));
+class EveryRecord : public ::testing::TestWithParam<AnyRecord> {
+ protected:
+  const AnyRecord& record = GetParam();
+  const TreeObject& whole = record.sample;
+};
+
+INSTANTIATE_TEST_SUITE_P(Records, EveryRecord,
+                         ::testing::ValuesIn(anyRecords(samples::AllRecords())),
+                         [](const auto& row) {
+                           std::string name(row.param.name);
+                           std::erase(name, '.');
+                           return name;
+                         });
+
+TEST_P(EveryRecord, ComesBackWholeFromTheWire) {
+  EXPECT_EQ(record.read(whole), whole);
+  EXPECT_EQ(record.read(record.defaults), record.defaults);
 }
 
-TEST(FieldTables, HaveAsManyKeysAsTheWire) {
-  EXPECT_EQ(json::memberCount<TeamworkRequest>(), 39U);
-  EXPECT_EQ(json::memberCount<TeamworkResponse>(), 20U);
-  EXPECT_EQ(json::memberCount<TeamworkTask>(), 36U);
-  EXPECT_EQ(json::memberCount<TeamworkAgent>(), 17U);
-  EXPECT_EQ(json::memberCount<TeamworkDiscussion>(), 13U);
-  EXPECT_EQ(json::memberCount<TeamworkPlan>(), 11U);
-  EXPECT_EQ(json::memberCount<TeamworkChangeFeed>(), 10U);
+TEST_P(EveryRecord, IsWrittenInTheOrderOfItsTable) {
+  Texts written, listed;
+  for (const auto& member : whole) written.emplace_back(member.key());
+  for (const AnyField& field : record.fields) listed.emplace_back(field.key);
+  EXPECT_EQ(written, listed);
+}
+
+TEST_P(EveryRecord, HasMembersNamedLikeTheirKeys) {
+  for (const AnyField& field : record.fields)
+    EXPECT_EQ(field.member == "isAuto" ? "auto" : field.member, field.key);
+}
+
+TEST_P(EveryRecord, NeedsOnlyItsRequiredKeys) {
+  EXPECT_EQ(record.read(record.required()), record.minimal());
+}
+
+TEST_P(EveryRecord, TakesEachOtherKeyByItself) {
+  for (const AnyField& field : record.fields) {
+    TreeObject some = record.required(), expected = record.minimal();
+    some[field.key] = expected[field.key] = whole.at(field.key);
+    EXPECT_EQ(record.read(some), expected) << field.key;
+  }
+}
+
+TEST_P(EveryRecord, FailsWithoutARequiredKey) {
+  for (const AnyField& field : record.fields) {
+    TreeObject members = whole;
+    members.erase(field.key);
+    EXPECT_EQ(record.read(members).has_value(), field.presence != Presence::required) << field.key;
+  }
+}
+
+TEST_P(EveryRecord, CountsANullAsMissing) {
+  for (const AnyField& field : record.fields) {
+    TreeObject members = whole;
+    members[field.key] = nullptr;
+    std::optional<TreeObject> expected;
+    if (field.presence != Presence::required) expected = record.withDefault(whole, field);
+    EXPECT_EQ(record.read(members), expected) << field.key;
+  }
+}
+
+TEST_P(EveryRecord, FailsWhenAKeyHasTheWrongType) {
+  for (const AnyField& field : record.fields) {
+    for (const std::string& wrong : field.wrong) {
+      TreeObject members = whole;
+      members[field.key] = *json::parse(wrong);
+      EXPECT_EQ(record.read(members), std::nullopt) << field.key << " = " << wrong;
+    }
+  }
+}
+
+TEST_P(EveryRecord, IgnoresUnknownKeys) {
+  const Tree unknown = *json::parse(R"([null,{"kind":1,"id":[{"":2.5}]},"text"])");
+  TreeObject members;
+  for (const auto& member : whole) {
+    const std::string key(member.key());
+    members["unknown " + key] = unknown;
+    members[key] = member.value();
+    members[key + "s "] = member.value();
+  }
+  EXPECT_EQ(record.read(members), whole);
+}
+
+TEST_P(EveryRecord, KnowsItsKeysOnlyAsTheyAreSpelled) {
+  TreeObject members;
+  for (const auto& member : whole) {
+    std::string key(member.key());
+    key.front() = static_cast<char>(key.front() - 'a' + 'A');
+    members[key] = member.value();
+  }
+  std::optional<TreeObject> expected;
+  if (record.required().empty()) expected = record.defaults;
+  EXPECT_EQ(record.read(members), expected);
+}
+
+TEST_P(EveryRecord, IsEqualOnlyWhenEveryMemberIs) {
+  for (std::size_t row = 0; row < record.fields.size(); ++row) {
+    const std::optional<TreeObject> other = record.varied(row);
+    ASSERT_TRUE(other) << record.fields[row].key;
+    EXPECT_NE(other->at(record.fields[row].key), whole.at(record.fields[row].key));
+  }
 }
 
 TEST(ResponseKind, IsOneOfElevenWords) {

@@ -19,7 +19,8 @@ TEST(Manual, HasAPartForEveryVerb) {
 }
 
 TEST(Manual, IsPlainAsciiWithoutARequestOfATexts) {
-  for (const std::string_view line : text::split(manualPage(), '\n')) {
+  const std::string page = manualPage();
+  for (const std::string_view line : text::split(page, '\n')) {
     EXPECT_TRUE(std::ranges::all_of(line, [](char c) { return c >= ' ' && c <= '~'; })) << line;
     EXPECT_TRUE(!line.starts_with('.') || (line.size() > 2 && line[1] >= 'A' && line[1] <= 'Z'))
         << line;

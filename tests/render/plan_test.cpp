@@ -15,7 +15,6 @@ namespace {
 
 using testing::expanded;
 using testing::goldenText;
-using testing::goldenTextsByName;
 using testing::objectText;
 using testing::sameText;
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace quillpost::tidy {
 namespace {
@@ -80,8 +79,6 @@ constexpr HeaderRow headerTable[] = {
 };
 // clang-format on
 
-bool isProgram(const Source& source) { return source.isIn("src/") || source.isIn("board/"); }
-
 }  // namespace
 
 Findings checkFolders(const Tree& tree) {
@@ -106,7 +103,7 @@ Findings checkFolders(const Tree& tree) {
 Findings checkSystemHeaders(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
-    if (!isProgram(source)) continue;
+    if (!source.isProgram()) continue;
     for (const Include& include : includesOf(source)) {
       const auto* const row = std::ranges::find(headerTable, include.path, &HeaderRow::header);
       if (include.isQuoted || row == std::end(headerTable)) continue;
@@ -117,22 +114,6 @@ Findings checkSystemHeaders(const Tree& tree) {
         findings.push_back(
             {source.path, include.line, "<" + include.path + "> is kept out of here"});
       }
-    }
-  }
-  return findings;
-}
-
-Findings checkOwnHeaderFirst(const Tree& tree) {
-  Findings findings;
-  for (const Source& source : tree) {
-    if (!isProgram(source) || source.isHeader() || !source.isCode()) continue;
-    const std::string header = source.path.substr(0, source.path.rfind('.')) + ".h";
-    if (std::ranges::find(tree, header, &Source::path) == tree.end()) continue;
-    const std::string own = source.isIn("src/") ? header.substr(4) : header;
-    const std::vector<Include> includes = includesOf(source);
-    if (includes.empty() || includes.front().path != own) {
-      const std::size_t line = includes.empty() ? 1 : includes.front().line;
-      findings.push_back({source.path, line, "the first include is the own header, " + own});
     }
   }
   return findings;

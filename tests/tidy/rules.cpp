@@ -10,13 +10,9 @@ namespace {
 constexpr auto allRules = std::to_array<Rule>({
     {"folders",         checkFolders},
     {"systemHeaders",   checkSystemHeaders},
-    {"ownHeaderFirst",  checkOwnHeaderFirst},
     {"pragmaOnce",      checkPragmaOnce},
-    {"columns",         checkColumns},
     {"fileLengths",     checkFileLengths},
-    {"functionLengths", checkFunctionLengths},
     {"documentation",   checkDocumentation},
-    {"globals",         checkGlobals},
     {"testPerSource",   checkTestPerSource},
     {"targets",         checkTargets},
     {"words",           checkWords},

@@ -43,15 +43,11 @@ Findings check(std::string_view rule, const Tree& tree);
 /// Which files include which (include_rules.cpp).
 Findings checkFolders(const Tree& tree);
 Findings checkSystemHeaders(const Tree& tree);
-Findings checkOwnHeaderFirst(const Tree& tree);
 
 /// What a file looks like (shape_rules.cpp).
 Findings checkPragmaOnce(const Tree& tree);
-Findings checkColumns(const Tree& tree);
 Findings checkFileLengths(const Tree& tree);
-Findings checkFunctionLengths(const Tree& tree);
 Findings checkDocumentation(const Tree& tree);
-Findings checkGlobals(const Tree& tree);
 Findings checkTestPerSource(const Tree& tree);
 Findings checkTargets(const Tree& tree);
 

@@ -2,24 +2,18 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
 
 namespace quillpost::tidy {
 namespace {
 
-constexpr std::size_t mostColumns = 100;
 constexpr std::size_t mostHeaderLines = 200;
 constexpr std::size_t mostSourceLines = 400;
-constexpr std::size_t mostFunctionLines = 60;
-
-bool isProgram(const Source& source) {
-  return source.isCode() && (source.isIn("src/") || source.isIn("board/"));
-}
 
 /// The programs and what the tests share; a test itself is as long as its table.
 bool hasLimitedLength(const Source& source) {
-  if (isProgram(source)) return true;
   const bool isShared = source.isIn("tests/harness/") || source.isIn("tests/tidy/");
-  return source.isCode() && isShared && !source.path.ends_with("_test.cpp");
+  return source.isProgram() || (source.isCode() && isShared && !source.isTest());
 }
 
 /// Files that are one table, or nothing but words.
@@ -32,42 +26,9 @@ bool isTableOrWords(const Source& source) {
   return source.isIn("src/render/texts/") || source.path == "src/mcp/instructions.h";
 }
 
-std::size_t unfencedLines(const Source& source, std::size_t first, std::size_t last) {
-  std::size_t count = 0;
-  for (std::size_t i = first; i <= last; ++i) count += source.fenced[i] ? 0 : 1;
-  return count;
-}
-
-std::size_t charactersIn(std::string_view line) {
-  constexpr unsigned marker = 0xC0, continuation = 0x80;
-  return static_cast<std::size_t>(std::ranges::count_if(
-      line, [](char byte) { return (static_cast<unsigned char>(byte) & marker) != continuation; }));
-}
-
 std::string_view stemOf(std::string_view path) {
   path.remove_prefix(path.rfind('/') + 1);
   return path.substr(0, path.rfind('.'));
-}
-
-/// Whether a comment for the reader stands above the line, perhaps with sisters in between.
-bool isDocumented(const Source& source, std::size_t line) {
-  const auto contains = [&](std::size_t i, std::string_view text) {
-    const std::size_t first = source.lines[i].find_first_not_of(' ');
-    return first != std::string::npos &&
-           std::string_view(source.lines[i]).substr(first).starts_with(text);
-  };
-  for (std::size_t i = line; i-- > 0;) {
-    if (contains(i, "///")) return true;
-    if (source.lines[i].empty() || contains(i, "namespace")) return false;
-  }
-  return false;
-}
-
-bool isOneOf(std::string_view folder) {
-  constexpr auto folders =
-      std::to_array<std::string_view>({"base", "json", "model", "bridge", "tools", "render",
-                                       "calls", "mcp", "qp", "entry", "harness"});
-  return std::ranges::count(folders, folder) > 0 || folder.starts_with("board/");
 }
 
 /// The folders of a path between its top folder and its file, with "/" between them.
@@ -75,6 +36,28 @@ std::string_view foldersBelowTop(std::string_view path) {
   path.remove_prefix(path.find('/') + 1);
   const std::size_t end = path.rfind('/');
   return end == std::string_view::npos ? std::string_view() : path.substr(0, end);
+}
+
+bool isThere(const Tree& tree, const std::string& path) {
+  return std::ranges::find(tree, path, &Source::path) != tree.end();
+}
+
+/// Whether a line that begins a group of declarations begins one that a reader needs told: not the
+/// end of something, a name for something else, a constant, a declaration ahead, nor a part of what
+/// is declared above it. `next` is the line after it.
+bool wantsDocumentation(std::string_view line, std::string_view next) {
+  constexpr auto others =
+      std::to_array<std::string_view>({"using ", "static_assert(", "extern ", "template <>"});
+  constexpr auto types = std::to_array<std::string_view>({"struct ", "class ", "union ", "enum "});
+  if (std::isalpha(static_cast<unsigned char>(line.front())) == 0) return false;
+  if (std::ranges::any_of(others, [&](auto word) { return line.starts_with(word); })) return false;
+  const std::string_view head = line.starts_with("template ") ? next : line;
+  if (std::ranges::any_of(types, [&](auto word) { return head.starts_with(word); }))
+    return head.find('{') != std::string_view::npos && head.find('<') >= head.find(" : ");
+  const std::size_t call = head.find('(');
+  if (call >= head.find(" = ")) return false;
+  const std::string_view name = head.substr(0, call);
+  return name.find("::", name.rfind(' ') + 1) == std::string_view::npos;
 }
 
 }  // namespace
@@ -90,26 +73,12 @@ Findings checkPragmaOnce(const Tree& tree) {
   return findings;
 }
 
-Findings checkColumns(const Tree& tree) {
-  Findings findings;
-  for (const Source& source : tree) {
-    if (!source.isCode()) continue;
-    for (std::size_t i = 0; i < source.lines.size(); ++i) {
-      if (source.fenced[i] || source.literal[i]) continue;
-      if (charactersIn(source.lines[i]) > mostColumns) {
-        findings.push_back({source.path, i + 1, "more than 100 columns"});
-      }
-    }
-  }
-  return findings;
-}
-
 Findings checkFileLengths(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
-    if (!hasLimitedLength(source) || isTableOrWords(source) || source.lines.empty()) continue;
-    const std::size_t most = source.isHeader() ? mostHeaderLines : mostSourceLines;
-    const std::size_t length = unfencedLines(source, 0, source.lines.size() - 1);
+    if (!hasLimitedLength(source) || isTableOrWords(source)) continue;
+    const auto most = source.isHeader() ? mostHeaderLines : mostSourceLines;
+    const auto length = static_cast<std::size_t>(std::ranges::count(source.fenced, false));
     if (length > most) {
       findings.push_back({source.path, source.lines.size(),
                           std::to_string(length) + " lines, and " + std::to_string(most) +
@@ -119,46 +88,24 @@ Findings checkFileLengths(const Tree& tree) {
   return findings;
 }
 
-Findings checkFunctionLengths(const Tree& tree) {
-  Findings findings;
-  for (const Source& source : tree) {
-    if (!hasLimitedLength(source)) continue;
-    for (const Declaration& declaration : declarationsOf(source)) {
-      if (declaration.kind != Kind::function || !declaration.hasBody) continue;
-      if (unfencedLines(source, declaration.open, declaration.close) > mostFunctionLines) {
-        findings.push_back(
-            {source.path, declaration.first + 1, "a function of more than 60 lines"});
-      }
-    }
-  }
-  return findings;
-}
-
 Findings checkDocumentation(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
     if (!hasLimitedLength(source) || !source.isHeader()) continue;
-    for (const Declaration& declaration : declarationsOf(source)) {
-      const bool isType = declaration.kind == Kind::type && declaration.hasBody;
-      if (!declaration.atNamespaceScope || declaration.isDetail) continue;
-      if (!isType && declaration.kind != Kind::function) continue;
-      if (!isDocumented(source, declaration.first)) {
-        findings.push_back({source.path, declaration.first + 1, "no /// says what this gives"});
-      }
-    }
-  }
-  return findings;
-}
-
-Findings checkGlobals(const Tree& tree) {
-  Findings findings;
-  for (const Source& source : tree) {
-    if (!isProgram(source)) continue;
-    for (const Declaration& declaration : declarationsOf(source)) {
-      if (declaration.kind != Kind::data || !declaration.atNamespaceScope) continue;
-      if (declaration.head.find("constexpr ") == std::string::npos) {
-        findings.push_back(
-            {source.path, declaration.first + 1, "outside functions, constexpr only"});
+    bool isDetail = false, isTold = false, isGroup = false;
+    for (std::size_t i = 0; i < source.lines.size(); ++i) {
+      const std::string& line = source.lines[i];
+      if (line.starts_with("namespace detail")) isDetail = true;
+      if (line.starts_with("}  // namespace detail")) isDetail = false;
+      if (line.empty() || line.starts_with("namespace") || line.starts_with("#")) {
+        isTold = isGroup = false;
+      } else if (line.starts_with("//")) {
+        isTold = isTold || line.starts_with("///");
+      } else if (!isGroup) {
+        isGroup = true;
+        const std::string next = i + 1 < source.code.size() ? source.code[i + 1] : "";
+        if (!isTold && !isDetail && !source.fenced[i] && wantsDocumentation(source.code[i], next))
+          findings.push_back({source.path, i + 1, "no /// says what this gives"});
       }
     }
   }
@@ -168,30 +115,29 @@ Findings checkGlobals(const Tree& tree) {
 Findings checkTestPerSource(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
-    if (!isProgram(source) || source.isHeader() || stemOf(source.path) == "main") continue;
     const std::string_view path = source.path;
+    if (!source.isProgram() || source.isHeader() || stemOf(path) == "main") continue;
     const std::string folder(source.isIn("board/") ? path.substr(0, path.rfind('/'))
                                                    : foldersBelowTop(path));
-    const std::string test =
-        "tests/" + folder + "/" + std::string(stemOf(source.path)) + "_test.cpp";
-    if (std::ranges::find(tree, test, &Source::path) == tree.end()) {
-      findings.push_back({source.path, 1, "there is no " + test});
-    }
+    const std::string test = "tests/" + folder + "/" + std::string(stemOf(path)) + "_test.cpp";
+    if (!isThere(tree, test)) findings.push_back({source.path, 1, "there is no " + test});
   }
   return findings;
 }
 
 Findings checkTargets(const Tree& tree) {
+  constexpr auto programs =
+      std::to_array<std::string_view>({"base", "json", "model", "bridge", "tools", "render",
+                                       "calls", "mcp", "qp", "entry", "harness"});
   Findings findings;
   for (const Source& source : tree) {
     if (!source.isIn("tests/") || !source.path.ends_with(".cpp")) continue;
     const std::string_view folder = foldersBelowTop(source.path);
-    const bool isTest = source.path.ends_with("_test.cpp");
-    const std::string owner = "tests/" + std::string(folder) + "_test.cpp";
-    const bool servesWhole = std::ranges::find(tree, owner, &Source::path) != tree.end();
-    const bool built =
-        isTest ? folder.empty() || isOneOf(folder) : folder == "harness" || servesWhole;
-    if (!built) findings.push_back({source.path, 1, "no target builds this"});
+    const bool hasProgram =
+        folder.empty() || folder.starts_with("board/") || std::ranges::count(programs, folder) > 0;
+    const bool servesWhole = isThere(tree, "tests/" + std::string(folder) + "_test.cpp");
+    const bool isBuilt = source.isTest() ? hasProgram : folder == "harness" || servesWhole;
+    if (!isBuilt) findings.push_back({source.path, 1, "no target builds this"});
   }
   return findings;
 }

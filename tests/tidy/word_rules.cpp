@@ -2,110 +2,49 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
-#include <optional>
 
-// The words that the tree must not hold are put together from pieces here, so that this file does
-// not hold them either.
+// The reminders that the tree must not hold are put together from pieces here, so that this file
+// does not hold them either.
 
 namespace quillpost::tidy {
 namespace {
 
-/// Where a word is looked for.
-enum class Where { code, everything };
-
-/// A word that is not to be used, where, and what is used in its stead.
+/// Words that are not to be used, where, and what is to be done in their stead. An array is as long
+/// as its last text that is not empty.
 struct Ban {
-  std::string_view word;
-  Where where;
+  std::array<std::string_view, 6> words;
   std::string_view instead;
   std::array<std::string_view, 4> in;
   std::array<std::string_view, 2> exceptIn{};
+  /// Whether comments and literals count too, and files that are no code.
+  bool isEverywhere = false;
 };
-
-constexpr std::string_view oneClock = "time comes in through base/clock.h";
-constexpr std::string_view noSleep = "only a Clock sleeps";
-constexpr std::string_view oneEnvironment = "variables come in through base/environment.h";
-constexpr std::string_view oneOutput = "messages go out through an Output";
-constexpr std::string_view noException = "absence is a value";
-constexpr std::string_view oneThread = "the program has one thread";
-constexpr std::string_view oneProgram = "the program starts no other";
-constexpr std::string_view oneEnd = "only the main functions in entry/ end the process";
-constexpr std::string_view finished = "finish it";
-constexpr std::string_view canFail = "a test runs and can fail";
-constexpr std::string_view nowhere = "nobody else's machine has this";
-constexpr std::string_view itself = "say it as the system itself would";
 
 // clang-format off
 constexpr Ban bans[] = {
-    {"system_clock",          Where::code, oneClock, {"src/", "board/rules/"}},
-    {"steady_clock",          Where::code, oneClock, {"src/", "board/rules/"}, {"src/base/clock.h"}},
-    {"high_resolution_clock", Where::code, oneClock, {"src/", "board/"}},
-    {"clock_gettime",         Where::code, oneClock, {"src/", "board/"}},
-    {"gettimeofday",          Where::code, oneClock, {"src/", "board/"}},
-    {"sleep_for",             Where::code, noSleep, {"src/", "board/", "tests/"}, {"src/base/clock.h"}},
-    {"sleep_until",           Where::code, noSleep, {"src/", "board/", "tests/"}},
-    {"usleep",                Where::code, noSleep, {"src/", "board/", "tests/"}},
-    {"nanosleep",             Where::code, noSleep, {"src/", "board/", "tests/"}},
-    {"getenv",                Where::code, oneEnvironment, {"src/", "board/", "tests/"}, {"src/base/environment.h"}},
-    {"setenv",                Where::code, oneEnvironment, {"src/", "board/"}},
-    {"environ",               Where::code, oneEnvironment, {"src/", "board/", "tests/"}, {"src/base/environment.h"}},
-    {"std::cout",             Where::code, oneOutput, {"src/"}},
-    {"std::cerr",             Where::code, oneOutput, {"src/"}},
-    {"std::clog",             Where::code, oneOutput, {"src/", "board/"}},
-    {"printf",                Where::code, oneOutput, {"src/"}},
-    {"puts",                  Where::code, oneOutput, {"src/"}},
-    {"putchar",               Where::code, oneOutput, {"src/"}},
-    {"using namespace std;",  Where::code, "names of the library say so", {""}},
-    {"throw",                 Where::code, noException, {"src/", "board/"}},
-    {"dynamic_cast",          Where::code, "the type is known where it matters", {"src/", "board/"}},
-    {"typeid",                Where::code, "the type is known where it matters", {"src/", "board/"}},
-    {"std::thread",           Where::code, oneThread, {"src/"}},
-    {"std::mutex",            Where::code, oneThread, {"src/"}},
-    {"std::async",            Where::code, oneThread, {"src/"}},
-    {"fork",                  Where::code, oneProgram, {"src/"}},
-    {"execve",                Where::code, oneProgram, {"src/"}},
-    {"posix_spawn",           Where::code, oneProgram, {"src/"}},
-    {"popen",                 Where::code, oneProgram, {"src/"}},
-    {"std::system",           Where::code, oneProgram, {"src/"}},
-    {"exit",                  Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp"}},
-    {"_exit",                 Where::code, oneEnd, {"src/"}, {"src/entry/main.cpp", "src/entry/qp_main.cpp"}},
-    {"abort",                 Where::code, oneEnd, {"src/"}},
-    {"TO" "DO",               Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
-    {"FIX" "ME",              Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
-    {"XX" "X",                Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
-    {"HA" "CK",               Where::everything, finished, {"src/", "board/", "tests/", "scripts/"}},
-    {"GTEST" "_SKIP",         Where::everything, canFail, {"tests/"}},
-    {"DISABLED" "_",          Where::everything, canFail, {"tests/"}},
-    {"SUCC" "EED()",          Where::everything, canFail, {"tests/"}},
-    {"EXPECT_TRUE" "(true)",  Where::everything, canFail, {"tests/"}},
-    {"/wo" "rk/",             Where::everything, nowhere, {""}},
-    {"/fa" "rm/",             Where::everything, nowhere, {""}},
-    {"../sha" "red/",         Where::everything, nowhere, {""}},
-    {"registr" "y.npm",       Where::everything, nowhere, {""}},
-    {"deb" ".debian",         Where::everything, nowhere, {""}},
-    {"\"resol" "ved\": \"http", Where::everything, nowhere, {""}},
-    {"spec" ".md",            Where::everything, itself, {""}},
-    {"spec" "ification.md",   Where::everything, itself, {""}},
-    {"the spec" "ification",  Where::everything, itself, {""}},
-    {"this spec" "ification", Where::everything, itself, {""}},
-    {"our spec" "ification",  Where::everything, itself, {""}},
-    {"RUL" "INGS",            Where::everything, itself, {""}},
-    {"HOU" "SE.md",           Where::everything, itself, {""}},
-    {"ANCH" "ORS.md",         Where::everything, itself, {""}},
+    {{"steady_clock"}, "time comes in through base/clock.h", {"src/", "board/rules/"}, {"src/base/clock.h"}},
+    {{"system_clock"}, "time comes in through base/clock.h", {"src/", "board/rules/"}},
+    {{"high_resolution_clock", "clock_gettime", "gettimeofday"}, "time comes in through base/clock.h", {"src/", "board/"}},
+    {{"sleep_for", "sleep_until", "usleep", "nanosleep"}, "only a Clock sleeps", {"src/", "board/", "tests/"}, {"src/base/clock.h"}},
+    {{"getenv", "environ"}, "variables come in through base/environment.h", {"src/", "board/", "tests/"}, {"src/base/environment.h"}},
+    {{"setenv", "putenv"}, "the environment is only read", {"src/", "board/"}},
+    {{"std::cout", "std::cerr", "std::clog", "printf", "puts", "putchar"}, "messages go out through an Output", {"src/"}},
+    {{"throw"}, "absence is a value", {"src/", "board/"}},
+    {{"dynamic_cast", "typeid"}, "the type is known where it matters", {"src/", "board/"}},
+    {{"std::thread", "std::mutex", "std::async"}, "the program has one thread", {"src/"}},
+    {{"fork", "execve", "posix_spawn", "popen", "std::system"}, "the program starts no other", {"src/"}},
+    {{"exit", "_exit", "abort"}, "only the main functions in entry/ end the process", {"src/"}, {"src/entry/main.cpp", "src/entry/qp_main.cpp"}},
+    {{"TO" "DO", "FIX" "ME", "XX" "X", "HA" "CK"}, "finish it", {"src/", "board/", "tests/", "scripts/"}, {}, true},
+    {{"GTEST" "_SKIP", "DISABLED" "_", "SUCC" "EED()", "EXPECT_TRUE" "(true)"}, "a test runs and can fail", {"tests/"}, {}, true},
 };
 // clang-format on
-
-bool isWordByte(char byte) {
-  return std::isalnum(static_cast<unsigned char>(byte)) != 0 || byte == '_';
-}
 
 /// Whether the word stands in the line, not as a part of a longer one.
 bool holdsWord(std::string_view line, std::string_view word) {
   for (std::size_t at = line.find(word); at != std::string_view::npos;
        at = line.find(word, at + 1)) {
     const std::size_t end = at + word.size();
-    const bool beginsWord = !isWordByte(word.front()) || at == 0 || !isWordByte(line[at - 1]);
+    const bool beginsWord = at == 0 || !isWordByte(line[at - 1]);
     const bool endsWord = !isWordByte(word.back()) || word.back() == '_' || end == line.size() ||
                           !isWordByte(line[end]);
     if (beginsWord && endsWord) return true;
@@ -113,30 +52,9 @@ bool holdsWord(std::string_view line, std::string_view word) {
   return false;
 }
 
-bool isAnyOf(const Source& source, std::span<const std::string_view> folders, bool emptyCounts) {
-  const auto fits = [&](std::string_view folder) { return !folder.empty() && source.isIn(folder); };
-  return std::ranges::any_of(folders, fits) || (emptyCounts && folders.front().empty());
-}
-
-/// A chapter number, such as only the plans of a system have.
-bool namesChapter(std::string_view line) {
-  constexpr std::string_view digits = "12345";
-  const auto isDigit = [&](std::size_t at) {
-    return at < line.size() && digits.find(line[at]) != std::string_view::npos;
-  };
-  for (const std::string_view word : {"Pa"
-                                      "rt ",
-                                      "Pa"
-                                      "rts "}) {
-    for (std::size_t at = line.find(word); at != std::string_view::npos;
-         at = line.find(word, at + 1)) {
-      const std::size_t number = at + word.size();
-      if (isDigit(number) && line.substr(number + 1).starts_with('.') && isDigit(number + 2)) {
-        return true;
-      }
-    }
-  }
-  return false;
+bool isInAnyOf(const Source& source, std::span<const std::string_view> places) {
+  return std::ranges::any_of(
+      places, [&](std::string_view place) { return !place.empty() && source.isIn(place); });
 }
 
 }  // namespace
@@ -145,19 +63,14 @@ Findings checkWords(const Tree& tree) {
   Findings findings;
   for (const Source& source : tree) {
     for (const Ban& ban : bans) {
-      if (!isAnyOf(source, ban.in, true) || isAnyOf(source, ban.exceptIn, false)) continue;
-      if (ban.where == Where::code && !source.isCode()) continue;
-      const std::vector<std::string>& lines = ban.where == Where::code ? source.code : source.lines;
+      if (!isInAnyOf(source, ban.in) || isInAnyOf(source, ban.exceptIn)) continue;
+      const std::vector<std::string>& lines = ban.isEverywhere ? source.lines : source.code;
       for (std::size_t i = 0; i < lines.size(); ++i) {
-        if (holdsWord(lines[i], ban.word)) {
-          findings.push_back({source.path, i + 1,
-                              "\"" + std::string(ban.word) + "\": " + std::string(ban.instead)});
+        for (const std::string_view word : ban.words) {
+          if (word.empty() || !holdsWord(lines[i], word)) continue;
+          findings.push_back(
+              {source.path, i + 1, "\"" + std::string(word) + "\": " + std::string(ban.instead)});
         }
-      }
-    }
-    for (std::size_t i = 0; i < source.lines.size(); ++i) {
-      if (namesChapter(source.lines[i])) {
-        findings.push_back({source.path, i + 1, "a chapter number: " + std::string(itself)});
       }
     }
   }

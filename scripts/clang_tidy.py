@@ -1,0 +1,141 @@
+#!/usr/bin/env python3
+"""Runs clang-tidy over the programs' sources, two folders at a time, or over the sources named.
+
+  scripts/clang_tidy.py BUILD                 all sources of src/ and board/
+  scripts/clang_tidy.py BUILD src/base/a.cpp  these
+
+BUILD is a build directory with compile_commands.json. The sources of a folder are looked at as one:
+most of the time goes into the headers of libraries, which are then read once and not once for each
+source. Where two of them do not go together, each is looked at by itself. What was found clean is
+kept in BUILD/clean, and looked at again when the sources, a header of ours that they include, the
+configuration or the compile command has changed.
+"""
+
+import concurrent.futures
+import hashlib
+import json
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+
+ROOT = pathlib.Path(__file__).resolve().parent.parent
+CONFIGURATION = (ROOT / ".clang-tidy").read_text(encoding="utf-8")
+# The formatter takes care of it in each source; together they include much twice.
+JOINED = ["--checks=-readability-duplicate-include"]
+INCLUDE = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
+TEXTS = {}
+
+
+def text_of(path):
+    if path not in TEXTS:
+        TEXTS[path] = path.read_text(encoding="utf-8") if path.is_file() else None
+    return TEXTS[path]
+
+
+def with_headers(sources):
+    """The sources and every header of ours that they include, each once and in order."""
+    found, ahead = {}, list(sources)
+    while ahead:
+        path = ahead.pop()
+        if path in found or text_of(path) is None:
+            continue
+        found[path] = text_of(path)
+        for name in INCLUDE.findall(found[path]):
+            ahead += [ROOT / "src" / name, ROOT / "tests" / name, ROOT / name]
+    return sorted(found.items())
+
+
+class Build:
+    """A build directory, and what clang-tidy has said of sources that it compiles."""
+
+    def __init__(self, directory):
+        self.directory = directory
+        with open(directory / "compile_commands.json", encoding="utf-8") as commands:
+            self.commands = {pathlib.Path(entry["file"]): entry for entry in json.load(commands)}
+        self.clean = directory / "clean"
+        self.clean.mkdir(exist_ok=True)
+        self.version = subprocess.run(["clang-tidy", "--version"], check=True, capture_output=True,
+                                      text=True).stdout
+
+    def arguments(self, source):
+        """The compile command without the cache before it, the source and the object."""
+        words = shlex.split(self.commands[source]["command"])
+        while not re.search(r"(\+\+|cc|clang)(-\d+)?$", words[0]):
+            del words[0]
+        at = words.index("-o")
+        return [word for word in words[:at] + words[at + 2:] if word not in ("-c", str(source))]
+
+    def mark(self, sources):
+        """The file that is there when these sources were found clean as they are."""
+        told = hashlib.sha256()
+        facts = [CONFIGURATION, self.version, *self.arguments(sources[0])]
+        for path, text in with_headers(sources):
+            facts += [str(path), text]
+        for fact in facts:
+            told.update(fact.encode() + b"\0")
+        return self.clean / told.hexdigest()
+
+    def run(self, file, source, options=()):
+        """What clang-tidy says of `file`, compiled as `source` is; nothing when it is clean."""
+        ended = subprocess.run(
+            ["clang-tidy", "--quiet", f"--config={CONFIGURATION}", *options, str(file), "--",
+             *self.arguments(source)[1:]],
+            check=False, capture_output=True, text=True, cwd=self.commands[source]["directory"])
+        return ended.stdout or ended.stderr if ended.returncode else ""
+
+    def check(self, sources):
+        """What is wrong with them; nothing when they are clean."""
+        mark = self.mark(sources)
+        if mark.exists():
+            return ""
+        said = self.joined(sources) if len(sources) > 1 else None
+        if said is None:
+            said = "".join(self.run(source, source) for source in sources)
+        if not said:
+            mark.touch()
+        return said
+
+    def joined(self, sources):
+        """What is wrong with all of them in one file, told by the places where they are; None when
+        they cannot be compiled so."""
+        name = str(sources[0].parent.relative_to(ROOT)).replace("/", "_")
+        file = self.directory / f"lint_{name}.cpp"
+        lines, places = [], [None]
+        for source in sources:
+            for number, line in enumerate(text_of(source).splitlines(), 1):
+                lines.append(line)
+                places.append(f"{source.relative_to(ROOT)}:{number}")
+        file.write_text("\n".join(lines) + "\n", encoding="utf-8")
+        said = self.run(file, sources[0], JOINED)
+        if "[clang-diagnostic-error" in said:
+            return None
+        return re.sub(re.escape(str(file)) + r":(\d+)", lambda found: places[int(found[1])], said)
+
+
+def main():
+    build = Build(pathlib.Path(sys.argv[1]).resolve())
+    if len(sys.argv) > 2:
+        groups = [[pathlib.Path(name).resolve()] for name in sys.argv[2:]]
+    else:
+        folders = {}
+        for source in sorted(build.commands):
+            if source.is_relative_to(ROOT / "src") or source.is_relative_to(ROOT / "board"):
+                folders.setdefault(source.parent, []).append(source)
+        # The longest first, so that none is left over at the end.
+        groups = sorted(folders.values(), key=len, reverse=True)
+    unknown = [str(path) for group in groups for path in group if path not in build.commands]
+    if unknown:
+        sys.exit(f"no target compiles {', '.join(unknown)}")
+    status = 0
+    with concurrent.futures.ThreadPoolExecutor(2) as pool:
+        for said in pool.map(build.check, groups):
+            if said:
+                print(said, end="", flush=True)
+                status = 1
+    sys.exit(status)
+
+
+if __name__ == "__main__":
+    main()
