@@ -14,9 +14,9 @@ TEST(GoldenText, IsQuotedByNameInAPattern) {
 }
 
 TEST(GoldenText, IsEscapedInJson) {
-  const std::string text = goldenText("boardProtocol");
+  const std::string text = goldenText("serverInstructions");
   ASSERT_NE(text.find('\n'), std::string::npos) << "a text of several lines is needed";
-  EXPECT_EQ(expanded("{{boardProtocol}}", Quoting::json).find('\n'), std::string::npos);
+  EXPECT_EQ(expanded("{{serverInstructions}}", Quoting::json).find('\n'), std::string::npos);
 }
 
 TEST(GoldenText, OfAnUnknownNameIsAFailure) {
