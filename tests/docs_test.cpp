@@ -1,6 +1,6 @@
 // The pages of docs/ that tables of the program print. A page holds prose by hand and blocks
-// between "<!-- generated: name -->" and "<!-- end -->"; the blocks are made here from the tables and
-// compared. With --update they are rewritten in place.
+// between "<!-- generated: name -->" and "<!-- end -->"; the blocks are made here from the tables
+// and compared. With --update they are rewritten in place.
 
 #include "base/text.h"
 #include "docs/blocks.h"

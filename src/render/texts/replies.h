@@ -37,9 +37,7 @@ inline constexpr std::string_view appUnreachable =
     "Wait a moment and retry this call.";
 
 /// The last line of every result: the Thread that answered, behind a blank line.
-inline std::string threadLine(std::string_view tag) {
-  return text::cat("\n\n(thread ", tag, ")");
-}
+inline std::string threadLine(std::string_view tag) { return text::cat("\n\n(thread ", tag, ")"); }
 
 /// A registration that came back without an agent.
 inline constexpr std::string_view registered = "Registered.";
