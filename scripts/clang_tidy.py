@@ -130,8 +130,9 @@ def main():
         sys.exit(f"no target compiles {', '.join(unknown)}")
     status = 0
     with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        for said in pool.map(build.check, groups):
-            if said:
+        for done in concurrent.futures.as_completed([pool.submit(build.check, group)
+                                                     for group in groups]):
+            if said := done.result():
                 print(said, end="", flush=True)
                 status = 1
     sys.exit(status)
