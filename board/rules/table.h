@@ -73,7 +73,7 @@ class Table {
   std::vector<const Row*> upTo(std::string_view index, std::string_view word) const {
     std::vector<const Row*> found;
     for (auto at = index_.from({index, {}}); at != index_.end(); ++at) {
-      if (at->index != index || at->word > word) break;
+      if (at->index != index || word < std::string_view(at->word)) break;
       if (!before_.contains(at->id)) found.push_back(find(at->id));
     }
     std::ranges::sort(found, {}, &Row::id);
