@@ -40,7 +40,7 @@ std::optional<Question> findQuestion(const Arguments& arguments) {
 
 /// The kind that was asked for, or the one that the rest of the ask points to.
 std::string resolveKind(const std::optional<std::string>& asked, const Payload& ask) {
-  const std::string kind = text::lowered(asked.value_or(""));
+  std::string kind = text::lowered(asked.value_or(""));
   if (std::ranges::find(properties::blockerKinds, kind) != properties::blockerKinds.end())
     return kind;
   if (ask.s) return "secret";

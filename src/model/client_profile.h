@@ -3,6 +3,7 @@
 // Which harness is calling, and what the program does differently for it. A harness is told apart
 // by its row below alone: nothing else compares profiles.
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <string_view>
@@ -62,13 +63,11 @@ static_assert(
     }(),
     "each profile has its row, in its place");
 static_assert(clients.back().profile == ClientTraits::Profile::unknown, "no profile lacks a row");
-static_assert(
-    [] {
-      for (const ClientTraits& client : clients)
-        if (client.word.empty() != (client.profile == ClientTraits::Profile::unknown)) return false;
-      return true;
-    }(),
-    "each client is known by a word, and every other one by none");
+static_assert(std::ranges::all_of(clients,
+                                  [](const ClientTraits& client) {
+                                    return client.word.empty() == (&client == &clients.back());
+                                  }),
+              "each client is known by a word, and every other one by none");
 
 /// The traits of a client.
 constexpr const ClientTraits& traitsOf(TeamworkClientProfile::Profile profile) {

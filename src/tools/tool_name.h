@@ -82,8 +82,8 @@ class MethodName {
  public:
   consteval MethodName(const char* name)  // NOLINT(google-explicit-constructor)
       : MethodName(std::string_view(name)) {}
-  consteval MethodName(std::string_view name)
-      : text_(name) {  // NOLINT(google-explicit-constructor)
+  // NOLINTNEXTLINE(google-explicit-constructor)
+  consteval MethodName(std::string_view name) : text_(name) {
     if (!isBoardMethod(text_) && text_ != pollChanges && text_ != wakeQuery) noSuchTool();
   }
 
