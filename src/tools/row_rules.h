@@ -20,8 +20,9 @@ constexpr bool isDescribed(const Tool& tool) {
 
 /// Whether a word may fill the property: one of the tool's, a list only when no word follows.
 constexpr bool isPositional(const Tool& tool, std::string_view name, bool isLast) {
-  const Property* property = findProperty(tool, name);
-  return property != nullptr && (property->type != Type::strings || isLast);
+  return std::ranges::any_of(tool.properties, [name, isLast](const Property& property) {
+    return property.name == name && (property.type != Type::strings || isLast);
+  });
 }
 
 /// Whether the words of a call fill properties of the tool: all that are required, none twice, and
@@ -40,8 +41,10 @@ constexpr bool fillsItsProperties(const Tool& tool) {
   for (const Property& property : tool.properties)
     if (property.need == Need::required && !line.positionals.contains(property.name)) return false;
   if (line.mainText.empty()) return true;
-  const Property* text = findProperty(tool, line.mainText);
-  return text != nullptr && text->type == Type::string && !line.positionals.contains(text->name);
+  if (line.positionals.contains(line.mainText)) return false;
+  return std::ranges::any_of(tool.properties, [&line](const Property& property) {
+    return property.name == line.mainText && property.type == Type::string;
+  });
 }
 
 /// The name of the only tool that the verb can mean; empty when it is none or one of several.

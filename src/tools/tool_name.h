@@ -22,7 +22,7 @@ class ToolName {
  public:
   // Implicit, so that a row of a table can spell the tool as plain text.
   consteval ToolName(const char* name) : text_(name) {  // NOLINT(google-explicit-constructor)
-    if (findTool(text_) == nullptr) noSuchTool();
+    if (!isTool(text_)) noSuchTool();
   }
 
   // Implicit, so that a name goes wherever a text goes.

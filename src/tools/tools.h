@@ -57,6 +57,11 @@ constexpr const Tool* findTool(std::string_view name) {
   return nullptr;
 }
 
+/// Whether a tool has that name.
+constexpr bool isTool(std::string_view name) {
+  return std::ranges::find(tools, name, &Tool::name) != tools.end();
+}
+
 /// The tool that a verb of the command line means: its name, with "-" or with "_", or one of its
 /// shorter ones. Null for a word that is none of these.
 const Tool* findByVerb(std::string_view verb);

@@ -286,7 +286,7 @@ TEST_F(FoundProgram, ReachesTheOneLiveSocketAndNeverOneOfTwo) {
   variables["QUILLPOST_COLLAB_TOKEN_FILE"] = home.pathOf("elsewhere.token");
   EXPECT_EQ(runHook(variables).status, 2);
   // The probe, and the question.
-  ASSERT_EQ(one->requests().size(), 2u);
+  ASSERT_TRUE(one->waitForRequests(2));
   EXPECT_EQ(one->requests().front(), "");
   EXPECT_EQ(decodeRequest(one->requests().back()).value_or(TeamworkRequest()).token, "given");
 
