@@ -5,7 +5,7 @@
 #include "model/coding.h"
 #include "model/human_ask.h"
 #include "model/markers.h"
-#include "tools/tools.h"
+#include "tools/claims.h"
 
 #include <algorithm>
 #include <string_view>

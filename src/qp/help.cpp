@@ -7,57 +7,10 @@
 #include "render/texts/registration.h"
 #include "tools/tools.h"
 
-#include <algorithm>
-#include <array>
-
 namespace quillpost {
 namespace {
 
 constexpr std::size_t lineWidth = 100;
-
-/// A value that a property might have, for the examples.
-struct Sample {
-  std::string_view property;
-  std::string_view value;
-};
-
-// clang-format off
-constexpr auto samples = std::to_array<Sample>({
-    {"taskID",              "t000012"},
-    {"taskIDs",             "t000012"},
-    {"discussionID",        "d000003"},
-    {"title",               "'Parse leases'"},
-    {"body",                "'Done when the tests of leases pass.'"},
-    {"text",                "'The schema is on t000009.'"},
-    {"summary",             "'Leases are parsed; all tests pass.'"},
-    {"progress",            "'worktree leases, branch parse; parser done, tests next'"},
-    {"reason",              "'Superseded by t000009.'"},
-    {"question",            "'One table for leases or two?'"},
-    {"resolution",          "'One table.'"},
-    {"description",         "'Leases survive a restart, shown by a test.'"},
-    {"note",                "'Ran the tests, read the diff.'"},
-    {"status",              "'parsing leases'"},
-    {"to",                  "KQ3"},
-    {"handle",              "KQ4"},
-    {"name",                "Parser"},
-    {"command",             "'claude --model sonnet'"},
-    {"explanation",         "'Good at long refactorings.'"},
-    {"brief",               "'Measure the parser; done when the numbers are on the task.'"},
-    {"role",                "reviewer"},
-    {"ofRole",              "reviewer"},
-    {"purpose",             "'Nobody loses work.'"},
-    {"waitsOn",             "t000009"},
-    {"include",             "all"},
-    {"limit",               "40"},
-    {"logLimit",            "5"},
-    {"addressTo",           "KQ3"},
-});
-// clang-format on
-
-std::string_view sampleFor(std::string_view property) {
-  const auto* const row = std::ranges::find(samples, property, &Sample::property);
-  return row == samples.end() ? std::string_view() : row->value;
-}
 
 std::string padded(std::string_view word, std::size_t width) {
   std::string out(word);
@@ -97,32 +50,6 @@ std::string optionHelp(const Property& property) {
                                   }),
                        ".");
   return text::cat(head, "\n", wrapped(about, indent));
-}
-
-/// The positionals of a call as words, or as options.
-std::string sampleWords(const Tool& tool, bool asOptions) {
-  std::string words;
-  const CommandLine& line = tool.commandLine;
-  for (const std::string_view name : line.positionals) {
-    const bool isFlag = findProperty(tool, name)->type == Type::boolean;
-    const std::string_view value = isFlag ? line.yes : sampleFor(name);
-    if (asOptions)
-      words += isFlag ? text::cat(" --", kebab(name)) : text::cat(" --", kebab(name), " ", value);
-    if (!asOptions) words += text::cat(" ", value);
-  }
-  return words;
-}
-
-/// An option that is worth showing: one with a sample that is no word of the call already.
-std::string sampleOption(const Tool& tool) {
-  const CommandLine& line = tool.commandLine;
-  for (const Property& property : tool.properties) {
-    if (line.positionals.contains(property.name) || property.name == line.mainText) continue;
-    if (property.type == Type::boolean) return text::cat(" --", kebab(property.name));
-    const std::string_view value = sampleFor(property.name);
-    if (!value.empty()) return text::cat(" --", kebab(property.name), " ", value);
-  }
-  return {};
 }
 
 std::string verbLines() {
@@ -180,13 +107,10 @@ std::string commandHelp(const CommandRow& row) {
 }
 
 std::vector<std::string> examplesOf(const Tool& tool) {
-  const CommandLine& line = tool.commandLine;
-  std::string shortest = text::cat("qp ", line.name, sampleWords(tool, false));
-  if (!line.mainText.empty()) shortest += text::cat(" ", sampleFor(line.mainText));
-  const std::string option = sampleOption(tool);
-  std::string longest =
-      text::cat("qp ", tool.name, sampleWords(tool, true), option.empty() ? " --json" : option);
-  return {std::move(shortest), std::move(longest)};
+  std::vector<std::string> lines;
+  for (const std::string_view example : tool.commandLine.examples)
+    lines.push_back(text::cat("qp ", example));
+  return lines;
 }
 
 std::string brief() {

@@ -115,7 +115,9 @@ inline constexpr Tool backlogTools[] = {
          "Then list_tasks and claim a READY one; leave the parallelizable tasks for peers.",
      .commandLine = {.name = "add", .otherNames = {"create", "new"}, .positionals = {"title"},
                      .mainText = "body",
-                     .gist = "file a task that anybody may claim"}},
+                     .gist = "file a task that anybody may claim",
+                     .examples = {"add 'Parse leases' 'A line into its fields. Not: writing one.'",
+                                  "add 'Document leases' --waits-on t000012 --priority 1"}}},
 
     {.name = "list_tasks",
      .description =
@@ -139,7 +141,8 @@ inline constexpr Tool backlogTools[] = {
      .properties = properties::listTasks,
      .emptyWords = texts::backlogEmpty,
      .commandLine = {.name = "tasks", .otherNames = {"ls", "list", "ready"},
-                     .gist = "the backlog: yours, for you, ready, waiting"}},
+                     .gist = "the backlog: yours, for you, ready, waiting",
+                     .examples = {"tasks", "tasks --include all"}}},
 
     {.name = "read_task",
      .description =
@@ -159,8 +162,10 @@ inline constexpr Tool backlogTools[] = {
          "and anything reaching outside this machine (a device, a deploy, a release) "
          "goes to the human first.",
      .properties = properties::readTask,
-     .commandLine = {.name = "show", .otherNames = {"view", "get", "read"}, .positionals = {"taskID"},
-                     .gist = "one task whole, with its log"}},
+     .commandLine = {.name = "show", .otherNames = {"view", "get", "read"},
+                     .positionals = {"taskID"},
+                     .gist = "one task whole, with its log",
+                     .examples = {"show t000012", "show t000012 --log-offset 1"}}},
 };
 
 // clang-format on

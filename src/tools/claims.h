@@ -131,7 +131,8 @@ inline constexpr Tool claimTools[] = {
          "and wait_for_changes to keep listening until it clears — "
          "the answer may arrive as a WAKE (`wakeReasons` on the wait's return).",
      .commandLine = {.name = "claim", .otherNames = {"take"}, .positionals = {"taskID"},
-                     .gist = "take a READY task; the lease is yours to renew"}},
+                     .gist = "take a READY task; the lease is yours to renew",
+                     .examples = {"claim t000012", "claim t000012 then show t000012"}}},
 
     {.name = "update_task",
      .description =
@@ -162,7 +163,9 @@ inline constexpr Tool claimTools[] = {
          "On a task you do not hold, use comment_task.",
      .properties = properties::updateTask,
      .commandLine = {.name = "update", .positionals = {"taskID"}, .mainText = "progress",
-                     .gist = "leave progress, correct the task, block or park it"}},
+                     .gist = "leave progress, correct the task, block or park it",
+                     .examples = {"update t000012 'branch leases: parser DONE, tests next'",
+                                  "update t000012 --blocked --blocker-question 'May I drop it?'"}}},
 
     {.name = "complete_task",
      .description =
@@ -201,7 +204,9 @@ inline constexpr Tool claimTools[] = {
          "Only when the whole goal is done do you propose_goal_complete and stand down.",
      .commandLine = {.name = "done", .otherNames = {"close", "complete", "finish"},
                      .positionals = {"taskID", "summary"},
-                     .gist = "close a task with its verified outcome"}},
+                     .gist = "close a task with its verified outcome",
+                     .examples = {"done t000012 'Leases are parsed; all tests of the parser pass.'",
+                                  "done t000012 'The table is written and read.' then tasks"}}},
 
     {.name = "reject_task",
      .description =
@@ -225,7 +230,9 @@ inline constexpr Tool claimTools[] = {
          "If the task was wrong rather than unneeded, "
          "consider add_task with a corrected version before moving on.",
      .commandLine = {.name = "reject", .positionals = {"taskID"}, .mainText = "reason",
-                     .gist = "decline a task: it will not be done"}},
+                     .gist = "decline a task: it will not be done",
+                     .examples = {"reject t000012 'The new parser made it needless'",
+                                  "reject t000012 --reason 'out of scope'"}}},
 
     {.name = "delete_task",
      .description =
@@ -249,7 +256,8 @@ inline constexpr Tool claimTools[] = {
          "rather than re-creating it as a duplicate. "
          "Otherwise carry on: claim the next READY task, or wait_for_changes if nothing's ready.",
      .commandLine = {.name = "delete", .positionals = {"taskID"}, .mainText = "reason",
-                     .gist = "remove a task that should never have been filed"}},
+                     .gist = "remove a task that should never have been filed",
+                     .examples = {"delete t000012 'a duplicate of t000009'", "delete t000012"}}},
 
     {.name = "release_task",
      .description =
@@ -275,7 +283,9 @@ inline constexpr Tool claimTools[] = {
          "so whoever claims it next resumes cold. "
          "Then claim the next READY task, or wait_for_changes if nothing's ready.",
      .commandLine = {.name = "release", .positionals = {"taskID"},
-                     .gist = "hand a task you hold back to the pool"}},
+                     .gist = "hand a task you hold back to the pool",
+                     .examples = {"release t000012",
+                                  "comment t000012 'the branch is leases' then release t000012"}}},
 
     {.name = "watch_task",
      .description =
@@ -297,7 +307,8 @@ inline constexpr Tool claimTools[] = {
          "It costs nothing to carry, so carry on with your own work and let the board tell you. "
          "unwatch_task when you stop caring.",
      .commandLine = {.name = "watch", .positionals = {"taskID"},
-                     .gist = "be told when a task moves, without claiming it"}},
+                     .gist = "be told when a task moves, without claiming it",
+                     .examples = {"watch t000012", "watch t000012 then wait t000012"}}},
 
     {.name = "unwatch_task",
      .description =
@@ -310,7 +321,8 @@ inline constexpr Tool claimTools[] = {
          "and will hear nothing more about it unless you claim it or are @-mentioned on it. "
          "Carry on: claim the next READY task, or wait_for_changes if nothing's ready.",
      .commandLine = {.name = "unwatch", .positionals = {"taskID"},
-                     .gist = "stop being told"}},
+                     .gist = "stop being told",
+                     .examples = {"unwatch t000012", "unwatch t000012 then tasks"}}},
 };
 
 // clang-format on

@@ -66,7 +66,9 @@ inline constexpr Tool discussionTools[] = {
          "decide those and move.",
      .properties = properties::openDiscussion,
      .commandLine = {.name = "discuss", .otherNames = {"ask"}, .positionals = {"question"},
-                     .gist = "open a debate on one question"}},
+                     .gist = "open a debate on one question",
+                     .examples = {"discuss 'One table or two? I say one: they are read together.'",
+                                  "discuss 'Keep the old format?' --task-id t000012"}}},
 
     {.name = "reply_discussion",
      .description =
@@ -85,7 +87,9 @@ inline constexpr Tool discussionTools[] = {
          "and never end your turn while a discussion you are party to is open.",
      .properties = properties::replyDiscussion,
      .commandLine = {.name = "reply", .positionals = {"discussionID", "text"},
-                     .gist = "add your volley"}},
+                     .gist = "add your volley",
+                     .examples = {"reply d000003 'Agreed, if the index stays.'",
+                                  "reply d000003 -"}}},
 
     {.name = "resolve_discussion",
      .description =
@@ -101,7 +105,9 @@ inline constexpr Tool discussionTools[] = {
          "which may be one task, several, or none.",
      .properties = properties::resolveDiscussion,
      .commandLine = {.name = "resolve", .positionals = {"discussionID", "resolution"},
-                     .gist = "close a debate with its decision"}},
+                     .gist = "close a debate with its decision",
+                     .examples = {"resolve d000003 'One table, with the index as it is.'",
+                                  "resolve d000003 'Both formats stay.' then plan"}}},
 };
 
 // clang-format on

@@ -58,7 +58,8 @@ inline constexpr Tool planTools[] = {
      .properties = properties::readPlan,
      .emptyWords = "This Thread has no goal yet.",
      .commandLine = {.name = "plan",
-                     .gist = "the goal, the open discussions and your next step"}},
+                     .gist = "the goal, the open discussions and your next step",
+                     .examples = {"plan", "plan --offset 1 --limit 20"}}},
 
     {.name = "set_goal",
      .description =
@@ -80,7 +81,9 @@ inline constexpr Tool planTools[] = {
          "wiring waitsOn for any ordering — that backlog is how peers pick up work. "
          "Setting the goal is not the job.",
      .commandLine = {.name = "goal", .mainText = "description",
-                     .gist = "say what the board is working toward"}},
+                     .gist = "say what the board is working toward",
+                     .examples = {"goal 'The importer reads every file of the archive'",
+                                  "goal 'Release 2.0' --non-goals 'no new formats'"}}},
 
     {.name = "set_charter",
      .description =
@@ -93,7 +96,9 @@ inline constexpr Tool planTools[] = {
          "read_plan shows the charter beside the goal.",
      .properties = properties::setCharter,
      .commandLine = {.name = "charter", .positionals = {"name"},
-                     .gist = "say what this table owns, beyond one goal"}},
+                     .gist = "say what this table owns, beyond one goal",
+                     .examples = {"charter 'The importer and its formats'",
+                                  "set-charter 'The billing service'"}}},
 };
 
 // clang-format on

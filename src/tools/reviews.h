@@ -65,7 +65,9 @@ inline constexpr Tool reviewTools[] = {
          "take it up again.",
      .properties = properties::requestReview,
      .commandLine = {.name = "review", .positionals = {"taskID"}, .mainText = "note",
-                     .gist = "ask a peer to verify work that is done"}},
+                     .gist = "ask a peer to verify work that is done",
+                     .examples = {"review t000012 'the corner cases are in the last test'",
+                                  "review t000012 --of-role reviewer"}}},
 
     {.name = "verify_task",
      .description =
@@ -83,7 +85,9 @@ inline constexpr Tool reviewTools[] = {
      .properties = properties::verifyTask,
      .commandLine = {.name = "verify", .positionals = {"taskID", "approve"}, .mainText = "note",
                      .yes = "approve", .no = "reject",
-                     .gist = "give the verdict on a peer's work"}},
+                     .gist = "give the verdict on a peer's work",
+                     .examples = {"verify t000012 approve 'built it and ran the tests'",
+                                  "verify t000012 reject 'an empty file is not read'"}}},
 
     {.name = "comment_task",
      .description =
@@ -113,7 +117,9 @@ inline constexpr Tool reviewTools[] = {
          "A question left in a comment with nobody listening is how a Thread stalls. "
          "If it was pure FYI, carry on.",
      .commandLine = {.name = "comment", .positionals = {"taskID"}, .mainText = "text",
-                     .gist = "leave a comment; no claim needed"}},
+                     .gist = "leave a comment; no claim needed",
+                     .examples = {"comment t000012 'the schema is on t000009'",
+                                  "comment t000012 'please look' --tags human,KQ3"}}},
 };
 
 // clang-format on

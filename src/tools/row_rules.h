@@ -59,13 +59,20 @@ constexpr std::string_view onlyMeaning(std::string_view verb) {
   return found;
 }
 
-/// Whether the tool's name and each verb of its command line means this tool and no other, and the
-/// command line says what it is for.
+/// Whether the tool's name and each verb of its command line means this tool and no other.
 constexpr bool hasVerbsOfItsOwn(const Tool& tool) {
   const CommandLine& line = tool.commandLine;
   const auto meansIt = [&tool](std::string_view verb) { return onlyMeaning(verb) == tool.name; };
-  return meansIt(tool.name) && meansIt(line.name) && !line.gist.empty() &&
-         std::ranges::all_of(line.otherNames, meansIt);
+  return meansIt(tool.name) && meansIt(line.name) && std::ranges::all_of(line.otherNames, meansIt);
+}
+
+/// Whether the command line says what it is for and shows two examples, of which at least the first
+/// begins with its verb.
+constexpr bool isShown(const CommandLine& line) {
+  if (line.gist.empty() || line.examples.size() != 2) return false;
+  const std::string_view first = *line.examples.begin();
+  return first.starts_with(line.name) &&
+         (first.size() == line.name.size() || first[line.name.size()] == ' ');
 }
 
 }  // namespace quillpost

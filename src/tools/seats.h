@@ -50,7 +50,9 @@ inline constexpr Tool seatTools[] = {
          "When your work here is finished, unregister.",
      .properties = properties::registerSeat,
      .commandLine = {.name = "register", .mainText = "name",
-                     .gist = "take your seat, or say anew who you are"}},
+                     .gist = "take your seat, or say anew who you are",
+                     .examples = {"register Ada --role reviewer",
+                                  "register --status 'reading the plan'"}}},
 
     {.name = "unregister",
      .description =
@@ -61,7 +63,8 @@ inline constexpr Tool seatTools[] = {
          "Nothing READY is not the same as finished: "
          "to wait for work, keep your seat and call wait_for_changes.",
      .commandLine = {.name = "unregister", .otherNames = {"leave"},
-                     .gist = "hand your seat back; your claims return to the pool"}},
+                     .gist = "hand your seat back; your claims return to the pool",
+                     .examples = {"unregister", "leave"}}},
 
     {.name = "heartbeat",
      .description =
@@ -78,7 +81,9 @@ inline constexpr Tool seatTools[] = {
          "for a task you hold, write that with update_task.",
      .properties = properties::heartbeat,
      .commandLine = {.name = "heartbeat", .mainText = "status",
-                     .gist = "renew your presence and your claims"}},
+                     .gist = "renew your presence and your claims",
+                     .examples = {"heartbeat",
+                                  "heartbeat 'the parser is built, its tests are not'"}}},
 
     {.name = "list_agents",
      .description =
@@ -98,7 +103,8 @@ inline constexpr Tool seatTools[] = {
          "and those already running, with which are yours.",
      .emptyWords = "No agents are registered in this Thread right now.",
      .commandLine = {.name = "agents",
-                     .gist = "who is here, and whom you can reach"}},
+                     .gist = "who is here, and whom you can reach",
+                     .examples = {"agents", "agents --json"}}},
 };
 
 // clang-format on

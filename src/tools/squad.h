@@ -81,7 +81,8 @@ inline constexpr Tool squadTools[] = {
          "for hands that are not here yet, request_hands.",
      .properties = properties::assignTask,
      .commandLine = {.name = "assign", .positionals = {"taskID", "to"},
-                     .gist = "hand a task to an agent by name"}},
+                     .gist = "hand a task to an agent by name",
+                     .examples = {"assign t000012 KQ3", "assign t000012 KQ3 then wait t000012"}}},
 
     {.name = "send_message",
      .description =
@@ -99,7 +100,9 @@ inline constexpr Tool squadTools[] = {
          "a retry changes nothing.",
      .properties = properties::sendMessage,
      .commandLine = {.name = "send", .otherNames = {"msg"}, .positionals = {"to", "text"},
-                     .gist = "send an agent a short note"}},
+                     .gist = "send an agent a short note",
+                     .examples = {"send KQ3 'the schema is on t000009'",
+                                  "send KQ3@laptop 'please push your branch'"}}},
 
     {.name = "read_messages",
      .description =
@@ -111,7 +114,8 @@ inline constexpr Tool squadTools[] = {
          "You seldom need to ask, since register, heartbeat and wait_for_changes deliver messages "
          "too.",
      .commandLine = {.name = "messages", .otherNames = {"inbox"},
-                     .gist = "take what peers left for you"}},
+                     .gist = "take what peers left for you",
+                     .examples = {"messages", "messages --json"}}},
 
     {.name = "request_hands",
      .description =
@@ -147,7 +151,9 @@ inline constexpr Tool squadTools[] = {
          "and closing your terminal stops every helper you asked for.",
      .properties = properties::requestHands,
      .commandLine = {.name = "hands",
-                     .gist = "ask for another pair of hands, or start a helper"}},
+                     .gist = "ask for another pair of hands, or start a helper",
+                     .examples = {"hands --task-id t000012",
+                                  "hands --title 'Try the old archive' --agent scout"}}},
 
     {.name = "suggest_helper",
      .description =
@@ -167,7 +173,9 @@ inline constexpr Tool squadTools[] = {
          "until then carry on with the work.",
      .properties = properties::suggestHelper,
      .commandLine = {.name = "suggest", .positionals = {"name", "command", "explanation"},
-                     .gist = "ask the person to allow a helper"}},
+                     .gist = "ask the person to allow a helper",
+                     .examples = {"suggest scout 'claude --model sonnet' 'reads code, answers'",
+                                  "suggest scout 'claude --model sonnet' 'reads' --reason speed"}}},
 
     {.name = "stop_helper",
      .description =
@@ -186,7 +194,8 @@ inline constexpr Tool squadTools[] = {
          "Stop them all before you unregister.",
      .properties = properties::stopHelper,
      .commandLine = {.name = "stop", .positionals = {"handle"},
-                     .gist = "stop a helper that you asked for"}},
+                     .gist = "stop a helper that you asked for",
+                     .examples = {"stop KQ4", "agents then stop KQ4"}}},
 };
 
 // clang-format on

@@ -81,6 +81,8 @@ struct CommandLine {
   std::string_view no = {};
   /// What the verb is for, in the few words that fit beside it on a line.
   std::string_view gist = {};
+  /// Two lines that can be typed, without the program's name.
+  Words examples = {};
 };
 
 /// One tool: all that is said of it anywhere. An argument that a property fills in the request has

@@ -11,6 +11,8 @@ static_assert(std::ranges::all_of(tools, isDescribed),
 static_assert(std::ranges::all_of(tools, fillsItsProperties),
               "the words of a command line fill properties of its tool");
 static_assert(std::ranges::all_of(tools, hasVerbsOfItsOwn), "a verb means one tool");
+static_assert(std::ranges::all_of(tools, isShown, &Tool::commandLine),
+              "a command line is explained, and shown by two examples");
 
 const Tool* findByVerb(std::string_view verb) {
   const auto isSame = [](char given, char own) {

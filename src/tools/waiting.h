@@ -95,7 +95,9 @@ inline constexpr Tool waitingTools[] = {
          "`standDown: true` means finished and waiting to be given work; it keeps your seat. ",
      .properties = properties::waitForChanges,
      .commandLine = {.name = "wait", .positionals = {"taskIDs"},
-                     .gist = "block until the board moves for you"}},
+                     .gist = "block until the board moves for you",
+                     .examples = {"wait",
+                                  "wait t000012 t000013 --park-reason 'waiting for the schema'"}}},
 
     {.name = "request_release",
      .description =
@@ -122,7 +124,9 @@ inline constexpr Tool waitingTools[] = {
          "and the lease lands on you. "
          "Meanwhile pick up any other READY task so you're not idle.",
      .commandLine = {.name = "request-release", .positionals = {"taskID"}, .mainText = "reason",
-                     .gist = "ask for a task that a peer is sitting on"}},
+                     .gist = "ask for a task that a peer is sitting on",
+                     .examples = {"request-release t000012",
+                                  "request-release t000012 'I have its other half ready'"}}},
 
     {.name = "propose_goal_complete",
      .description =
@@ -145,7 +149,9 @@ inline constexpr Tool waitingTools[] = {
          "up; "
          "if they confirm, the wait returns telling you to stand down.",
      .commandLine = {.name = "propose-complete",
-                     .gist = "propose to the human that the goal is reached"}},
+                     .gist = "propose to the human that the goal is reached",
+                     .examples = {"propose-complete",
+                                  "propose-complete --acknowledge-open-tasks"}}},
 };
 
 // clang-format on

@@ -64,73 +64,43 @@ TEST(Catalogue, GivesEachToolThreeMembersAndAClosedSchema) {
   }
 }
 
-TEST(Catalogue, WritesEmptyAndSharedSchemasAsTheyAre) {
-  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
-  for (const std::string_view name : {"unregister", "list_agents", "read_messages"})
-    EXPECT_EQ(memberOf(toolNamed(list, name), "inputSchema"),
-              R"({"type":"object","properties":{},"additionalProperties":false})")
-        << name;
-  for (const std::string_view name : {"claim_task", "watch_task", "unwatch_task"})
-    EXPECT_EQ(memberOf(toolNamed(list, name), "inputSchema"),
-              R"({"type":"object","properties":{"taskID":{"type":"string",)"
-              R"("description":"The task id as returned by list_tasks."}},)"
-              R"("required":["taskID"],"additionalProperties":false})")
-        << name;
-}
-
-TEST(Catalogue, NamesWhatIsRequiredInTheOrderOfTheProperties) {
+TEST(Catalogue, WritesTheSchemaThatTheRowSays) {
   struct Row {
-    std::string_view tool, required;
+    std::string_view tool, properties, required;
   };
   const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
   for (const Row& row : {
-           Row{"register", "absent"},
-           Row{"wait_for_changes", "absent"},
-           Row{"request_hands", "absent"},
-           Row{"add_task", R"(["title"])"},
-           Row{"complete_task", R"(["taskID","summary"])"},
-           Row{"verify_task", R"(["taskID","approve"])"},
-           Row{"open_discussion", R"(["question"])"},
-           Row{"suggest_helper", R"(["command","explanation"])"},
+           Row{"unregister", "{}", "absent"},
+           Row{"claim_task",
+               R"({"taskID":{"type":"string","description":"The task id as returned by )"
+               R"(list_tasks."}})",
+               R"(["taskID"])"},
+           Row{"verify_task",
+               R"({"taskID":{"type":"string","description":"The task id as returned by )"
+               R"(list_tasks."},"approve":{"type":"boolean","description":"true = verified )"
+               R"((work checks out), false = rejected (needs more)."},"note":{"type":"string",)"
+               R"("description":"The verdict in a line. Capped at 200 characters; the detail )"
+               R"(goes into comment_task."}})",
+               R"(["taskID","approve"])"},
+           Row{"read_plan",
+               R"({"offset":{"type":"integer","description":"Optional 1-based line to start at."},)"
+               R"("limit":{"type":"integer","description":"Optional max lines to return."}})",
+               "absent"},
        }) {
+    EXPECT_EQ(memberOf(schemaOf(list, row.tool), "properties"), row.properties) << row.tool;
     EXPECT_EQ(memberOf(schemaOf(list, row.tool), "required"), row.required) << row.tool;
   }
 }
 
 TEST(Catalogue, ListsClosedSetsInOrder) {
-  struct Row {
-    std::string_view tool, property, choices;
-  };
   const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
-  for (const Row& row : {
-           Row{"add_task", "type", R"(["bug","feature","chore","research"])"},
-           Row{"update_task", "type", R"(["bug","feature","chore","research",""])"},
-           Row{"update_task", "blockerKind",
-               R"(["decision","approval","secret","review","respond"])"},
-           Row{"list_tasks", "include", R"(["active","all"])"},
-           Row{"update_task", "blocked", "absent"},
-           Row{"update_task", "waitsOn", "absent"},
-       }) {
-    const json::TreeObject& properties = schemaOf(list, row.tool).at("properties").as_object();
-    EXPECT_EQ(memberOf(properties.at(row.property).as_object(), "enum"), row.choices)
-        << row.tool << "." << row.property;
-  }
-}
-
-TEST(Catalogue, NamesTheKindOfEachProperty) {
-  struct Row {
-    std::string_view tool, property, type;
+  const auto choicesOf = [&list](std::string_view tool, std::string_view property) {
+    const json::TreeObject& properties = schemaOf(list, tool).at("properties").as_object();
+    return memberOf(properties.at(property).as_object(), "enum");
   };
-  const json::TreeObject list = objectFrom(toolListResult(Profile::unknown));
-  for (const Row& row : {
-           Row{"read_plan", "offset", R"("integer")"},
-           Row{"update_task", "blocked", R"("boolean")"},
-           Row{"update_task", "waitsOn", R"("array")"},
-           Row{"update_task", "progress", R"("string")"},
-       }) {
-    const json::TreeObject& properties = schemaOf(list, row.tool).at("properties").as_object();
-    EXPECT_EQ(memberOf(properties.at(row.property).as_object(), "type"), row.type) << row.property;
-  }
+  EXPECT_EQ(choicesOf("list_tasks", "include"), R"(["active","all"])");
+  EXPECT_EQ(choicesOf("update_task", "type"), R"(["bug","feature","chore","research",""])");
+  EXPECT_EQ(choicesOf("update_task", "waitsOn"), "absent");
 }
 
 TEST(Catalogue, EndsTheWaitByTheClient) {

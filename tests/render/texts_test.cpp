@@ -2,6 +2,7 @@
 
 #include "entry/stop_hook_text.h"
 #include "harness/paths.h"
+#include "harness/tool_block.h"
 #include "mcp/instructions.h"
 #include "render/texts/discussion.h"
 #include "render/texts/obligations.h"
@@ -11,6 +12,7 @@
 #include "render/texts/roster.h"
 #include "render/texts/tasks.h"
 #include "render/texts/waiting.h"
+#include "tools/tools.h"
 
 #include <gtest/gtest.h>
 
@@ -411,6 +413,12 @@ TEST(Texts, EveryDeclaredTextIsCompared) {
       EXPECT_TRUE(compared.contains(name)) << name << " of " << header << " is compared nowhere";
     }
   }
+}
+
+TEST(Texts, EveryVerbThatIsNamedIsATool) {
+  for (const auto& [name, text] : allTexts())
+    for (const std::string_view verb : testing::verbsIn(text))
+      EXPECT_NE(findTool(verb), nullptr) << name << " speaks of " << verb;
 }
 
 TEST(Texts, TheInstructionsHaveTheirLength) {

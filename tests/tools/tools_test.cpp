@@ -171,18 +171,9 @@ TEST_P(EachTool, SpeaksInParagraphsOfPlainProse) {
 TEST_P(EachTool, NamesNoToolThatIsNone) {
   std::vector<std::string_view> texts = wordsOf(tool);
   texts.insert(texts.end(), {tool.nextHint, tool.emptyWords});
-  for (const std::string_view text : texts) {
-    // Verbs are the only words with an underscore, so a renamed tool shows here.
-    for (std::size_t at = text.find('_'); at != text.npos; at = text.find('_', at + 1)) {
-      const auto inName = [](char c) { return c == '_' || (c >= 'a' && c <= 'z'); };
-      std::size_t from = at, to = at;
-      while (from > 0 && inName(text[from - 1])) --from;
-      while (to < text.size() && inName(text[to])) ++to;
-      const std::string_view word = text.substr(from, to - from);
-      if (word == "_") continue;  // inside an upper-case name such as STRIPE_KEY
-      EXPECT_NE(findTool(word), nullptr) << "speaks of " << word;
-    }
-  }
+  for (const std::string_view text : texts)
+    for (const std::string_view verb : testing::verbsIn(text))
+      EXPECT_NE(findTool(verb), nullptr) << "speaks of " << verb;
 }
 
 TEST(Tools, EachHasABlockAndEachBlockIsATools) {
@@ -280,8 +271,16 @@ TEST(CommandLines, HaveVerbsOfTheirOwnOrAreRefused) {
   EXPECT_FALSE(hasVerbsOfItsOwn(tool));
   tool.commandLine.otherNames = {"claims"};
   EXPECT_FALSE(hasVerbsOfItsOwn(tool));
-  tool.commandLine = {.name = "claim", .gist = ""};
+  tool.commandLine = {.name = "done"};
   EXPECT_FALSE(hasVerbsOfItsOwn(tool));
+}
+
+TEST(CommandLines, AreShownByTwoExamplesOrAreRefused) {
+  EXPECT_TRUE(isShown({.name = "go", .gist = "x", .examples = {"go", "go --on"}}));
+  EXPECT_TRUE(isShown({.name = "go", .gist = "x", .examples = {"go on", "show then go"}}));
+  EXPECT_FALSE(isShown({.name = "go", .examples = {"go", "go --on"}}));
+  EXPECT_FALSE(isShown({.name = "go", .gist = "x", .examples = {"go"}}));
+  EXPECT_FALSE(isShown({.name = "go", .gist = "x", .examples = {"gone", "go"}}));
 }
 
 TEST(Descriptions, AreThereForAToolAndEachPropertyOrAreRefused) {
