@@ -28,7 +28,7 @@ const HookResult silent{0, ""};
 struct StopHook : ::testing::Test {
   FakeClock clock;
   FakeBridge bridge{clock};
-  const MapEnvironment environment;
+  const MapEnvironment environment{};
   Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
             .sessionID = "S1"};
 };
