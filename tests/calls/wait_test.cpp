@@ -668,11 +668,14 @@ TEST_F(Wait, SaysHowItEnded) {
            {"nothing there", responseFrom(R"({"kind":"empty"})"), CallEnd::nothingToWaitOn},
            {"a refusal", responseFrom(R"({"kind":"error"})"), CallEnd::refused},
        }) {
-    bridge.otherwise = [&](const TeamworkRequest&) {
+    bridge.otherwise = [&row](const TeamworkRequest&) {
       return FakeAnswer{.response = row.answer, .took = 1s};
     };
     EXPECT_EQ(run(R"({"timeoutSeconds":1})").end, row.end) << row.name;
   }
+  bridge.otherwise = [](const TeamworkRequest&) {
+    return FakeAnswer{.response = feed({}), .took = 1s};
+  };
   reportsProgress = true;
   clientGoneAt = 1;
   EXPECT_EQ(run("{}").end, CallEnd::callerGone);
