@@ -86,6 +86,8 @@ struct Task {
   std::string reviewState;
   std::string reviewRequestedBy;
   std::string reviewRequestedFrom;
+  /// The role that its reviewer is to have; empty for any.
+  std::string reviewOfRole;
   std::string reviewBy;
   std::string reviewNote;
   std::vector<ReleaseAsk> releaseAsks;
@@ -99,6 +101,9 @@ struct Task {
   bool operator==(const Task&) const = default;
   static constexpr auto fields();
 };
+
+/// The state of a review that is asked for and not yet given.
+inline constexpr std::string_view reviewWanted = "requested";
 
 /// Whether this agent has the claim on the task now.
 inline bool isHeldBy(const Task& task, const std::string& fingerprint) {
@@ -130,8 +135,8 @@ struct Brief {
 inline constexpr int64_t trashKeptMs = int64_t{7} * 24 * 60 * 60 * 1000;
 
 // The indices of tasks: those still to be done, by who holds them, who waits for the person on
-// them, who is tagged on them, what they wait on, whom they are meant for, and by when they are
-// due.
+// them, who is tagged on them, what they wait on, whom they are meant for, by when they are due,
+// and those whose review is asked for.
 inline constexpr std::string_view openTasks = "open";
 inline constexpr std::string_view byOwner = "owner";
 inline constexpr std::string_view byBlocker = "blockedBy";
@@ -139,12 +144,14 @@ inline constexpr std::string_view byMention = "mention";
 inline constexpr std::string_view byWaitsOn = "waitsOn";
 inline constexpr std::string_view byRoute = "route";
 inline constexpr std::string_view byDueTime = "due";
+inline constexpr std::string_view toReview = "review";
 
 template <>
 struct Keys<Task> {
   template <class Found>
   static void visit(const Task& task, Found&& found) {
     if (task.deletedAtMs > 0) return found(Key{byDueTime, padded(task.deletedAtMs + trashKeptMs)});
+    if (task.reviewState == reviewWanted) found(Key{toReview, {}});
     if (task.blocked) found(Key{byBlocker, task.blockedBy});
     for (const std::string& party : task.mentions) found(Key{byMention, party});
     if (!isOpen(task)) return;
@@ -190,6 +197,7 @@ constexpr auto Task::fields() {
       json::defaulted("reviewState",         &Task::reviewState),
       json::defaulted("reviewRequestedBy",   &Task::reviewRequestedBy),
       json::defaulted("reviewRequestedFrom", &Task::reviewRequestedFrom),
+      json::defaulted("reviewOfRole",        &Task::reviewOfRole),
       json::defaulted("reviewBy",            &Task::reviewBy),
       json::defaulted("reviewNote",          &Task::reviewNote),
       json::defaulted("releaseAsks",         &Task::releaseAsks),

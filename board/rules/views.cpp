@@ -1,14 +1,18 @@
 #include "board/rules/views.h"
 
 #include "base/text.h"
+#include "base/unicode.h"
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "model/markers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <utility>
 
 namespace quillpost::board {
 
@@ -32,12 +36,51 @@ void showReview(const Task& task, TeamworkTask& view) {
   view.reviewByFingerprint = unlessEmpty(task.reviewBy);
 }
 
-void showDiscussions(const Board& board, const Task& task, const Seat& viewer, TeamworkTask& view) {
+void countDiscussions(const Board& board, const Task& task, TeamworkTask& view) {
   for (const TeamworkDiscussion* discussion : openOn(board, task.id)) {
     ++view.openDiscussions;
     view.escalatedDiscussions += discussion->escalated;
-    view.discussions.push_back(discussionView(*discussion, viewer));
   }
+}
+
+/// The log as a list shows it: the last line that is no marker and the latest summary in full, of
+/// the others their marker or nothing, so that their number stays right.
+std::vector<std::string> leanLog(const Board& board, const Task& task) {
+  const std::vector<const LogLine*> lines = linesOf(board, task.id);
+  std::vector<std::string> lean(lines.size());
+  bool hasWords = false;
+  bool hasGist = false;
+  for (std::size_t i = lines.size(); i-- > 0;) {
+    const LogLine& line = *lines[i];
+    const bool isGist = line.kind == LogKind::gist;
+    bool& isShown = isGist ? hasGist : hasWords;
+    if (line.kind == LogKind::handOff) {
+      lean[i] = forMarker;
+    } else if (!std::exchange(isShown, true)) {
+      lean[i] = lineText(line);
+    } else if (isGist) {
+      lean[i] = gistMarker;
+    }
+  }
+  return lean;
+}
+
+/// The log as far as an answer has room for it: the latest lines, and a line that says how many
+/// came before them.
+std::vector<std::string> wholeLog(const Board& board, const Task& task) {
+  const std::vector<const LogLine*> lines = linesOf(board, task.id);
+  std::size_t first = lines.size();
+  for (std::size_t bytes = 0; first > 0; --first) {
+    bytes += lines[first - 1]->text.size();
+    if (bytes > logBytesShown) break;
+  }
+  std::vector<std::string> shown;
+  if (first > 0) {
+    shown.push_back(text::cat("(", first, " earlier line", text::s(static_cast<int64_t>(first)),
+                              " left out: the log is longer than an answer can be.)"));
+  }
+  for (std::size_t i = first; i < lines.size(); ++i) shown.push_back(lineText(*lines[i]));
+  return shown;
 }
 
 void showWatchers(const Board& board, const Task& task, TeamworkTask& view) {
@@ -67,9 +110,18 @@ void addHeld(const Task& task, Moment at, TeamworkObligations& owed) {
 }  // namespace
 
 TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, Moment at) {
-  TeamworkTask view = titleView(task);
+  TeamworkTask view = leanView(board, task, viewer, at);
   view.body = briefOf(board, task.id);
-  for (const LogLine* line : linesOf(board, task.id)) view.log.push_back(lineText(*line));
+  view.log = wholeLog(board, task);
+  for (const TeamworkDiscussion* discussion : openOn(board, task.id))
+    view.discussions.push_back(discussionView(*discussion, viewer));
+  showWatchers(board, task, view);
+  return view;
+}
+
+TeamworkTask leanView(const Board& board, const Task& task, const Seat& viewer, Moment at) {
+  TeamworkTask view = titleView(task);
+  view.log = leanLog(board, task);
   view.ownerFingerprint = unlessEmpty(task.owner);
   if (task.state == TaskState::claimed) {
     view.claimLeaseSecondsRemaining = secondsUntil(task.leaseUntilMs, at);
@@ -94,8 +146,7 @@ TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, 
   if (!missing.empty()) view.unresolvedWaitsOn = missing;
   if (!task.releaseAsks.empty()) view.pendingReleaseReason = task.releaseAsks.front().reason;
   view.mentionsYou = mentions(task, viewer.fingerprint);
-  showDiscussions(board, task, viewer, view);
-  showWatchers(board, task, view);
+  countDiscussions(board, task, view);
   return view;
 }
 
@@ -130,6 +181,10 @@ TeamworkAgent agentView(const Board& board, const Seat& seat, const Seat& viewer
 
 TeamworkDiscussion discussionView(const TeamworkDiscussion& discussion, const Seat& viewer) {
   TeamworkDiscussion view = discussion;
+  if (view.volleys.size() > volleysShown) {
+    view.volleys.erase(view.volleys.begin(),
+                       view.volleys.end() - static_cast<std::ptrdiff_t>(volleysShown));
+  }
   view.yourTurn = owes(discussion, viewer.fingerprint);
   return view;
 }
@@ -166,6 +221,15 @@ TeamworkAudience audienceFor(const Board& board, const Seat& viewer) {
   return audience;
 }
 
+bool isForReviewBy(const Task& task, const Seat& seat) {
+  const std::string& self = seat.fingerprint;
+  if (!mayVerify(seat.authority) || task.owner == self || task.reviewRequestedBy == self) {
+    return false;
+  }
+  if (!task.reviewRequestedFrom.empty()) return task.reviewRequestedFrom == self;
+  return task.reviewOfRole.empty() || unicode::equalIgnoringCase(task.reviewOfRole, seat.role);
+}
+
 TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment at) {
   TeamworkObligations owed;
   if (!seat.registered) return owed;
@@ -174,6 +238,12 @@ TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment a
     auto& list = owes(*discussion, self) ? owed.oweReply : owed.awaitingReply;
     list.push_back({discussion->id, discussion->taskID, discussion->question,
                     counterpart(board, *discussion, self)});
+  }
+  for (const Task* task : board.tasks.with({toReview, {}})) {
+    if (!isForReviewBy(*task, seat)) continue;
+    owed.oweReply.push_back({"none", task->id,
+                             text::cat("A verdict on ", named(*task), ": verify_task"),
+                             calling(board, task->reviewRequestedBy)});
   }
   for (const Task* task : board.tasks.with({byBlocker, self}))
     owed.yourBlockersOpen.push_back(task->id);

@@ -1,5 +1,6 @@
 #include "board/serving/listener.h"
 
+#include "base/text.h"
 #include "bridge/unix_socket.h"
 #include "model/coding.h"
 
@@ -32,14 +33,6 @@ void makeNonBlocking(int fd) {
 
 bool wouldBlock() { return errno == EAGAIN || errno == EWOULDBLOCK || errno == EINTR; }
 
-/// The answer as one line. A text that is not UTF-8 cannot have come in a request, so that there is
-/// always one; should there be none after all, the client is told at least that.
-std::string lineOf(const TeamworkResponse& response) {
-  return encodeResponse(response).value_or(
-             R"({"kind":"error","message":"The answer could not be written."})") +
-         "\n";
-}
-
 }  // namespace
 
 Listener::Listener(UniqueFd socket, Service& service, Clock& clock)
@@ -49,6 +42,11 @@ Listener::Listener(UniqueFd socket, Service& service, Clock& clock)
 
 Listener::~Listener() = default;
 
+void Listener::listenOn(UniqueFd socket) {
+  makeNonBlocking(socket.get());
+  socket_ = std::move(socket);
+}
+
 std::size_t Listener::held() const {
   return static_cast<std::size_t>(std::ranges::count_if(connections_, [](const auto& connection) {
     return connection.stage == Connection::Stage::held;
@@ -57,7 +55,7 @@ std::size_t Listener::held() const {
 
 void Listener::run(int stop) {
   pollfd wanted{stop, POLLIN, 0};
-  while (::poll(&wanted, 1, 0) <= 0) step(std::chrono::hours(1), stop);
+  while (!service_.isOver() && ::poll(&wanted, 1, 0) <= 0) step(std::chrono::hours(1), stop);
 }
 
 void Listener::step(Duration atMost, int stop) {
@@ -129,21 +127,35 @@ void Listener::read(Connection& connection) {
     if (count < 0) break;
     const std::string_view piece(chunk.data(), static_cast<std::size_t>(count));
     const std::size_t end = piece.find('\n');
-    connection.bytes.append(piece.substr(0, end));
-    if (connection.bytes.size() > requestLimit) break;
+    keep(connection, piece.substr(0, end));
     if (end == std::string_view::npos && count > 0) continue;
     // Whoever connects only to see whether somebody listens has nothing to say.
-    if (connection.bytes.empty()) break;
+    if (connection.bytes.empty() && !connection.isTooLong) break;
     serve(connection);
     return;
   }
   connection.stage = Connection::Stage::over;
 }
 
+void Listener::keep(Connection& connection, std::string_view piece) {
+  if (connection.isTooLong) return;
+  connection.bytes += piece;
+  if (connection.bytes.size() <= requestLimit) return;
+  // Read to its end all the same: who still writes when the other side closes reads no answer.
+  connection.isTooLong = true;
+  connection.bytes = {};
+}
+
 void Listener::serve(Connection& connection) {
+  if (connection.isTooLong) {
+    reply(connection, {refused(text::cat("A request may have ", requestLimit >> 20,
+                                         " MB, and this one has more, so nothing was done. Put "
+                                         "long material into a file and name it."))});
+    return;
+  }
   std::optional<TeamworkRequest> request = decodeRequest(connection.bytes);
   if (!request) {
-    reply(connection, {refused("That is not a request this board can read."), {}});
+    reply(connection, {refused("That is not a request this board can read.")});
     return;
   }
   Answer answer = service_.answer(*request);
@@ -163,8 +175,8 @@ void Listener::hold(Connection& connection, TeamworkRequest request, int64_t hol
 void Listener::reply(Connection& connection, Answer answer) {
   connection.stage = Connection::Stage::writing;
   connection.deadline = clock_.now() + patience;
-  connection.bytes = lineOf(answer.response);
-  connection.delivery = std::move(answer.delivery);
+  connection.bytes = replyLine(answer);
+  connection.receipt = std::move(answer.receipt);
   write(connection);
 }
 
@@ -181,7 +193,7 @@ void Listener::write(Connection& connection) {
   }
   connection.stage = Connection::Stage::over;
   connection.fd = UniqueFd();
-  if (connection.delivery) service_.confirm(*connection.delivery);
+  if (connection.receipt) service_.confirm(*connection.receipt);
 }
 
 void Listener::answerHeld() {

@@ -13,6 +13,7 @@
 #include <list>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 struct pollfd;
@@ -44,7 +45,10 @@ class Listener {
   /// descriptor that ends the waiting when it can be read, or -1.
   void step(Duration atMost, int stop = -1);
 
-  /// Steps until `stop` can be read.
+  /// Accepts from this socket from now on, which listens; connections that are open go on.
+  void listenOn(UniqueFd socket);
+
+  /// Steps until `stop` can be read or the service is over.
   void run(int stop);
 
   /// How many connections there are, and how many of them are polls that are held.
@@ -61,14 +65,17 @@ class Listener {
     /// When it is given up, or the held poll answered.
     Instant deadline;
     std::string bytes;
+    /// Whether the request is longer than is read, and all that comes of it is thrown away.
+    bool isTooLong = false;
     std::size_t sent = 0;
     TeamworkRequest poll;
-    std::optional<Delivery> delivery;
+    std::optional<Receipt> receipt;
   };
 
   void acceptAll();
   void advance(Connection& connection);
   void read(Connection& connection);
+  static void keep(Connection& connection, std::string_view piece);
   void serve(Connection& connection);
   void hold(Connection& connection, TeamworkRequest request, int64_t holdMs);
   void reply(Connection& connection, Answer answer);

@@ -8,6 +8,7 @@
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
+#include "board/rules/removal.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
@@ -100,7 +101,7 @@ TeamworkResponse reopenGoal(const Deed& deed) {
 TeamworkResponse say(const Deed& deed) {
   const std::string handle = deed.request.to.value_or("");
   const Seat* seat = seatAt(deed.board, handle);
-  if (seat == nullptr || !isLive(*seat))
+  if (seat == nullptr || !seat->registered)
     return refused(text::cat("Nobody is home at ", handle, "."));
   if (deed.words().empty()) return refused("Say something.");
   // A wake and not a message: messages are told as another agent's words.
@@ -120,12 +121,10 @@ TeamworkResponse restore(const Deed& deed) {
   if (deleted == nullptr) {
     return refused(text::cat("No deleted task is called ", deed.subject(), "."));
   }
-  Task task = *deleted;
-  task.deletedAtMs = 0;
-  task.deleteReason.clear();
-  deed.board.trash.remove(task.id);
-  const Task& restored = deed.board.tasks.put(std::move(task));
-  announce(deed.board, deed.move(MoveKind::taskAdded, restored.id, restored.title));
+  if (const auto reason = whyNotRestorable(deed.board, *deleted)) return refused(*reason);
+  const Task& restored =
+      restoreTask(deed.board, std::string(deleted->id),
+                  deed.move(MoveKind::taskAdded, deleted->id, deleted->title), deed.at);
   return written(text::cat("Put back ", named(restored), "."));
 }
 

@@ -149,7 +149,7 @@ TEST(Seats, NoWakeIsLostAndRevisionsMoveForwardOnly) {
   });
 }
 
-TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardWhyItWasWoken) {
+TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardAndAnswered) {
   Crew crew(2);
   crew.add(1);
   EXPECT_EQ(crew.seats[1]->stopHook(), 0);
@@ -157,6 +157,8 @@ TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardWhyItWasWoken) {
                                                 crew.fingerprints[1], R"("]})"));
   EXPECT_EQ(crew.seats[1]->stopHook(), 2);
   EXPECT_THAT(crew.seats[1]->call("wait_for_changes"), HasSubstr("mentioned"));
+  EXPECT_EQ(crew.seats[1]->stopHook(), 2) << "it owes an answer";
+  crew.seats[1]->call("comment_task", R"({"taskID":"t000001","text":"seen"})");
   EXPECT_EQ(crew.seats[1]->stopHook(), 0);
 }
 

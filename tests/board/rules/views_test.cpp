@@ -142,5 +142,47 @@ TEST(Obligations, ABlockerStaysOpenBeyondTheClaim) {
   EXPECT_TRUE(desk.owed("BB3").clear);
 }
 
+TEST(Views, AListShowsOfALogTheLastWordsAndTheLastSummary) {
+  Desk desk;
+  desk.person(personSquad, R"("approve":true)");
+  const std::string id = desk.add("one", R"("body":"a brief","summary":"first gist")");
+  desk.ask("AA2", "assign_task", Desk::on(id) + R"(,"to":"BB3")");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"one")");
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"two","summary":"last gist")");
+  const TeamworkTask lean = leanView(desk.board, desk.task(id), desk.seat("AA2"), desk.at);
+  EXPECT_EQ(lean.body, "");
+  EXPECT_THAT(lean.log, ElementsAre("[[gist]] ", "[[for]] ", "", "two", "[[gist]] last gist"));
+  EXPECT_EQ(desk.ask("AA2", "list_tasks").tasks->front().log, lean.log);
+}
+
+TEST(Views, ALogThatIsTooLongIsShownFromItsEnd) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  const std::string words(logBytesShown / 2 - 10, 'x');
+  for (int i = 0; i < 4; ++i) {
+    addLine(desk.board, *desk.board.tasks.touch(id), {"", LogKind::progress, "", "", words, 1});
+  }
+  const auto log = desk.view("AA2", id).log;
+  ASSERT_EQ(log.size(), 3u);
+  EXPECT_EQ(log[0], "(2 earlier lines left out: the log is longer than an answer can be.)");
+}
+
+TEST(Obligations, AReviewIsOwedByThoseItIsAskedOfUntilOneHasGivenIt) {
+  Desk desk({"AA2", "BB3", "CC4"});
+  for (const char* handle : {"BB3", "CC4"}) desk.ask(handle, "register", R"("role":"reviewer")");
+  const std::string id = desk.add("one");
+  desk.claim("AA2", id);
+  desk.ask("AA2", "request_review", Desk::on(id));
+  for (const char* handle : {"BB3", "CC4"}) {
+    ASSERT_EQ(desk.owed(handle).oweReply.size(), 1u);
+    EXPECT_EQ(desk.owed(handle).oweReply.front().taskID, id);
+    EXPECT_EQ(desk.owed(handle).oweReply.front().counterpart, "AA2");
+  }
+  EXPECT_THAT(desk.owed("AA2").oweReply, IsEmpty());
+  desk.ask("BB3", "verify_task", Desk::on(id) + R"(,"approve":true)");
+  EXPECT_THAT(desk.owed("CC4").oweReply, IsEmpty());
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -67,5 +67,13 @@ TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
   EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t9"));
 }
 
+TEST(Person, IsHeardByAnAgentWhoseLeaseHasLapsed) {
+  Desk desk;
+  desk.pass(900);
+  EXPECT_FALSE(isLive(desk.seat("BB3")));
+  EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"BB3","body":"Come back")")));
+  EXPECT_TRUE(desk.isWoken("BB3", "humanSaid"));
+}
+
 }  // namespace
 }  // namespace quillpost::board

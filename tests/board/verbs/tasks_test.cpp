@@ -81,19 +81,15 @@ TEST(Deleting, TakesTheTaskOffTheBoardAndThePersonCanPutItBack) {
   EXPECT_TRUE(desk.board.trash.empty());
 }
 
-TEST(Deleting, TellsWhoHoldsATaskThatWaitsForIt) {
-  for (const auto& [method, kind] :
-       {std::pair("delete_task", "taskDeleted "), std::pair("reject_task", "taskRejected ")}) {
-    SCOPED_TRACE(method);
-    Desk desk({"AA2", "BB3", "CC4"});
-    const std::string id = desk.add("one");
-    const std::string next = desk.add("next");
-    desk.claim("BB3", next);
-    desk.ask("BB3", "update_task", text::cat(Desk::on(next), R"(,"waitsOn":[")", id, R"("])"));
-    EXPECT_TRUE(wasWritten(desk.ask("CC4", method, Desk::on(id))));
-    EXPECT_TRUE(desk.isWoken("BB3", kind + id));
-    EXPECT_THAT(desk.wakes("AA2"), IsEmpty()) << "filing it asked for nothing";
-  }
+TEST(Declining, TellsWhoHoldsATaskThatWaitsForIt) {
+  Desk desk({"AA2", "BB3", "CC4"});
+  const std::string id = desk.add("one");
+  const std::string next = desk.add("next");
+  desk.claim("BB3", next);
+  desk.ask("BB3", "update_task", text::cat(Desk::on(next), R"(,"waitsOn":[")", id, R"("])"));
+  EXPECT_TRUE(wasWritten(desk.ask("CC4", "reject_task", Desk::on(id))));
+  EXPECT_TRUE(desk.isWoken("BB3", "taskRejected " + id));
+  EXPECT_THAT(desk.wakes("AA2"), IsEmpty()) << "filing it asked for nothing";
 }
 
 TEST(Backlog, ReadingItMovesTheCursorAndNothingElseDoes) {
