@@ -63,10 +63,9 @@ std::optional<std::string> wrongWith(const Board& board, const Task& task, Momen
   if (isClaimed && task.leaseUntilMs <= at.nowMs) return "is held beyond its lease";
   if (task.state == TaskState::open && !task.owner.empty()) return "is open and has an owner";
   if (isReady(board, task) != isReadyPlainly(board, task)) return "is wrongly READY or not";
-  for (const Seat* other : othersHere(board, "")) {
-    const std::vector<const Task*> held = board.tasks.with({board::byOwner, other->fingerprint});
-    const bool isListed = std::ranges::find(held, &task) != held.end();
-    if (isListed != isHeldBy(task, other->fingerprint)) return "stands under the wrong owner";
+  if (isClaimed) {
+    const std::vector<const Task*> held = board.tasks.with({board::byOwner, task.owner});
+    if (std::ranges::find(held, &task) == held.end()) return "is not found by its owner";
   }
   int64_t behind = 0;
   int64_t lines = 0;
@@ -103,6 +102,10 @@ std::optional<std::string> whatIsWrong(const Board& board, Moment at) {
       const bool isListed = std::ranges::find(waiting, &task) != waiting.end();
       if (isListed != isOpen(task)) return text::cat(id, " is not found by what it waits on");
     }
+  }
+  for (const auto& [id, seat] : board.seats) {
+    for (const Task* held : board.tasks.with({board::byOwner, seat.fingerprint}))
+      if (!isHeldBy(*held, seat.fingerprint)) return text::cat(held->id, " has the wrong owner");
   }
   if (open != board.tasks.with({board::openTasks, {}}).size()) return "open tasks are miscounted";
   if (hasCircle(board)) return "tasks wait in a circle";

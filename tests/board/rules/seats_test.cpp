@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <mutex>
@@ -105,6 +106,45 @@ TEST(Seats, ATaskNeverHasTwoOwnersThoughEightRaceAndTheBoardIsKilledTwice) {
     const std::size_t owner = owners[id].front();
     EXPECT_EQ(json::findText(tree.as_object(), "owner"), crew.fingerprints[owner]) << id;
     EXPECT_EQ(json::findText(tree.as_object(), "summary"), text::cat("done by ", owner)) << id;
+  }
+}
+
+TEST(Seats, WhatIsAcknowledgedIsThereAfterFiftyKills) {
+  constexpr std::size_t writerCount = 3;
+  constexpr int kills = 50;
+  Crew crew(writerCount);
+  crew.add(writerCount);
+  std::atomic<bool> isOver = false;
+  std::atomic<int> acknowledged = 0;
+  std::array<int, writerCount> counts{};
+  const auto note = [](std::size_t self, int number) {
+    return text::cat("note ", number, " by ", self, ".");
+  };
+  const auto write = [&](RealSeat& seat, std::size_t self) {
+    for (int number = 1; !isOver; ++number) {
+      const std::string answer = seat.callUntilReached(
+          "comment_task", text::cat(R"({"taskID":")", taskID(self + 1), R"(","text":")",
+                                    note(self, number), R"("})"));
+      ASSERT_TRUE(answer.starts_with("Commented on ")) << answer;
+      counts[self] = number;
+      ++acknowledged;
+    }
+  };
+  crew.together(write, [&] {
+    for (int i = 0; i < kills; ++i) {
+      awaitCount(acknowledged, acknowledged + 2);
+      crew.board.kill();
+      crew.board.start();
+    }
+    isOver = true;
+  });
+
+  for (std::size_t self = 0; self < writerCount; ++self) {
+    const std::string task = crew.seats[0]->call(
+        "read_task", text::cat(R"({"taskID":")", taskID(self + 1), R"(","logOffset":1,"logLimit":100000})"));
+    EXPECT_GT(counts[self], 0);
+    for (int number = 1; number <= counts[self]; ++number)
+      EXPECT_THAT(task, HasSubstr(note(self, number)));
   }
 }
 
