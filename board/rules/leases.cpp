@@ -180,6 +180,8 @@ int64_t leave(Board& board, Seat& seat, Moment at) {
     giveUpClaim(board, *task, {MoveKind::taskReleased, task->id, seat.fingerprint, at.nowMs}, at);
   }
   record(board, {MoveKind::agentLeft, "", seat.fingerprint, at.nowMs});
+  for (const Task* task : board.tasks.with({bySecret, seat.fingerprint}))
+    forgetAnswer(*board.tasks.touch(task->id));
   seat.registered = seat.waiting = seat.stoodDown = false;
   seat.parkReason.clear();
   emptySeat(board, seat);

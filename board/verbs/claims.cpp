@@ -120,6 +120,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
   task.state = TaskState::done;
   task.blocked = false;
+  if (task.isAnswerSecret) forgetAnswer(task);
   task.parkedReason.clear();
   task.releaseAsks.clear();
   takeBackWakes(call.board, call.seat, WakeKind::claimExpiring, task.id);

@@ -38,13 +38,18 @@ TeamworkResponse show(const Deed& deed) { return written(showBoard(deed.board, d
 
 TeamworkResponse answerTask(const Deed& deed, Task& task) {
   const bool wasBlocked = task.blocked;
-  const std::string words = spellOut(splitAsk(task.blockerQuestion), deed.words());
+  const Ask ask = splitAsk(task.blockerQuestion);
+  const std::string given = spellOut(ask, deed.words());
+  // Everybody reads the log, the wakes and the history.
+  const bool isSecret = wasBlocked && isForSecret(ask);
+  const std::string words = isSecret ? "a secret was given" : given;
   addLine(deed.board, task,
           {"", LogKind::comment, std::string(human), std::string(human), words, deed.at.nowMs});
   std::erase(task.mentions, human);
   if (wasBlocked) {
     task.blocked = false;
-    task.blockerAnswer = words;
+    task.blockerAnswer = given;
+    task.isAnswerSecret = isSecret;
   }
   const WakeKind kind = wasBlocked ? WakeKind::blockerAnswered : WakeKind::humanReplied;
   const std::string summary = text::cat("The human answered on ", named(task), ": ", words);

@@ -116,6 +116,7 @@ void reopen(const Call& call, Task& task) {
 /// Raises or clears the question to the person. The kind of move that was, if any.
 std::optional<MoveKind> raiseOrClear(const Call& call, Task& task) {
   if (!call.request.blocked) return std::nullopt;
+  if (task.isAnswerSecret && task.blockedBy == call.self()) forgetAnswer(task);
   if (!*call.request.blocked) {
     if (!std::exchange(task.blocked, false)) return std::nullopt;
     task.blockerQuestion.clear();
@@ -125,7 +126,7 @@ std::optional<MoveKind> raiseOrClear(const Call& call, Task& task) {
   if (!question.empty()) task.blockerQuestion = question;
   task.blocked = true;
   task.blockedBy = call.self();
-  task.blockerAnswer.clear();
+  forgetAnswer(task);
   return MoveKind::taskBlocked;
 }
 
