@@ -26,11 +26,13 @@ int64_t latestFor(const Board& board, const Seat& seat) {
 
 bool holdBack(const Board& board, Seat& seat, Moment at) {
   const int64_t latest = latestFor(board, seat);
-  if (latest > seat.heldBackFor) {
-    seat.heldBackFor = latest;
-    seat.holdBacks = 1;
-    return true;
-  }
+  if (latest <= seat.heldBackFor) return holdBackForDebts(board, seat, at);
+  seat.heldBackFor = latest;
+  seat.holdBacks = 1;
+  return true;
+}
+
+bool holdBackForDebts(const Board& board, Seat& seat, Moment at) {
   const TeamworkObligations owed = obligationsOf(board, seat, at);
   const bool owesReply = !owed.oweReply.empty() || !owed.mentionsToAnswer.empty();
   if (!owesReply || seat.holdBacks >= holdBacksLimit) return false;

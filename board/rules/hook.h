@@ -13,9 +13,12 @@ namespace quillpost::board {
 /// hook must never trap an agent.
 inline constexpr int64_t holdBacksLimit = 3;
 
+/// Whether the agent is to go on because it owes a reply or a verdict: up to the limit, which
+/// counts from its last move on the board.
+bool holdBackForDebts(const Board& board, Seat& seat, Moment at);
+
 /// Whether the agent is to go on: once for whatever has come for it since it was last told so; and
-/// while it owes a reply or a verdict, up to the limit, which counts from its last move on the
-/// board.
+/// for its debts.
 bool holdBack(const Board& board, Seat& seat, Moment at);
 
 }  // namespace quillpost::board

@@ -22,7 +22,7 @@ namespace quillpost::board {
 namespace {
 
 /// The connections that wait to be accepted: more than any number of agents asks for at once.
-constexpr int queueLength = 128;
+constexpr int queueLength = 1024;
 
 /// Only this user reads and writes.
 constexpr mode_t privately = S_IRUSR | S_IWUSR;

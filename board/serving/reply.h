@@ -22,6 +22,8 @@ struct Receipt {
   Delivery delivery;
   /// The number of an answer to a write, which is remembered until then; 0 for any other.
   uint64_t write = 0;
+  /// The revision up to which it shows the whole board; 0 when it does not.
+  int64_t shownRev = 0;
 };
 
 /// An answer, and what is to be noted of it.

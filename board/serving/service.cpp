@@ -101,7 +101,8 @@ Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& requ
   } else if (before != nullptr) {
     answer.response = *before;
   } else {
-    answer.response = carryOut({board, request, seat, at, random_});
+    answer.response =
+        carryOut({board, request, seat, at, random_, listening_.contains(request.sessionID)});
   }
   const bool isKept = save(board);
   if (answer.holdMs > 0) return answer;
@@ -116,7 +117,20 @@ Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& requ
     }
   }
   addReceipt(request, answer);
+  addRevision(request, answer);
   return answer;
+}
+
+/// An answer that shows the whole board says of which revision; every other one repeats what the
+/// seat has been shown, so that its next wait asks for what came after that.
+void Service::addRevision(const TeamworkRequest& request, Answer& answer) const {
+  if (answer.response.changes) {
+    answer.receipt->shownRev = answer.response.changes->rev;
+  } else if (answer.response.rev) {
+    answer.receipt->shownRev = *answer.response.rev;
+  } else if (const auto shown = shown_.find(request.sessionID); shown != shown_.end()) {
+    answer.response.rev = shown->second;
+  }
 }
 
 void Service::addReceipt(const TeamworkRequest& request, Answer& answer) {
@@ -140,6 +154,7 @@ const TeamworkResponse* Service::answeredBefore(const TeamworkRequest& request) 
 void Service::confirm(const Receipt& receipt) {
   const Delivery& delivery = receipt.delivery;
   std::erase_if(unanswered_, [&](const auto& row) { return row.second.number == receipt.write; });
+  if (receipt.shownRev > 0) shown_[delivery.session] = receipt.shownRev;
   if (delivery.wakesUpTo.empty() && delivery.messagesUpTo.empty() && delivery.saidUpTo.empty()) {
     return;
   }
@@ -148,6 +163,11 @@ void Service::confirm(const Receipt& receipt) {
   forgetDelivered(*board, delivery);
   // When this cannot be saved the same is delivered once more, which is better than not at all.
   save(*board);
+}
+
+void Service::endListening(const std::string& session) {
+  const auto found = listening_.find(session);
+  if (found != listening_.end()) listening_.erase(found);
 }
 
 std::optional<int64_t> Service::tick() {
@@ -200,6 +220,8 @@ Board* Service::boardOf(std::string_view sessionID) {
 
 bool Service::save(Board& board) {
   if (isSaved(board)) return store_.save(board);
+  // Nothing is acknowledged that goes to a file which nobody will open again.
+  careForFile();
   const bool mayTry = !isOver_ && now_() >= retryAtMs_;
   if (!mayTry) {
     revert(board);

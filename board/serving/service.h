@@ -13,6 +13,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -63,6 +64,10 @@ class Service {
   /// Notes that an answer has been sent whole.
   void confirm(const Receipt& receipt);
 
+  /// Notes that a poll of that seat is held from now on, or no longer.
+  void beginListening(const std::string& session) { listening_.insert(session); }
+  void endListening(const std::string& session);
+
   /// Does what is due by now: lapsed leases, warnings, the care of the file. When it is to be
   /// called again, in milliseconds from now; nothing when nothing will be due.
   std::optional<int64_t> tick();
@@ -84,6 +89,7 @@ class Service {
 
   Answer answerSeat(Board& board, Seat& seat, const TeamworkRequest& request);
   void addReceipt(const TeamworkRequest& request, Answer& answer);
+  void addRevision(const TeamworkRequest& request, Answer& answer) const;
   const TeamworkResponse* answeredBefore(const TeamworkRequest& request) const;
   TeamworkResponse answerPerson(const TeamworkRequest& request);
   TeamworkResponse newSeat(const TeamworkRequest& request);
@@ -106,6 +112,10 @@ class Service {
   bool isOver_ = false;
   /// By session id.
   std::map<std::string, Unanswered, std::less<>> unanswered_;
+  /// The sessions of the polls that are held.
+  std::multiset<std::string> listening_;
+  /// By session id, the revision up to which the seat has been shown the board.
+  std::map<std::string, int64_t, std::less<>> shown_;
   uint64_t lastWrite_ = 0;
 };
 

@@ -31,6 +31,8 @@ struct Call {
   Seat& seat;
   Moment at;
   const Random& random;
+  /// Whether a poll of the caller's is held meanwhile, which is told what comes.
+  bool isListening = false;
 
   /// The caller's fingerprint; empty when no agent has registered there.
   const std::string& self() const { return seat.fingerprint; }

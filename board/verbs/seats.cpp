@@ -67,6 +67,8 @@ TeamworkResponse registerSeat(const Call& call) {
   if (isNew) record(call.board, call.move(MoveKind::agentJoined));
   TeamworkResponse response = ownSeat(call);
   response.squad = squadView(call.board);
+  // A new agent can read all there is, and need be woken for none of it.
+  if (isNew) response.rev = call.board.counted().rev;
   deliverMessages(call, response);
   return response;
 }
@@ -125,7 +127,8 @@ TeamworkResponse poll(const Call& call) {
 TeamworkResponse queryWake(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::wake;
-  response.wakePending = holdBack(call.board, call.seat, call.at);
+  response.wakePending = call.isListening ? holdBackForDebts(call.board, call.seat, call.at)
+                                          : holdBack(call.board, call.seat, call.at);
   return response;
 }
 

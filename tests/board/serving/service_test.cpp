@@ -310,5 +310,56 @@ TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown)
       << "in the order of their making, whatever their tags";
 }
 
+TEST(Service, AnswersRepeatTheRevisionThatTheSeatHasBeenShownAndNoLaterOne) {
+  ServiceDesk desk;
+  const std::string third = desk.seat();
+  const Answer arrived = desk.ask(third, "register");
+  const int64_t rev = arrived.response.rev.value_or(0);
+  EXPECT_GT(rev, 0) << "a new agent waits for what comes after its arrival";
+  desk.service.confirm(*arrived.receipt);
+  desk.ask(desk.first, "add_task", R"("title":"x")");
+  EXPECT_EQ(desk.ask(third, "comment_task", R"("taskID":"t000001","note":"x")").response.rev, rev)
+      << "it has not been told of the task";
+  EXPECT_EQ(desk.ask(third, "register", R"("role":"lead")").response.rev, rev);
+  const Answer feed = desk.ask(third, "poll_changes", text::cat(R"("sinceRev":)", rev));
+  EXPECT_EQ(desk.ask(third, "read_plan").response.rev, rev) << "the feed may have been lost";
+  desk.service.confirm(*feed.receipt);
+  EXPECT_EQ(desk.ask(third, "read_plan").response.rev, feed.response.changes->rev);
+  const Answer list = desk.ask(third, "list_tasks");
+  desk.service.confirm(*list.receipt);
+  EXPECT_EQ(desk.ask(third, "list_agents").response.rev, list.response.rev);
+}
+
+TEST(Service, WhileASeatListensItsStopHookIsToldOnlyOfWhatIsOwed) {
+  ServiceDesk desk;
+  desk.ask(desk.first, "add_task", R"("title":"x")");
+  desk.ask(desk.second, "watch_task", R"("taskID":"t000001")");
+  desk.service.beginListening(desk.second);
+  desk.service.beginListening(desk.second);
+  desk.service.endListening(desk.second);
+  desk.ask(desk.first, "comment_task", R"("taskID":"t000001","note":"x")");
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, false);
+  desk.ask(desk.first, "open_discussion", R"("body":"Which way?")");
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, true);
+  desk.ask(desk.second, "reply_discussion", R"("discussionID":"d000001","body":"Left.")");
+  desk.service.endListening(desk.second);
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, true)
+      << "nothing listens, and the wakes are still there";
+}
+
+TEST(Service, NothingIsAcknowledgedThatGoesIntoAFileThatIsGone) {
+  FileDesk desk;
+  desk.service.answer(requestOf("", personSeat, R"("name":"main")", "persons"));
+  std::filesystem::remove(desk.path);
+  const auto request = requestOf("", personSquad, R"("approve":true)", "persons");
+  EXPECT_EQ(desk.service.answer(request).response.kind, Kind::written);
+  EXPECT_TRUE(std::filesystem::exists(desk.path)) << "it was written anew before";
+  desk.dir.write("other", "somebody's");
+  std::filesystem::rename(desk.dir.pathOf("other"), desk.path);
+  EXPECT_EQ(desk.service.answer(requestOf("", personSquad, "", "persons")).response.kind,
+            Kind::error);
+  EXPECT_TRUE(desk.service.isOver());
+}
+
 }  // namespace
 }  // namespace quillpost::board
