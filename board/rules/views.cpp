@@ -65,13 +65,23 @@ std::vector<std::string> leanLog(const Board& board, const Task& task) {
   return lean;
 }
 
+/// The bytes of a text in an answer, about: quoting makes two of some characters and six of others.
+std::size_t quotedSize(std::string_view words) {
+  std::size_t bytes = words.size();
+  for (const char letter : words) {
+    if (static_cast<unsigned char>(letter) < 0x20) bytes += 5;
+    if (letter == '"' || letter == '\\') ++bytes;
+  }
+  return bytes;
+}
+
 /// The log as far as an answer has room for it: the latest lines, and a line that says how many
 /// came before them.
 std::vector<std::string> wholeLog(const Board& board, const Task& task) {
   const std::vector<const LogLine*> lines = linesOf(board, task.id);
   std::size_t first = lines.size();
   for (std::size_t bytes = 0; first > 0; --first) {
-    bytes += lines[first - 1]->text.size();
+    bytes += quotedSize(lines[first - 1]->text);
     if (bytes > logBytesShown) break;
   }
   std::vector<std::string> shown;
@@ -81,6 +91,35 @@ std::vector<std::string> wholeLog(const Board& board, const Task& task) {
   }
   for (std::size_t i = first; i < lines.size(); ++i) shown.push_back(lineText(*lines[i]));
   return shown;
+}
+
+/// The discussion with as many of its latest volleys as there is room for, in bytes, which is what
+/// is left of it then.
+TeamworkDiscussion discussionWithin(const TeamworkDiscussion& discussion, const Seat& viewer,
+                                    std::size_t& room) {
+  TeamworkDiscussion view = discussion;
+  std::size_t first = view.volleys.size();
+  while (first > 0 && view.volleys.size() - first < volleysShown) {
+    const std::size_t size = quotedSize(view.volleys[first - 1].body);
+    if (size > room) break;
+    room -= size;
+    --first;
+  }
+  view.volleys.erase(view.volleys.begin(),
+                     view.volleys.begin() + static_cast<std::ptrdiff_t>(first));
+  view.yourTurn = owes(discussion, viewer.fingerprint);
+  return view;
+}
+
+/// Open discussions in their order, the latest with most of their volleys.
+std::vector<TeamworkDiscussion> discussionViews(
+    const std::vector<const TeamworkDiscussion*>& discussions, const Seat& viewer) {
+  std::vector<TeamworkDiscussion> views;
+  std::size_t room = volleyBytesShown;
+  for (std::size_t i = discussions.size(); i-- > 0;)
+    views.push_back(discussionWithin(*discussions[i], viewer, room));
+  std::ranges::reverse(views);
+  return views;
 }
 
 void showWatchers(const Board& board, const Task& task, TeamworkTask& view) {
@@ -113,8 +152,7 @@ TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, 
   TeamworkTask view = leanView(board, task, viewer, at);
   view.body = briefOf(board, task.id);
   view.log = wholeLog(board, task);
-  for (const TeamworkDiscussion* discussion : openOn(board, task.id))
-    view.discussions.push_back(discussionView(*discussion, viewer));
+  view.discussions = discussionViews(openOn(board, task.id), viewer);
   showWatchers(board, task, view);
   return view;
 }
@@ -128,7 +166,9 @@ TeamworkTask leanView(const Board& board, const Task& task, const Seat& viewer, 
   }
   view.blocked = task.blocked;
   view.blockerQuestion = unlessEmpty(task.blockerQuestion);
-  view.blockerAnswer = unlessEmpty(task.blockerAnswer);
+  if (!task.isAnswerSecret || task.blockedBy == viewer.fingerprint) {
+    view.blockerAnswer = unlessEmpty(task.blockerAnswer);
+  }
   view.priority = task.priority;
   view.type = unlessEmpty(task.type);
   view.claimAttempts = task.claimAttempts;
@@ -180,13 +220,8 @@ TeamworkAgent agentView(const Board& board, const Seat& seat, const Seat& viewer
 }
 
 TeamworkDiscussion discussionView(const TeamworkDiscussion& discussion, const Seat& viewer) {
-  TeamworkDiscussion view = discussion;
-  if (view.volleys.size() > volleysShown) {
-    view.volleys.erase(view.volleys.begin(),
-                       view.volleys.end() - static_cast<std::ptrdiff_t>(volleysShown));
-  }
-  view.yourTurn = owes(discussion, viewer.fingerprint);
-  return view;
+  std::size_t room = volleyBytesShown;
+  return discussionWithin(discussion, viewer, room);
 }
 
 TeamworkPlan planView(const Board& board, const Seat& viewer) {
@@ -200,8 +235,8 @@ TeamworkPlan planView(const Board& board, const Seat& viewer) {
   view.otherLocalAgents = text::countOf(othersHere(board, viewer.fingerprint));
   view.goalComplete = thread.goalComplete;
   view.pendingGoalComplete = !thread.goalProposedBy.empty();
-  for (const auto& [id, discussion] : board.discussions)
-    if (isOpen(discussion)) view.discussions.push_back(discussionView(discussion, viewer));
+  // All that are in the index, whatever their task: of those that are over there may be very many.
+  view.discussions = discussionViews(board.discussions.upTo(openByTask, "\x7f"), viewer);
   return view;
 }
 

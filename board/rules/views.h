@@ -21,12 +21,14 @@ inline constexpr int64_t helperLimit = 20;
 /// Progress lines after which a summary counts as stale.
 inline constexpr int64_t staleAfterLines = 3;
 
-/// Of a log, as much is shown as this, in bytes, the latest lines first: half of what an answer may
-/// be, since quoting can double it.
+/// Of a log, as much is shown as this, in bytes of the answer, the latest lines first: the brief
+/// and the discussions are in it as well.
 inline constexpr std::size_t logBytesShown = std::size_t{5} << 20;
 
-/// Of a discussion, so many of the latest volleys.
+/// Of a discussion, so many of the latest volleys; and of all that are in one answer so many bytes
+/// of them.
 inline constexpr std::size_t volleysShown = 100;
+inline constexpr std::size_t volleyBytesShown = std::size_t{3} << 20;
 
 /// A task as a list or a feed shows it, without its brief and all but the latest of its log.
 TeamworkTask leanView(const Board& board, const Task& task, const Seat& viewer, Moment at);

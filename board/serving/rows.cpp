@@ -13,17 +13,32 @@ namespace quillpost::board {
 
 namespace {
 
-/// Puts a row into the table of its kind; false when it cannot be read.
+/// Adds a row to the table of its kind, as saved; false when it cannot be read.
 bool take(Board& board, std::string_view kind, std::string_view id, std::string_view body) {
   bool isTaken = false;
   forEachTable(board, [&]<class Row>(std::string_view name, Table<Row>& table) {
     if (name != kind) return;
     std::optional<Row> row = json::decode<Row>(std::string(body));
     if (!row || row->id != id) return;
-    table.put(*std::move(row));
+    table.load(*std::move(row));
     isTaken = true;
   });
   return isTaken;
+}
+
+/// Moves a row to the table of those that could not be read; false when that cannot be written.
+bool move(Database& database, const RowName& row) {
+  const std::string_view where = " FROM rows WHERE thread = ?1 AND kind = ?2 AND id = ?3";
+  for (const std::string_view start :
+       {"INSERT INTO damaged (thread, kind, id, body) SELECT thread, kind, id, body", "DELETE"}) {
+    const std::string sql = text::cat(start, where);
+    Statement statement = database.prepare(sql);
+    statement.bind(1, row.thread);
+    statement.bind(2, row.kind);
+    statement.bind(3, row.id);
+    if (!statement.run()) return false;
+  }
+  return true;
 }
 
 /// The number in an id, which may begin with a letter; 0 when there is none.
@@ -62,18 +77,10 @@ void takeRows(Statement& rows, const std::string& thread, Board& board,
   }
 }
 
-bool putAside(Database& database, const RowName& row) {
-  const std::string_view where = " FROM rows WHERE thread = ?1 AND kind = ?2 AND id = ?3";
-  for (const std::string_view start :
-       {"INSERT INTO damaged (thread, kind, id, body) SELECT thread, kind, id, body", "DELETE"}) {
-    const std::string sql = text::cat(start, where);
-    Statement statement = database.prepare(sql);
-    statement.bind(1, row.thread);
-    statement.bind(2, row.kind);
-    statement.bind(3, row.id);
-    if (!statement.run()) return false;
-  }
-  return true;
+bool putAside(Database& database, const std::vector<RowName>& rows) {
+  bool isDone = rows.empty() || database.run("BEGIN IMMEDIATE");
+  for (const RowName& row : rows) isDone = isDone && move(database, row);
+  return isDone && (rows.empty() || database.run("COMMIT"));
 }
 
 void replaceMissing(Board& board, const std::string& tag) {

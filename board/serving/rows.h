@@ -32,8 +32,9 @@ inline std::string_view aboutOf(const Change& change) { return change.taskID; }
 void takeRows(Statement& rows, const std::string& thread, Board& board,
               std::vector<RowName>& unreadable);
 
-/// Moves a row to the table of those that could not be read. False when that could not be written.
-bool putAside(Database& database, const RowName& row);
+/// Moves rows to the table of those that could not be read, all or none. False when that could not
+/// be written.
+bool putAside(Database& database, const std::vector<RowName>& rows);
 
 /// Gives a board whose own rows could not be read such rows again, from what else is on it: its tag
 /// for a name, and counters from which no id is given twice. Nothing when they are there.

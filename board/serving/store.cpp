@@ -30,6 +30,7 @@ constexpr const char* setUp =
     "PRAGMA journal_mode = WAL;"
     "PRAGMA synchronous = FULL;"
     "PRAGMA fullfsync = 1;"
+    "PRAGMA secure_delete = ON;"
     "BEGIN IMMEDIATE;"
     "CREATE TABLE IF NOT EXISTS rows ("
     "  thread TEXT NOT NULL, kind TEXT NOT NULL, id TEXT NOT NULL, about TEXT, body TEXT NOT NULL,"
@@ -126,15 +127,14 @@ std::optional<Loaded> Store::load(std::string& why) {
       takeRows(rows, tag, board, unreadable);
       isRead = isRead && !rows.failed();
     }
-    settle(board);
     replaceMissing(board, tag);
     loaded.boards.push_back(std::move(board));
   }
   for (const RowName& row : unreadable) {
     loaded.damages.push_back(text::cat("the ", row.kind, " ", row.id, " of thread ", row.thread,
                                        " could not be read and was put aside"));
-    isRead = isRead && putAside(database, row);
   }
+  isRead = isRead && putAside(database, unreadable);
   if (!isRead) {
     why = text::cat("cannot read ", path_, ": ", database.error());
     return std::nullopt;
@@ -186,7 +186,8 @@ bool Store::write(const Board& board) {
       if (row == nullptr) {
         isWritten = drop({thread, kind, id, {}, {}});
       } else {
-        isWritten = put({thread, kind, id, aboutOf(*row), json::encode(*row)});
+        isWritten =
+            put({thread, kind, id, aboutOf(*row), json::encode<json::Unsaid::omitted>(*row)});
       }
     });
   });

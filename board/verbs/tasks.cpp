@@ -75,15 +75,26 @@ TeamworkResponse addTask(const Call& call) {
                  std::move(notice));
 }
 
+/// The closed tasks that a list shows, the latest ones: an answer with all of those of years would
+/// be too large to be sent.
+constexpr std::size_t closedShown = 20'000;
+
 TeamworkResponse listTasks(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::tasks;
   response.tasks.emplace();
+  const std::size_t closed =
+      call.board.tasks.size() - call.board.tasks.with({openTasks, {}}).size();
+  std::size_t leftOut = closed - std::min(closed, closedShown);
   for (const auto& [id, task] : call.board.tasks) {
+    if (leftOut > 0 && !isOpen(task)) {
+      --leftOut;
+      continue;
+    }
     response.tasks->push_back(call.seat.registered ? leanView(call.board, task, call.seat, call.at)
                                                    : titleView(task));
   }
-  // Only here: whoever reads the backlog has seen all there is, and need not be woken for it.
+  // Whoever reads the backlog has seen all there is, and need not be woken for it.
   response.rev = call.board.counted().rev;
   return response;
 }

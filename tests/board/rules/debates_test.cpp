@@ -152,5 +152,14 @@ TEST(Debates, OneWhoseAddresseesHaveAllLeftPassesToThePerson) {
   }
 }
 
+TEST(Debates, OneThatNobodyHereCanAnswerIsThePersonsAtOnce) {
+  Desk desk({"AA2", "BB3"});
+  desk.board.seats.touch(desk.seat("BB3").id)->leaseUntilMs = desk.at.nowMs + 1000;
+  desk.pass(1);
+  desk.ask("AA2", "open_discussion",
+           text::cat(R"("body":"Which way?","tags":[")", desk.mark("BB3"), R"("])"));
+  EXPECT_TRUE(owes(debate(desk), human));
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -167,5 +167,14 @@ TEST(Readiness, AnUpdateSaysWhichIdsNameNoTask) {
   EXPECT_NE(response.notice.value_or("").find("t777777"), std::string::npos);
 }
 
+TEST(Readiness, ACircleIsSeenHoweverItsIdsAreWritten) {
+  Desk desk;
+  const std::string one = desk.add("one"), two = desk.add("two", R"("waitsOn":["t000001"])");
+  EXPECT_TRUE(wasRefused(
+      desk.ask("AA2", "update_task", text::cat(Desk::on(one), R"(,"waitsOn":[" )", two, R"( "])")),
+      "wait on itself"));
+  EXPECT_TRUE(desk.task(one).waitsOn.empty());
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -1,4 +1,5 @@
 #include "board/desk.h"
+#include "board/serving/reply.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -98,6 +99,25 @@ TEST(Backlog, ReadingItMovesTheCursorAndNothingElseDoes) {
   EXPECT_EQ(desk.ask("BB3", "list_tasks").rev, desk.board.counted().rev);
   EXPECT_EQ(desk.ask("BB3", "read_plan").rev, std::nullopt);
   EXPECT_EQ(desk.claim("BB3", "t000001").rev, std::nullopt);
+}
+
+TEST(Backlog, OfVeryManyClosedTasksTheLatestAreListed) {
+  Desk desk;
+  const std::string open = desk.add("open");
+  for (int i = 0; i < 45'000; ++i) {
+    Task task;
+    task.title = "A task of the usual kind";
+    task.state = TaskState::done;
+    task.owner = desk.mark("AA2");
+    fileTask(desk.board, std::move(task), "");
+  }
+  const auto tasks = *desk.ask("BB3", "list_tasks").tasks;
+  ASSERT_EQ(tasks.size(), 20'001u);
+  EXPECT_EQ(tasks.front().id, open);
+  EXPECT_EQ(tasks.back().id, "t045001");
+  TeamworkResponse response;
+  response.tasks = tasks;
+  EXPECT_LT(encodeSparsely(response)->size(), replyLimit);
 }
 
 }  // namespace
