@@ -80,8 +80,9 @@ int serve(const Options& options) {
   std::string why;
   std::optional<Store> store = Store::open(options.database, why);
   if (!store) return complain(why);
-  std::optional<Boards> boards = store->load(why);
-  if (!boards) return complain(why);
+  std::optional<Loaded> loaded = store->load(why);
+  if (!loaded) return complain(why);
+  for (const std::string& damage : loaded->damages) complain(damage);
 
   std::random_device device;
   const Random random = [&device] { return static_cast<uint32_t>(device()); };
@@ -95,17 +96,25 @@ int serve(const Options& options) {
       Publication::open(options.directory, options.suffix.value_or("board"), random, why);
   if (!publication) return complain(why);
   const BoardFiles& files = publication->files();
-  Service service(*store, *std::move(boards),
+  Listener* listening = nullptr;
+  const auto care = [&] {
+    if (UniqueFd socket = publication->restore(); socket && listening != nullptr) {
+      listening->listenOn(std::move(socket));
+      complain(text::cat(files.socket, " was deleted, and is published again"));
+    }
+  };
+  Service service(*store, std::move(loaded->boards),
                   {publication->token(), publication->personToken(), options.leaseMs, files.socket,
-                   files.token},
+                   files.token, complain, care},
                   now, random);
   Listener listener(publication->takeSocket(), service, clock);
+  listening = &listener;
   std::fputs(text::cat("quillpost-board: listening on ", files.socket, ", board in ",
                        options.database, ", lease ", options.leaseMs / 1000, " s\n")
                  .c_str(),
              stderr);
   listener.run(stop.get());
-  return 0;
+  return service.isOver() ? failure : 0;
 }
 
 int ask(const Options& options) {

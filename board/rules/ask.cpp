@@ -40,6 +40,8 @@ Ask splitAsk(std::string_view stored) {
   return {std::move(payload), std::string(unicode::trim(marked.substr(end + askMarkerEnd.size())))};
 }
 
+bool isForSecret(const Ask& ask) { return ask.payload && ask.payload->k == "secret"; }
+
 std::string spellOut(const Ask& ask, std::string_view answer) {
   const std::optional<int64_t> number = text::parseInteger(answer);
   if (!number || !ask.payload || !ask.payload->o) return std::string(answer);

@@ -21,6 +21,9 @@ struct Ask {
 /// Takes the marker off a question. A marker that cannot be read is part of the question.
 Ask splitAsk(std::string_view stored);
 
+/// Whether the answer is to be a secret.
+bool isForSecret(const Ask& ask);
+
 /// The option that an answer names by its number, counted from 1; the answer itself when it names
 /// none.
 std::string spellOut(const Ask& ask, std::string_view answer);

@@ -89,6 +89,7 @@ TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion, int6
   announce(board,
            moveOn(opened, MoveKind::discussionOpened, opened.openedBy, nowMs, opened.question),
            noticesFor(opened, WakeKind::discussionOpened, opened.question));
+  if (isAbandoned(board, opened)) escalate(board, opened, nowMs);
   return opened;
 }
 
@@ -102,7 +103,18 @@ void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion:
            noticesFor(discussion, WakeKind::discussionReply, volley.body));
   const int64_t nowMs = volley.atMs;
   discussion.volleys.push_back(std::move(volley));
-  if (discussion.volleysSinceHuman >= volleyCap) escalate(board, discussion, nowMs);
+  if (discussion.volleysSinceHuman >= volleyCap || isAbandoned(board, discussion)) {
+    escalate(board, discussion, nowMs);
+  }
+}
+
+bool isAbandoned(const Board& board, const TeamworkDiscussion& discussion) {
+  const auto isHere = [&](const std::string& party) {
+    const Seat* seat = seatOf(board, party);
+    return party == human || (seat != nullptr && isLive(*seat));
+  };
+  return std::ranges::none_of(discussion.addressedTo, isHere) ||
+         std::ranges::none_of(discussion.owingParties, isHere);
 }
 
 void escalate(Board& board, TeamworkDiscussion& discussion, int64_t nowMs) {

@@ -38,6 +38,10 @@ TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion, int6
 /// a volley too.
 void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion::Volley volley);
 
+/// Whether nobody is here any more who could go on with it: neither whoever it was addressed to,
+/// nor, when others owe the next volley than these, any of those. The person is always here.
+bool isAbandoned(const Board& board, const TeamworkDiscussion& discussion);
+
 /// Puts a discussion before the person, who owes a volley then too; nothing when it is before them
 /// already.
 void escalate(Board& board, TeamworkDiscussion& discussion, int64_t nowMs);

@@ -7,6 +7,9 @@
 #include "board/rules/views.h"
 
 #include <algorithm>
+#include <functional>
+#include <set>
+#include <string>
 #include <string_view>
 #include <utility>
 
@@ -23,10 +26,11 @@ bool isWatched(const Listening& listening, std::string_view taskID) {
 std::vector<const Change*> changesFor(const Board& board, const Seat& seat,
                                       const Listening& listening) {
   std::vector<const Change*> changes;
-  for (auto at = board.changes.from(padded(listening.sinceRev)); at != board.changes.end(); ++at) {
+  for (auto at = board.changes.from(padded(text::saturatingAdd(listening.sinceRev, 1)));
+       at != board.changes.end(); ++at) {
     const Change& change = at->second;
     const bool isOwn = !seat.fingerprint.empty() && change.by == seat.fingerprint;
-    if (change.rev <= listening.sinceRev || isOwn || !isWatched(listening, change.taskID)) continue;
+    if (isOwn || !isWatched(listening, change.taskID)) continue;
     changes.push_back(&change);
   }
   return changes;
@@ -39,14 +43,35 @@ bool hasLostTrack(const Board& board, int64_t sinceRev) {
   return !board.changes.empty() && board.changes.begin()->second.rev > sinceRev + 1;
 }
 
-bool isShown(const Task& task, const std::vector<const Change*>& changes,
-             const Listening& listening) {
-  if (!listening.taskIDs.empty()) return isWatched(listening, task.id);
-  return isOpen(task) || std::ranges::find(changes, task.id, &Change::taskID) != changes.end();
+/// The ids of the tasks that a feed is to tell: of those asked for all, of the whole backlog those
+/// that moved and those that the agent holds.
+std::set<std::string, std::less<>> shownIn(const Board& board, const Seat& seat,
+                                           const Listening& listening) {
+  std::set<std::string, std::less<>> ids;
+  if (listening.sinceRev <= 0) return ids;
+  if (!listening.taskIDs.empty()) return {listening.taskIDs.begin(), listening.taskIDs.end()};
+  for (auto at = board.changes.from(padded(text::saturatingAdd(listening.sinceRev, 1)));
+       at != board.changes.end(); ++at)
+    ids.insert(at->second.taskID);
+  if (!seat.registered) return ids;
+  for (const Task* task : board.tasks.with({byOwner, seat.fingerprint})) ids.insert(task->id);
+  return ids;
 }
 
 void addWord(std::vector<std::string>& words, std::string_view word) {
   if (std::ranges::find(words, word) == words.end()) words.emplace_back(word);
+}
+
+/// The messages that one answer carries: the oldest.
+std::vector<const Message*> carried(const Board& board, const Seat& seat) {
+  std::vector<const Message*> messages = messagesOf(board, seat);
+  std::size_t count = 0;
+  for (std::size_t bytes = 0; count < messages.size(); ++count) {
+    bytes += messages[count]->text.size();
+    if (bytes > messageBytesCarried && count > 0) break;
+  }
+  messages.resize(count);
+  return messages;
 }
 
 }  // namespace
@@ -78,7 +103,7 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
   TeamworkChangeFeed feed;
   feed.rev = board.counted().rev;
   feed.changed = hasMoved(board, seat, listening);
-  if (seat.registered) feed.goal = thread.goal;
+  if (seat.registered) feed.goal = cut(thread.goal, lineLimit);
   feed.goalComplete = thread.goalComplete;
   feed.pendingGoalComplete = !thread.goalProposedBy.empty();
   if (listening.sinceRev > 0) {
@@ -88,9 +113,10 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
       feed.changes.push_back({word, unlessEmpty(change->taskID)});
     }
   }
-  for (const auto& [id, task] : board.tasks) {
-    if (!isShown(task, changes, listening)) continue;
-    feed.tasks.push_back(seat.registered ? taskView(board, task, seat, at) : titleView(task));
+  for (const std::string& id : shownIn(board, seat, listening)) {
+    const Task* task = board.tasks.find(id);
+    if (task == nullptr) continue;
+    feed.tasks.push_back(seat.registered ? leanView(board, *task, seat, at) : titleView(*task));
   }
   for (const Wake* wake : wakesOf(board, seat)) {
     if (wake->kind == WakeKind::mentioned) addWord(feed.changeKinds, "youWereTagged");
@@ -105,7 +131,7 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
 
 std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at) {
   std::vector<TeamworkSquadMessage> messages;
-  for (const Message* message : messagesOf(board, seat)) {
+  for (const Message* message : carried(board, seat)) {
     const int64_t number = text::parseInteger(message->id).value_or(0);
     messages.push_back({text::cat("m", number), message->from, message->fromName, message->text,
                         std::max<int64_t>(0, (at.nowMs - message->sentMs) / 1000)});
@@ -114,9 +140,9 @@ std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& se
 }
 
 Delivery deliveryOf(const Board& board, const Seat& seat) {
-  Delivery delivery{board.thread().id, seat.id, {}, {}};
+  Delivery delivery{board.thread().id, seat.id, {}, {}, {}};
   const std::vector<const Wake*> wakes = wakesOf(board, seat);
-  const std::vector<const Message*> messages = messagesOf(board, seat);
+  const std::vector<const Message*> messages = carried(board, seat);
   if (!wakes.empty()) delivery.wakesUpTo = wakes.back()->id;
   if (!messages.empty()) delivery.messagesUpTo = messages.back()->id;
   return delivery;

@@ -8,6 +8,9 @@
 #include "model/changes.h"
 #include "model/request.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string>
 #include <vector>
 
 namespace quillpost::board {
@@ -32,11 +35,16 @@ bool isDeserted(const Board& board);
 /// Whether a poll is to be answered now rather than held.
 bool hasNews(const Board& board, const Seat& seat, const Listening& listening);
 
-/// The answer to a poll. An agent that has not registered sees titles only, and no goal.
+/// The answer to a poll: the tasks that moved since the revision, in the form of a list; none from
+/// revision 0, which asks for the revision alone. An agent that has not registered sees titles
+/// only, and no goal.
 TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening& listening,
                            Moment at);
 
-/// The messages that wait for a seat, oldest first.
+/// How much of its messages one answer carries, in bytes; the next one carries the next.
+inline constexpr std::size_t messageBytesCarried = std::size_t{4} << 20;
+
+/// The messages that an answer carries to a seat, oldest first.
 std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at);
 
 /// What an answer with all the wakes and messages of a seat carries.

@@ -9,68 +9,25 @@
 
 namespace quillpost::board {
 
+// clang-format off
 /// What somebody does on a board; the words are those of a feed's changes.
 enum class MoveKind {
-  goalSet,
-  goalProposed,
-  goalConfirmed,
-  goalReopened,
-  charterSet,
-  squadSwitched,
-  agentJoined,
-  agentLeft,
-  taskAdded,
-  taskEdited,
-  taskAssigned,
-  taskReady,
-  taskClaimed,
-  taskProgress,
-  taskParked,
-  taskBlocked,
-  taskUnblocked,
-  taskCommented,
-  taskReleased,
-  taskLapsed,
-  taskHandedOver,
-  taskCompleted,
-  taskReopened,
-  taskRejected,
-  taskDeleted,
-  releaseRequested,
-  reviewRequested,
-  reviewVerdict,
-  discussionOpened,
-  discussionReplied,
-  discussionEscalated,
+  goalSet, goalProposed, goalConfirmed, goalReopened, charterSet, squadSwitched, agentJoined,
+  agentLeft, taskAdded, taskEdited, taskAssigned, taskReady, taskClaimed, taskProgress,
+  taskParked, taskBlocked, taskUnblocked, taskCommented, taskReleased, taskLapsed,
+  taskHandedOver, taskCompleted, taskReopened, taskRejected, taskDeleted, releaseRequested,
+  reviewRequested, reviewVerdict, discussionOpened, discussionReplied, discussionEscalated,
   discussionResolved,
 };
 
 /// Why an agent is woken; the words are those of its wake reasons.
 enum class WakeKind {
-  claimExpiring,
-  claimExpired,
-  claimHandedOver,
-  releaseRequested,
-  releaseGranted,
-  taskReady,
-  taskAssigned,
-  taskRejected,
-  taskDeleted,
-  handedTaskDone,
-  taskWatched,
-  mentioned,
-  reviewRequested,
-  reviewVerdict,
-  discussionOpened,
-  discussionReply,
-  discussionEscalated,
-  discussionResolved,
-  blockerAnswered,
-  humanReplied,
-  humanSaid,
-  goalConfirmed,
-  goalReopened,
+  claimExpiring, claimExpired, claimHandedOver, releaseRequested, releaseGranted, taskReady,
+  taskAssigned, taskRejected, taskDeleted, handedTaskDone, taskWatched, mentioned,
+  reviewRequested, reviewVerdict, discussionOpened, discussionReply, discussionEscalated,
+  discussionResolved, blockerAnswered, humanReplied, humanSaid, goalConfirmed, goalReopened,
 };
+// clang-format on
 
 /// How readily a move ends the waits of others: every wait, or only those that ask for changes of
 /// state too.

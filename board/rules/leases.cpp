@@ -1,9 +1,11 @@
 #include "board/rules/leases.h"
 
 #include "base/text.h"
+#include "board/rules/debates.h"
 #include "board/rules/ids.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
+#include "board/rules/readiness.h"
 #include "board/rules/wakes.h"
 
 #include <string>
@@ -64,15 +66,46 @@ void lapseClaim(Board& board, Task& task, Moment at) {
               at, notices);
 }
 
-/// Sends away whoever's lease is over, and returns what they hold.
+/// Tells all of the tasks that were meant for an agent and now are anybody's.
+void freeRouted(Board& board, const Seat& seat, Moment at) {
+  for (const std::string& route : {text::lowered(seat.handle), seat.fingerprint}) {
+    for (const Task* task : board.tasks.with({byRoute, route})) {
+      if (!isTakeable(board, *task)) continue;
+      announce(board, {MoveKind::taskReady, task->id, "", at.nowMs,
+                       text::cat("handed to ", seat.handle, ", who is gone or silent")});
+    }
+  }
+}
+
+/// What else follows when an agent has gone: what was meant for it is anybody's, and debates that
+/// only it could have gone on with are the person's.
+void missAgent(Board& board, const Seat& seat, Moment at) {
+  freeRouted(board, seat, at);
+  for (const TeamworkDiscussion* discussion :
+       board.discussions.with({openByParty, seat.fingerprint})) {
+    if (isAbandoned(board, *discussion)) {
+      escalate(board, *board.discussions.touch(discussion->id), at.nowMs);
+    }
+  }
+}
+
+/// Sends away whoever's lease is over, returns what they hold, and notes who has fallen silent.
 void lapseSeats(Board& board, Moment at) {
-  const std::vector<const Seat*> due = board.seats.upTo(bySeatDueTime, padded(at.nowMs));
+  std::vector<Seat*> lapsed;
+  std::vector<Seat*> silent;
+  for (const Seat* due : board.seats.upTo(bySeatDueTime, padded(at.nowMs))) {
+    Seat* seat = board.seats.touch(due->id);
+    (seat->leaseUntilMs <= at.nowMs ? lapsed : silent).push_back(seat);
+  }
   // All first: none of them is to be given what another one held.
-  for (const Seat* seat : due) board.seats.touch(seat->id)->away = true;
-  for (const Seat* seat : due) {
+  for (Seat* seat : lapsed) seat->away = true;
+  for (Seat* seat : silent) seat->isQuiet = true;
+  for (const Seat* seat : lapsed) {
     record(board, {MoveKind::agentLeft, "", seat->fingerprint, at.nowMs});
     for (Task* task : touchHeld(board, seat->fingerprint)) lapseClaim(board, *task, at);
+    missAgent(board, *seat, at);
   }
+  for (const Seat* seat : silent) freeRouted(board, *seat, at);
 }
 
 void warnHolder(Board& board, Task& task, Moment at) {
@@ -95,13 +128,17 @@ std::vector<Task*> touchHeld(Board& board, std::string_view fingerprint) {
   return held;
 }
 
-void renewPresence(Board& board, Seat& seat, Moment at) {
-  const bool isFresh = seat.leaseUntilMs - at.nowMs > at.leaseMs - at.leaseMs / 10;
-  if (!seat.registered || (isFresh && !seat.away)) return;
-  if (seat.away) record(board, {MoveKind::agentJoined, "", seat.fingerprint, at.nowMs});
-  seat.away = false;
+void startPresence(Seat& seat, Moment at) {
+  seat.away = seat.isQuiet = false;
   seat.leaseUntilMs = at.nowMs + at.leaseMs;
   seat.lastCallMs = at.nowMs;
+}
+
+void renewPresence(Board& board, Seat& seat, Moment at) {
+  const bool isFresh = seat.leaseUntilMs - at.nowMs > at.leaseMs - at.leaseMs / 10;
+  if (!seat.registered || (isFresh && !seat.away && !seat.isQuiet)) return;
+  if (seat.away) record(board, {MoveKind::agentJoined, "", seat.fingerprint, at.nowMs});
+  startPresence(seat, at);
 }
 
 void renewClaims(Board& board, const Seat& seat, Moment at) {
@@ -143,9 +180,12 @@ int64_t leave(Board& board, Seat& seat, Moment at) {
     giveUpClaim(board, *task, {MoveKind::taskReleased, task->id, seat.fingerprint, at.nowMs}, at);
   }
   record(board, {MoveKind::agentLeft, "", seat.fingerprint, at.nowMs});
+  for (const Task* task : board.tasks.with({bySecret, seat.fingerprint}))
+    forgetAnswer(*board.tasks.touch(task->id));
   seat.registered = seat.waiting = seat.stoodDown = false;
   seat.parkReason.clear();
   emptySeat(board, seat);
+  missAgent(board, seat, at);
   return text::countOf(held);
 }
 
@@ -194,8 +234,7 @@ void forgiveAbsence(Board& board, Moment at) {
     if (isLive(seat)) here.push_back(id);
   for (const std::string& id : here) {
     Seat& seat = *board.seats.touch(id);
-    seat.leaseUntilMs = at.nowMs + at.leaseMs;
-    seat.lastCallMs = at.nowMs;
+    startPresence(seat, at);
     renewClaims(board, seat, at);
   }
 }

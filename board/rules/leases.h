@@ -36,6 +36,9 @@ struct Moment {
 /// The tasks that an agent holds, to be changed, in the order of their ids.
 std::vector<Task*> touchHeld(Board& board, std::string_view fingerprint);
 
+/// Counts the agent's lease anew from now: it is here, and has just spoken.
+void startPresence(Seat& seat, Moment at);
+
 /// Keeps the agent on the roster. Written down only when a tenth of the lease has gone since the
 /// last time, so that reading the board does not write to it each time.
 void renewPresence(Board& board, Seat& seat, Moment at);

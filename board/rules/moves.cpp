@@ -32,6 +32,8 @@ void record(Board& board, const Move& move) {
   board.changes.put({padded(rev), rev, move.kind, move.taskID, move.by,
                      move.by.empty() ? std::string() : calling(board, move.by), move.atMs,
                      move.what});
+  // An agent that does something has understood its stop hook.
+  if (Seat* mover = touchSeatOf(board, move.by)) mover->holdBacks = 0;
 }
 
 void announce(Board& board, const Move& move, std::span<const Notice> notices) {

@@ -32,9 +32,6 @@ std::vector<const Seat*> othersHere(const Board& board, std::string_view fingerp
 /// How many tasks an agent holds.
 int64_t claimsOf(const Board& board, const Seat& seat);
 
-/// How long, in milliseconds, an agent may be silent before nobody should wait on it.
-inline constexpr int64_t quietAfterMs = 600'000;
-
 /// Whether an agent is here and has lately made a call of its own.
 bool isAttending(const Seat& seat, int64_t nowMs);
 

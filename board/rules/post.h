@@ -26,6 +26,8 @@ struct Wake {
   std::string summary;
   /// The move behind it; nothing when there is none.
   std::optional<MoveKind> cause;
+  /// For how many moves it stands that are not told one by one; 0 for a wake of its own.
+  int64_t more = 0;
 
   bool operator==(const Wake&) const = default;
 
@@ -38,6 +40,7 @@ struct Wake {
         json::defaulted("taskID",  &Wake::taskID),
         json::required( "summary", &Wake::summary),
         json::optional( "cause",   &Wake::cause),
+        json::defaulted("more",    &Wake::more),
     };
     // clang-format on
   }

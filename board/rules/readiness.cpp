@@ -1,5 +1,7 @@
 #include "board/rules/readiness.h"
 
+#include "base/text.h"
+#include "board/rules/limits.h"
 #include "board/rules/people.h"
 
 #include <algorithm>
@@ -40,9 +42,56 @@ bool wouldWaitOnItself(const Board& board, std::string_view taskID,
   return false;
 }
 
+std::vector<std::string> declinedAmong(const Board& board, std::span<const std::string> ids) {
+  std::vector<std::string> declined;
+  for (const std::string& id : ids) {
+    const Task* task = board.tasks.find(id);
+    if (task != nullptr && task->state == TaskState::rejected) declined.push_back(id);
+  }
+  return declined;
+}
+
+std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn) {
+  std::string notice;
+  const std::vector<std::string> missing = unresolved(board, waitsOn);
+  const std::vector<std::string> declined = declinedAmong(board, waitsOn);
+  if (!missing.empty()) {
+    addSentence(notice, text::cat("No task on this board is called ", text::join(missing, ", "),
+                                  ", so nothing waits on that."));
+  }
+  if (!declined.empty()) {
+    addSentence(notice, text::cat("Declined and never to be done: ", text::join(declined, ", "),
+                                  ". Until `waitsOn` is changed this stays unready."));
+  }
+  return notice;
+}
+
+bool isTakeable(const Board& board, const Task& task) {
+  return task.state == TaskState::open && !task.blocked && !board.thread().goalComplete &&
+         isReady(board, task);
+}
+
+void tellIfReady(Board& board, const Task& task, const Move& move, std::string_view why) {
+  if (!isOpen(task) || !isReady(board, task)) return;
+  std::vector<Notice> notices;
+  const std::string summary = text::cat(named(task), " is READY: ", why);
+  if (task.state == TaskState::claimed) {
+    notices.push_back({task.owner, WakeKind::taskReady, summary});
+  } else if (const Seat* seat = addresseeOf(board, task)) {
+    notices.push_back({seat->fingerprint, WakeKind::taskReady, summary});
+  }
+  announce(board, move, notices);
+}
+
+const Seat* addresseeOf(const Board& board, const Task& task) {
+  if (task.routedTo.empty()) return nullptr;
+  if (const Seat* seat = seatOf(board, task.routedTo)) return seat;
+  const Seat* seat = seatAt(board, task.routedTo);
+  return seat != nullptr && seat->registered ? seat : nullptr;
+}
+
 bool isMeantForSomebodyHere(const Board& board, const Task& task, int64_t nowMs) {
-  if (task.routedTo.empty()) return false;
-  const Seat* seat = whoIs(board, task.routedTo);
+  const Seat* seat = addresseeOf(board, task);
   return seat != nullptr && isAttending(*seat, nowMs);
 }
 

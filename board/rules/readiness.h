@@ -2,7 +2,7 @@
 
 // Which tasks may be started: what waits on what.
 
-#include "board/rules/board.h"
+#include "board/rules/moves.h"
 
 #include <span>
 #include <string>
@@ -23,6 +23,23 @@ std::vector<const Task*> dependentsOf(const Board& board, std::string_view taskI
 /// Whether the task would wait on itself, directly or around corners, if it waited on these.
 bool wouldWaitOnItself(const Board& board, std::string_view taskID,
                        std::span<const std::string> waitsOn);
+
+/// Those of the ids whose tasks were declined, and so will never be done.
+std::vector<std::string> declinedAmong(const Board& board, std::span<const std::string> ids);
+
+/// What a caller is told of the ids that a task is to wait on when not all of them hold it up until
+/// they are done; empty when all do.
+std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn);
+
+/// Whether anybody could claim the task now, but for whom it is meant for.
+bool isTakeable(const Board& board, const Task& task);
+
+/// Tells all, and by name its holder or whom it is meant for, that the task is READY, when it is
+/// one to be done and it is; `why` stands behind the words.
+void tellIfReady(Board& board, const Task& task, const Move& move, std::string_view why);
+
+/// The agent whom a task is meant for; null when that is nobody on the roster.
+const Seat* addresseeOf(const Board& board, const Task& task);
 
 /// Whether the agent whom the task is meant for is here and attending.
 bool isMeantForSomebodyHere(const Board& board, const Task& task, int64_t nowMs);

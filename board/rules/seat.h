@@ -7,6 +7,7 @@
 #include "board/rules/table.h"
 #include "json/record.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string>
 #include <tuple>
@@ -35,6 +36,12 @@ struct Seat {
   bool waiting = false;
   bool stoodDown = false;
   std::string parkReason;
+  /// Whether it is known to all that this agent has fallen silent.
+  bool isQuiet = false;
+  /// How often in a row its stop hook has been told to go on, and the number of the last wake or
+  /// message that it was told so for.
+  int64_t holdBacks = 0;
+  int64_t heldBackFor = 0;
 
   bool operator==(const Seat&) const = default;
 
@@ -55,6 +62,9 @@ struct Seat {
         json::defaulted("waiting",      &Seat::waiting),
         json::defaulted("stoodDown",    &Seat::stoodDown),
         json::defaulted("parkReason",   &Seat::parkReason),
+        json::defaulted("isQuiet",      &Seat::isQuiet),
+        json::defaulted("holdBacks",    &Seat::holdBacks),
+        json::defaulted("heldBackFor",  &Seat::heldBackFor),
     };
     // clang-format on
   }
@@ -62,6 +72,15 @@ struct Seat {
 
 /// Whether an agent is here: registered, its lease running.
 inline bool isLive(const Seat& seat) { return seat.registered && !seat.away; }
+
+/// How long, in milliseconds, an agent may be silent before nobody should wait on it.
+inline constexpr int64_t quietAfterMs = 600'000;
+
+/// When the board next has to look after a seat with an agent: it falls silent, or its lease ends.
+inline int64_t dueMs(const Seat& seat) {
+  if (seat.isQuiet) return seat.leaseUntilMs;
+  return std::min(seat.leaseUntilMs, text::saturatingAdd(seat.lastCallMs, quietAfterMs));
+}
 
 // The indices of seats: by the agent's mark, by the handle in small letters, and by when the agent
 // is due to be looked after.
@@ -76,7 +95,7 @@ struct Keys<Seat> {
     found(Key{byHandle, text::lowered(seat.handle)});
     if (!seat.registered) return;
     found(Key{byMark, seat.fingerprint});
-    if (isLive(seat)) found(Key{bySeatDueTime, padded(seat.leaseUntilMs)});
+    if (isLive(seat)) found(Key{bySeatDueTime, padded(dueMs(seat))});
   }
 };
 

@@ -72,6 +72,8 @@ struct Task {
   std::string blockedBy;
   std::string blockerQuestion;
   std::string blockerAnswer;
+  /// Whether that answer is a secret, for nobody but whoever asked.
+  bool isAnswerSecret = false;
   std::string parkedReason;
   int64_t priority = 0;
   std::string type;
@@ -86,6 +88,8 @@ struct Task {
   std::string reviewState;
   std::string reviewRequestedBy;
   std::string reviewRequestedFrom;
+  /// The role that its reviewer is to have; empty for any.
+  std::string reviewOfRole;
   std::string reviewBy;
   std::string reviewNote;
   std::vector<ReleaseAsk> releaseAsks;
@@ -100,9 +104,18 @@ struct Task {
   static constexpr auto fields();
 };
 
+/// The state of a review that is asked for and not yet given.
+inline constexpr std::string_view reviewWanted = "requested";
+
 /// Whether this agent has the claim on the task now.
 inline bool isHeldBy(const Task& task, const std::string& fingerprint) {
   return task.state == TaskState::claimed && task.owner == fingerprint;
+}
+
+/// Takes the person's answer off the task, above all one that is a secret.
+inline void forgetAnswer(Task& task) {
+  task.blockerAnswer.clear();
+  task.isAnswerSecret = false;
 }
 
 /// Whether work on the task is still to be done.
@@ -130,22 +143,26 @@ struct Brief {
 inline constexpr int64_t trashKeptMs = int64_t{7} * 24 * 60 * 60 * 1000;
 
 // The indices of tasks: those still to be done, by who holds them, who waits for the person on
-// them, who is tagged on them, what they wait on, whom they are meant for, and by when they are
-// due.
+// them, for whom a secret stands on them, who is tagged on them, what they wait on, whom they are
+// meant for, by when they are due, and those whose review is asked for.
 inline constexpr std::string_view openTasks = "open";
 inline constexpr std::string_view byOwner = "owner";
 inline constexpr std::string_view byBlocker = "blockedBy";
+inline constexpr std::string_view bySecret = "secret";
 inline constexpr std::string_view byMention = "mention";
 inline constexpr std::string_view byWaitsOn = "waitsOn";
 inline constexpr std::string_view byRoute = "route";
 inline constexpr std::string_view byDueTime = "due";
+inline constexpr std::string_view toReview = "review";
 
 template <>
 struct Keys<Task> {
   template <class Found>
   static void visit(const Task& task, Found&& found) {
     if (task.deletedAtMs > 0) return found(Key{byDueTime, padded(task.deletedAtMs + trashKeptMs)});
+    if (task.reviewState == reviewWanted) found(Key{toReview, {}});
     if (task.blocked) found(Key{byBlocker, task.blockedBy});
+    if (task.isAnswerSecret) found(Key{bySecret, task.blockedBy});
     for (const std::string& party : task.mentions) found(Key{byMention, party});
     if (!isOpen(task)) return;
     found(Key{openTasks, {}});
@@ -179,6 +196,7 @@ constexpr auto Task::fields() {
       json::defaulted("blockedBy",           &Task::blockedBy),
       json::defaulted("blockerQuestion",     &Task::blockerQuestion),
       json::defaulted("blockerAnswer",       &Task::blockerAnswer),
+      json::defaulted("isAnswerSecret",      &Task::isAnswerSecret),
       json::defaulted("parkedReason",        &Task::parkedReason),
       json::defaulted("priority",            &Task::priority),
       json::defaulted("type",                &Task::type),
@@ -190,6 +208,7 @@ constexpr auto Task::fields() {
       json::defaulted("reviewState",         &Task::reviewState),
       json::defaulted("reviewRequestedBy",   &Task::reviewRequestedBy),
       json::defaulted("reviewRequestedFrom", &Task::reviewRequestedFrom),
+      json::defaulted("reviewOfRole",        &Task::reviewOfRole),
       json::defaulted("reviewBy",            &Task::reviewBy),
       json::defaulted("reviewNote",          &Task::reviewNote),
       json::defaulted("releaseAsks",         &Task::releaseAsks),

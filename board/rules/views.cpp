@@ -1,14 +1,18 @@
 #include "board/rules/views.h"
 
 #include "base/text.h"
+#include "base/unicode.h"
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "model/markers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string>
+#include <utility>
 
 namespace quillpost::board {
 
@@ -32,12 +36,90 @@ void showReview(const Task& task, TeamworkTask& view) {
   view.reviewByFingerprint = unlessEmpty(task.reviewBy);
 }
 
-void showDiscussions(const Board& board, const Task& task, const Seat& viewer, TeamworkTask& view) {
+void countDiscussions(const Board& board, const Task& task, TeamworkTask& view) {
   for (const TeamworkDiscussion* discussion : openOn(board, task.id)) {
     ++view.openDiscussions;
     view.escalatedDiscussions += discussion->escalated;
-    view.discussions.push_back(discussionView(*discussion, viewer));
   }
+}
+
+/// The log as a list shows it: the last line that is no marker and the latest summary in full, of
+/// the others their marker or nothing, so that their number stays right.
+std::vector<std::string> leanLog(const Board& board, const Task& task) {
+  const std::vector<const LogLine*> lines = linesOf(board, task.id);
+  std::vector<std::string> lean(lines.size());
+  bool hasWords = false;
+  bool hasGist = false;
+  for (std::size_t i = lines.size(); i-- > 0;) {
+    const LogLine& line = *lines[i];
+    const bool isGist = line.kind == LogKind::gist;
+    bool& isShown = isGist ? hasGist : hasWords;
+    if (line.kind == LogKind::handOff) {
+      lean[i] = forMarker;
+    } else if (!std::exchange(isShown, true)) {
+      lean[i] = lineText(line);
+    } else if (isGist) {
+      lean[i] = gistMarker;
+    }
+  }
+  return lean;
+}
+
+/// The bytes of a text in an answer, about: quoting makes two of some characters and six of others.
+std::size_t quotedSize(std::string_view words) {
+  std::size_t bytes = words.size();
+  for (const char letter : words) {
+    if (static_cast<unsigned char>(letter) < 0x20) bytes += 5;
+    if (letter == '"' || letter == '\\') ++bytes;
+  }
+  return bytes;
+}
+
+/// The log as far as an answer has room for it: the latest lines, and a line that says how many
+/// came before them.
+std::vector<std::string> wholeLog(const Board& board, const Task& task) {
+  const std::vector<const LogLine*> lines = linesOf(board, task.id);
+  std::size_t first = lines.size();
+  for (std::size_t bytes = 0; first > 0; --first) {
+    bytes += quotedSize(lines[first - 1]->text);
+    if (bytes > logBytesShown) break;
+  }
+  std::vector<std::string> shown;
+  if (first > 0) {
+    shown.push_back(text::cat("(", first, " earlier line", text::s(static_cast<int64_t>(first)),
+                              " left out: the log is longer than an answer can be.)"));
+  }
+  for (std::size_t i = first; i < lines.size(); ++i) shown.push_back(lineText(*lines[i]));
+  return shown;
+}
+
+/// The discussion with as many of its latest volleys as there is room for, in bytes, which is what
+/// is left of it then.
+TeamworkDiscussion discussionWithin(const TeamworkDiscussion& discussion, const Seat& viewer,
+                                    std::size_t& room) {
+  TeamworkDiscussion view = discussion;
+  std::size_t first = view.volleys.size();
+  while (first > 0 && view.volleys.size() - first < volleysShown) {
+    const std::size_t size = quotedSize(view.volleys[first - 1].body);
+    if (size > room) break;
+    room -= size;
+    --first;
+  }
+  view.volleys.erase(view.volleys.begin(),
+                     view.volleys.begin() + static_cast<std::ptrdiff_t>(first));
+  view.yourTurn = owes(discussion, viewer.fingerprint);
+  return view;
+}
+
+/// Open discussions in their order, the latest with most of their volleys.
+std::vector<TeamworkDiscussion> discussionViews(
+    const std::vector<const TeamworkDiscussion*>& discussions, const Seat& viewer) {
+  std::vector<TeamworkDiscussion> views;
+  std::size_t room = volleyBytesShown;
+  for (std::size_t i = discussions.size(); i-- > 0;)
+    views.push_back(discussionWithin(*discussions[i], viewer, room));
+  std::ranges::reverse(views);
+  return views;
 }
 
 void showWatchers(const Board& board, const Task& task, TeamworkTask& view) {
@@ -67,16 +149,26 @@ void addHeld(const Task& task, Moment at, TeamworkObligations& owed) {
 }  // namespace
 
 TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, Moment at) {
-  TeamworkTask view = titleView(task);
+  TeamworkTask view = leanView(board, task, viewer, at);
   view.body = briefOf(board, task.id);
-  for (const LogLine* line : linesOf(board, task.id)) view.log.push_back(lineText(*line));
+  view.log = wholeLog(board, task);
+  view.discussions = discussionViews(openOn(board, task.id), viewer);
+  showWatchers(board, task, view);
+  return view;
+}
+
+TeamworkTask leanView(const Board& board, const Task& task, const Seat& viewer, Moment at) {
+  TeamworkTask view = titleView(task);
+  view.log = leanLog(board, task);
   view.ownerFingerprint = unlessEmpty(task.owner);
   if (task.state == TaskState::claimed) {
     view.claimLeaseSecondsRemaining = secondsUntil(task.leaseUntilMs, at);
   }
   view.blocked = task.blocked;
   view.blockerQuestion = unlessEmpty(task.blockerQuestion);
-  view.blockerAnswer = unlessEmpty(task.blockerAnswer);
+  if (!task.isAnswerSecret || task.blockedBy == viewer.fingerprint) {
+    view.blockerAnswer = unlessEmpty(task.blockerAnswer);
+  }
   view.priority = task.priority;
   view.type = unlessEmpty(task.type);
   view.claimAttempts = task.claimAttempts;
@@ -94,8 +186,7 @@ TeamworkTask taskView(const Board& board, const Task& task, const Seat& viewer, 
   if (!missing.empty()) view.unresolvedWaitsOn = missing;
   if (!task.releaseAsks.empty()) view.pendingReleaseReason = task.releaseAsks.front().reason;
   view.mentionsYou = mentions(task, viewer.fingerprint);
-  showDiscussions(board, task, viewer, view);
-  showWatchers(board, task, view);
+  countDiscussions(board, task, view);
   return view;
 }
 
@@ -129,9 +220,8 @@ TeamworkAgent agentView(const Board& board, const Seat& seat, const Seat& viewer
 }
 
 TeamworkDiscussion discussionView(const TeamworkDiscussion& discussion, const Seat& viewer) {
-  TeamworkDiscussion view = discussion;
-  view.yourTurn = owes(discussion, viewer.fingerprint);
-  return view;
+  std::size_t room = volleyBytesShown;
+  return discussionWithin(discussion, viewer, room);
 }
 
 TeamworkPlan planView(const Board& board, const Seat& viewer) {
@@ -145,8 +235,8 @@ TeamworkPlan planView(const Board& board, const Seat& viewer) {
   view.otherLocalAgents = text::countOf(othersHere(board, viewer.fingerprint));
   view.goalComplete = thread.goalComplete;
   view.pendingGoalComplete = !thread.goalProposedBy.empty();
-  for (const auto& [id, discussion] : board.discussions)
-    if (isOpen(discussion)) view.discussions.push_back(discussionView(discussion, viewer));
+  // All that are in the index, whatever their task: of those that are over there may be very many.
+  view.discussions = discussionViews(board.discussions.upTo(openByTask, "\x7f"), viewer);
   return view;
 }
 
@@ -166,6 +256,15 @@ TeamworkAudience audienceFor(const Board& board, const Seat& viewer) {
   return audience;
 }
 
+bool isForReviewBy(const Task& task, const Seat& seat) {
+  const std::string& self = seat.fingerprint;
+  if (!mayVerify(seat.authority) || task.owner == self || task.reviewRequestedBy == self) {
+    return false;
+  }
+  if (!task.reviewRequestedFrom.empty()) return task.reviewRequestedFrom == self;
+  return task.reviewOfRole.empty() || unicode::equalIgnoringCase(task.reviewOfRole, seat.role);
+}
+
 TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment at) {
   TeamworkObligations owed;
   if (!seat.registered) return owed;
@@ -174,6 +273,12 @@ TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment a
     auto& list = owes(*discussion, self) ? owed.oweReply : owed.awaitingReply;
     list.push_back({discussion->id, discussion->taskID, discussion->question,
                     counterpart(board, *discussion, self)});
+  }
+  for (const Task* task : board.tasks.with({toReview, {}})) {
+    if (!isForReviewBy(*task, seat)) continue;
+    owed.oweReply.push_back({"none", task->id,
+                             text::cat("A verdict on ", named(*task), ": verify_task"),
+                             calling(board, task->reviewRequestedBy)});
   }
   for (const Task* task : board.tasks.with({byBlocker, self}))
     owed.yourBlockersOpen.push_back(task->id);

@@ -1,6 +1,8 @@
 #include "board/rules/wakes.h"
 
+#include "base/text.h"
 #include "board/rules/ids.h"
+#include "board/rules/limits.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,26 +13,54 @@ namespace {
 
 std::string nextNumber(Board& board) { return padded(++board.count().lastNumber); }
 
-/// Whether a wake makes an earlier one needless: it says the same, or how a task stands by now.
+/// Whether a wake makes an earlier one needless: it says the same, or how a task stands by now. A
+/// watcher is told of each move.
 bool saysAll(const Reason& later, const Wake& earlier) {
   if (later.kind != earlier.kind || later.taskID != earlier.taskID) return false;
-  return later.summary == earlier.summary || later.kind == WakeKind::taskWatched ||
-         later.kind == WakeKind::claimExpiring || later.kind == WakeKind::claimExpired;
+  if (later.kind == WakeKind::taskWatched) return false;
+  return later.summary == earlier.summary || later.kind == WakeKind::claimExpiring ||
+         later.kind == WakeKind::claimExpired;
 }
 
-/// Removes the rows of a seat that match.
+/// Counts a watched move that is one too many to be told by itself; false when there is room.
+bool countWatched(Board& board, const std::vector<const Wake*>& all) {
+  std::size_t watched = 0;
+  const Wake* counted = nullptr;
+  for (const Wake* wake : all) {
+    watched += wake->kind == WakeKind::taskWatched && wake->more == 0;
+    if (wake->more > 0) counted = wake;
+  }
+  if (watched < watchNoticesKept) return false;
+  Wake more{{}, all.front()->seat, WakeKind::taskWatched, {}, {}, {}, 1};
+  if (counted != nullptr) {
+    more.more += counted->more;
+    board.wakes.remove(std::string(counted->id));
+  }
+  more.id = nextNumber(board);
+  more.summary = text::cat(more.more, " more move", text::s(more.more), " of tasks that you watch");
+  board.wakes.put(std::move(more));
+  return true;
+}
+
+/// Removes the rows of a seat that match. The number of the last of them; 0 when there is none.
 template <class Row, class Matches>
-void removeFrom(Table<Row>& table, std::string_view session, Matches&& matches) {
-  for (const Row* row : table.with({bySeat, session}))
-    if (matches(*row)) table.remove(row->id);
+int64_t removeFrom(Table<Row>& table, std::string_view session, Matches&& matches) {
+  int64_t last = 0;
+  for (const Row* row : table.with({bySeat, session})) {
+    if (!matches(*row)) continue;
+    last = text::parseInteger(row->id).value_or(0);
+    table.remove(std::string(row->id));
+  }
+  return last;
 }
 
 }  // namespace
 
 void wake(Board& board, const Seat& seat, const Reason& reason) {
+  if (reason.kind == WakeKind::taskWatched && countWatched(board, wakesOf(board, seat))) return;
   removeFrom(board.wakes, seat.id, [&](const Wake& earlier) { return saysAll(reason, earlier); });
   board.wakes.put(
-      {nextNumber(board), seat.id, reason.kind, reason.taskID, reason.summary, reason.cause});
+      {nextNumber(board), seat.id, reason.kind, reason.taskID, reason.summary, reason.cause, 0});
   const std::vector<const Wake*> all = wakesOf(board, seat);
   if (all.size() <= wakesKept) return;
   const auto leastMissed = std::ranges::find(all, WakeKind::taskWatched, &Wake::kind);
@@ -57,10 +87,62 @@ std::vector<const Message*> messagesOf(const Board& board, const Seat& seat) {
 }
 
 void forgetDelivered(Board& board, const Delivery& delivery) {
-  removeFrom(board.wakes, delivery.session,
-             [&](const Wake& wake) { return wake.id <= delivery.wakesUpTo; });
-  removeFrom(board.messages, delivery.session,
-             [&](const Message& message) { return message.id <= delivery.messagesUpTo; });
+  const int64_t lastWake = removeFrom(board.wakes, delivery.session, [&](const Wake& wake) {
+    return wake.id <= delivery.wakesUpTo ||
+           (wake.kind == WakeKind::humanSaid && wake.id <= delivery.saidUpTo);
+  });
+  const int64_t lastMessage =
+      removeFrom(board.messages, delivery.session,
+                 [&](const Message& message) { return message.id <= delivery.messagesUpTo; });
+  // Something new to the agent that no stop hook has told of yet: what it owes counts from here.
+  const Seat* seat = board.seats.find(delivery.session);
+  const int64_t last = std::max(lastWake, lastMessage);
+  if (seat == nullptr || last <= seat->heldBackFor) return;
+  Seat& reader = *board.seats.touch(delivery.session);
+  reader.heldBackFor = last;
+  reader.holdBacks = 0;
+}
+
+std::string carrySaid(const Board& board, const Seat& seat, TeamworkResponse& response) {
+  using Kind = TeamworkResponse::Kind;
+  std::string words;
+  std::string last;
+  for (const Wake* wake : wakesOf(board, seat)) {
+    if (wake->kind != WakeKind::humanSaid) continue;
+    addSentence(words, wake->summary);
+    last = wake->id;
+  }
+  if (last.empty()) return last;
+  const bool hasWords = response.message && !response.message->empty();
+  switch (response.kind) {
+    case Kind::written:
+    case Kind::task:
+    case Kind::discussion: {
+      std::string notice = std::move(response.notice).value_or("");
+      addSentence(notice, words);
+      response.notice = std::move(notice);
+      return last;
+    }
+    case Kind::error:
+    case Kind::empty: {
+      if (!hasWords) break;
+      addSentence(*response.message, words);
+      return last;
+    }
+    case Kind::registered:
+    case Kind::agents:
+    case Kind::tasks:
+    case Kind::plan:
+      break;
+    case Kind::changes:
+    case Kind::wake:
+      return {};
+  }
+  // Among what is owed, since these answers have no room for a sentence of their own.
+  if (!response.obligations) return {};
+  response.obligations->oweReply.push_back({"none", std::nullopt, words, std::string(human)});
+  response.obligations->clear = false;
+  return last;
 }
 
 void emptySeat(Board& board, const Seat& seat) {

@@ -3,6 +3,7 @@
 // Waking agents and leaving them messages, and forgetting what has reached them.
 
 #include "board/rules/board.h"
+#include "model/response.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -16,6 +17,9 @@ namespace quillpost::board {
 /// The wakes kept for one seat; beyond that the oldest give way, watch notices first, since the
 /// agent that comes back to so many reads the board anew.
 inline constexpr std::size_t wakesKept = 256;
+
+/// The watch notices kept for one seat; what comes after these is only counted.
+inline constexpr std::size_t watchNoticesKept = 20;
 
 /// Why a seat is woken.
 struct Reason {
@@ -56,13 +60,20 @@ std::vector<const Message*> messagesOf(const Board& board, const Seat& seat);
 struct Delivery {
   std::string thread;
   std::string session;
-  /// Empty when it carried none.
-  std::string wakesUpTo;
-  std::string messagesUpTo;
+  /// Each is empty when it carried none.
+  std::string wakesUpTo = {};
+  std::string messagesUpTo = {};
+  /// Of the wakes only what the person has said.
+  std::string saidUpTo = {};
 };
 
 /// Forgets what has been carried.
 void forgetDelivered(Board& board, const Delivery& delivery);
+
+/// Puts what the person has said to the agent into an answer that carries no wakes, wherever an
+/// answer of its kind has room for words: the id of the last such wake, or empty when there is none
+/// or no room.
+std::string carrySaid(const Board& board, const Seat& seat, TeamworkResponse& response);
 
 /// Forgets all that waits for a seat.
 void emptySeat(Board& board, const Seat& seat);

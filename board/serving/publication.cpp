@@ -12,6 +12,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -21,7 +22,7 @@ namespace quillpost::board {
 namespace {
 
 /// The connections that wait to be accepted: more than any number of agents asks for at once.
-constexpr int queueLength = 128;
+constexpr int queueLength = 1024;
 
 /// Only this user reads and writes.
 constexpr mode_t privately = S_IRUSR | S_IWUSR;
@@ -42,6 +43,18 @@ bool replaceFile(const std::string& path, std::string_view bytes) {
   ::unlink(fresh.c_str());
   const UniqueFd file(::open(fresh.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, privately));
   return file && writeWhole(file, bytes) && std::rename(fresh.c_str(), path.c_str()) == 0;
+}
+
+/// A socket bound to that path for this user alone; none when that fails.
+UniqueFd bindPrivately(const std::string& path) {
+  UniqueFd socket = openUnixSocket();
+  if (!socket || !bindUnixSocket(socket, path) || ::chmod(path.c_str(), privately) != 0) return {};
+  return socket;
+}
+
+bool exists(const std::string& path) {
+  struct stat status {};
+  return ::lstat(path.c_str(), &status) == 0;
 }
 
 /// The secret in a file that only this user can have written; nothing when there is none.
@@ -81,14 +94,16 @@ std::optional<Publication> Publication::open(const std::string& directory,
                     socketPathLimit - 1, " bytes");
     return std::nullopt;
   }
+  // Of two boards that start at once the second looks when the first is listening.
+  const UniqueFd lock(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (lock) ::flock(lock.get(), LOCK_EX);
   if (isServed(files.socket)) {
     why = text::cat("another board is served at ", files.socket);
     return std::nullopt;
   }
   ::unlink(files.socket.c_str());
-  UniqueFd socket = openUnixSocket();
-  if (!socket || !bindUnixSocket(socket, files.socket) ||
-      ::chmod(files.socket.c_str(), privately) != 0) {
+  UniqueFd socket = bindPrivately(files.socket);
+  if (!socket) {
     why = text::cat("cannot make ", files.socket, ": ", reason());
     return std::nullopt;
   }
@@ -102,6 +117,15 @@ std::optional<Publication> Publication::open(const std::string& directory,
     return std::nullopt;
   }
   return publication;
+}
+
+UniqueFd Publication::restore() {
+  if (!exists(files_.token)) replaceFile(files_.token, token_ + "\n");
+  if (!exists(files_.personToken)) replaceFile(files_.personToken, personToken_ + "\n");
+  if (exists(files_.socket)) return {};
+  UniqueFd socket = bindPrivately(files_.socket);
+  if (!socket || ::listen(socket.get(), queueLength) != 0) return {};
+  return socket;
 }
 
 Publication::Publication(UniqueFd socket, BoardFiles files, const Random& random)

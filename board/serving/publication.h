@@ -42,6 +42,10 @@ class Publication {
   Publication& operator=(const Publication&) = delete;
   ~Publication();
 
+  /// Makes again what has been deleted of its files. The new listening socket when the socket was
+  /// among them; none while it stands or somebody else's stands in its place.
+  UniqueFd restore();
+
   /// The listening socket, given away.
   UniqueFd takeSocket() { return std::move(socket_); }
 

@@ -10,10 +10,16 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace quillpost::board {
 
 namespace {
+
+constexpr const char* cannotWrite =
+    "The board cannot write to its file, so nothing was changed. Is its disk full? Reading goes "
+    "on; "
+    "try again in a moment.";
 
 /// The thread that the first seat of a new file is on.
 constexpr std::string_view firstThread = "main";
@@ -26,6 +32,15 @@ int64_t holdOf(const Board& board, const Seat& seat, const TeamworkRequest& requ
   if (!isPoll(request) || isDeserted(board)) return 0;
   if (hasNews(board, seat, listeningOf(request))) return 0;
   return std::clamp<int64_t>(request.holdMs.value_or(0), 0, holdLimitMs);
+}
+
+/// What an answer carries of that which waits for the seat.
+Delivery carriedBy(const Board& board, const Seat& seat, const TeamworkRequest& request,
+                   const TeamworkResponse& response) {
+  Delivery delivery{board.thread().id, seat.id, {}, {}, {}};
+  if (isPoll(request) || response.messages) delivery = deliveryOf(board, seat);
+  if (!isPoll(request)) delivery.wakesUpTo.clear();
+  return delivery;
 }
 
 bool isFor(const Board& board, std::string_view name) {
@@ -44,65 +59,105 @@ Service::Service(Store& store, Boards boards, Settings settings, Now now, Random
     forgiveAbsence(board, moment());
     save(board);
   }
+  lookAtMs_ = now_() + storeCareMs;
 }
 
 Answer Service::answer(const TeamworkRequest& request) {
   if (request.protocolVersion != protocolVersion) {
     return {refused(text::cat("This board speaks version ", protocolVersion,
                               " of the protocol, and the request is of version ",
-                              request.protocolVersion, ".")),
-            {}};
+                              request.protocolVersion, "."))};
   }
   if (isForPerson(request.method)) {
     if (request.token != settings_.personToken) {
-      return {refused("Only the person may do that, and this is not the person's token."), {}};
+      return {refused("Only the person may do that, and this is not the person's token.")};
     }
-    return {answerPerson(request), {}};
+    return {answerPerson(request)};
   }
   if (request.token != settings_.token) {
-    return {refused("The collaboration token is not this board's. Read it anew from the "
-                    "token file."),
-            {}};
+    return {
+        refused("The collaboration token is not this board's. Read it anew from the "
+                "token file.")};
   }
   Board* board = boardOf(request.sessionID);
   if (board == nullptr) {
-    return {refused("This board knows no seat of that session id. A new terminal's environment "
-                    "comes from `quillpost-board seat`."),
-            {}};
+    return {
+        refused("This board knows no seat of that session id. A new terminal's environment "
+                "comes from `quillpost-board seat`.")};
   }
+  // What has lapsed by now has lapsed before this request.
+  if (!isFailing()) lapse(*board, moment());
   return answerSeat(*board, *board->seats.touch(request.sessionID), request);
 }
 
 Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& request) {
   const Moment at = moment();
-  const std::string tag = board.thread().id;
-  lapse(board, at);
+  const bool isReading = onlyReads(request.method);
   Answer answer;
   answer.holdMs = holdOf(board, seat, request);
+  const TeamworkResponse* before = isReading ? nullptr : answeredBefore(request);
   if (answer.holdMs > 0) {
     renewPresence(board, seat, at);
+  } else if (before != nullptr) {
+    answer.response = *before;
   } else {
-    answer.response = carryOut({board, request, seat, at, random_});
+    answer.response =
+        carryOut({board, request, seat, at, random_, listening_.contains(request.sessionID)});
   }
-  if (!save(board)) {
-    return {refused("The board could not write this down, so nothing was changed. Is its disk "
-                    "full?"),
-            {}};
-  }
+  const bool isKept = save(board);
+  if (answer.holdMs > 0) return answer;
+  if (!isKept && !isReading) answer.response = refused(cannotWrite);
   answer.response.obligations = obligationsOf(board, seat, at);
   answer.response.audience = audienceFor(board, seat);
-  answer.response.threadTag = tag;
-  if (isPoll(request)) {
-    answer.delivery = deliveryOf(board, seat);
-  } else if (answer.response.messages) {
-    answer.delivery = deliveryOf(board, seat);
-    answer.delivery->wakesUpTo.clear();
+  answer.response.threadTag = board.thread().id;
+  if (before == nullptr) {
+    answer.receipt = Receipt{carriedBy(board, seat, request, answer.response)};
+    if (seat.registered) {
+      answer.receipt->delivery.saidUpTo = carrySaid(board, seat, answer.response);
+    }
   }
+  addReceipt(request, answer);
+  addRevision(request, answer);
   return answer;
 }
 
-void Service::confirm(const Delivery& delivery) {
-  if (delivery.wakesUpTo.empty() && delivery.messagesUpTo.empty()) return;
+/// An answer that shows the whole board says of which revision; every other one repeats what the
+/// seat has been shown, so that its next wait asks for what came after that.
+void Service::addRevision(const TeamworkRequest& request, Answer& answer) const {
+  if (answer.response.changes) {
+    answer.receipt->shownRev = answer.response.changes->rev;
+  } else if (answer.response.rev) {
+    answer.receipt->shownRev = *answer.response.rev;
+  } else if (const auto shown = shown_.find(request.sessionID); shown != shown_.end()) {
+    answer.response.rev = shown->second;
+  }
+}
+
+void Service::addReceipt(const TeamworkRequest& request, Answer& answer) {
+  Receipt receipt = std::move(answer.receipt).value_or(Receipt{});
+  std::erase_if(unanswered_,
+                [&](const auto& row) { return now_() - row.second.atMs > repetitionMs; });
+  if (!onlyReads(request.method) && answer.response.kind != TeamworkResponse::Kind::error) {
+    receipt.write = ++lastWrite_;
+    unanswered_.insert_or_assign(request.sessionID,
+                                 Unanswered{request, answer.response, now_(), receipt.write});
+  }
+  answer.receipt = std::move(receipt);
+}
+
+const TeamworkResponse* Service::answeredBefore(const TeamworkRequest& request) const {
+  const auto found = unanswered_.find(request.sessionID);
+  if (found == unanswered_.end() || now_() - found->second.atMs > repetitionMs) return nullptr;
+  return found->second.request == request ? &found->second.response : nullptr;
+}
+
+void Service::confirm(const Receipt& receipt) {
+  const Delivery& delivery = receipt.delivery;
+  std::erase_if(unanswered_, [&](const auto& row) { return row.second.number == receipt.write; });
+  if (receipt.shownRev > 0) shown_[delivery.session] = receipt.shownRev;
+  if (delivery.wakesUpTo.empty() && delivery.messagesUpTo.empty() && delivery.saidUpTo.empty()) {
+    return;
+  }
   Board* board = boardOf(delivery.session);
   if (board == nullptr) return;
   forgetDelivered(*board, delivery);
@@ -110,16 +165,51 @@ void Service::confirm(const Delivery& delivery) {
   save(*board);
 }
 
+void Service::endListening(const std::string& session) {
+  const auto found = listening_.find(session);
+  if (found != listening_.end()) listening_.erase(found);
+}
+
 std::optional<int64_t> Service::tick() {
-  std::optional<int64_t> next;
-  for (Board& board : boards_) {
-    lapse(board, moment());
-    save(board);
-    const std::optional<int64_t> due = nextLapse(board);
-    if (due && (!next || *due < *next)) next = due;
+  const int64_t nowMs = now_();
+  if (nowMs >= lookAtMs_) {
+    careForFile();
+    if (settings_.care) settings_.care();
   }
-  if (next) next = std::max<int64_t>(0, *next - now_());
+  std::optional<int64_t> next;
+  const auto consider = [&](int64_t dueMs) { next = std::min(next.value_or(dueMs), dueMs); };
+  if (store_.isFile() || settings_.care) consider(lookAtMs_);
+  for (Board& board : boards_) {
+    if (nowMs >= retryAtMs_) {
+      lapse(board, moment());
+      save(board);
+    }
+    if (const std::optional<int64_t> due = nextLapse(board)) consider(std::max(*due, retryAtMs_));
+  }
+  if (next) next = std::max<int64_t>(0, *next - nowMs);
   return next;
+}
+
+void Service::careForFile() {
+  lookAtMs_ = now_() + storeCareMs;
+  std::string why;
+  switch (store_.look()) {
+    case FileState::kept:
+      return;
+    case FileState::gone:
+      isOver_ = !store_.writeAnew(why);
+      say(isOver_ ? text::cat("the file of the board was deleted: ", why)
+                  : "the file of the board was deleted, and has been written anew");
+      return;
+    case FileState::replaced:
+      isOver_ = true;
+      say("another file was put in the place of the board's, which is left as it is");
+      return;
+  }
+}
+
+void Service::say(const std::string& sentence) const {
+  if (settings_.say) settings_.say(sentence);
 }
 
 Board* Service::boardOf(std::string_view sessionID) {
@@ -129,18 +219,45 @@ Board* Service::boardOf(std::string_view sessionID) {
 }
 
 bool Service::save(Board& board) {
-  stirred_ += !isSaved(board);
-  return store_.save(board);
+  if (isSaved(board)) return store_.save(board);
+  // Nothing is acknowledged that goes to a file which nobody will open again.
+  careForFile();
+  const bool mayTry = !isOver_ && now_() >= retryAtMs_;
+  if (!mayTry) {
+    revert(board);
+    return false;
+  }
+  if (!store_.save(board)) {
+    if (!isFailing()) say("cannot write to the file of the board; until it can, nothing changes");
+    retryAtMs_ = now_() + storeCareMs;
+    return false;
+  }
+  ++stirred_;
+  if (!isFailing()) return true;
+  retryAtMs_ = 0;
+  say("the file of the board can be written again");
+  // Nobody could renew a lease meanwhile.
+  for (Board& other : boards_) {
+    forgiveAbsence(other, moment());
+    store_.save(other);
+  }
+  return true;
 }
 
 TeamworkResponse Service::answerPerson(const TeamworkRequest& request) {
-  if (request.method == personSeat) return newSeat(request);
   const std::string name = request.name.value_or("");
+  if (name.empty() && boards_.size() > 1 && request.method != personShow) {
+    std::vector<std::string> names;
+    for (const Board& board : boards_) names.push_back(board.thread().name);
+    return refused(text::cat("There are several threads (", text::join(names, ", "),
+                             "): say which with --thread."));
+  }
+  if (request.method == personSeat) return newSeat(request);
   for (Board& board : boards_) {
     if (!isFor(board, name)) continue;
-    lapse(board, moment());
+    if (!isFailing()) lapse(board, moment());
     TeamworkResponse response = carryOutForPerson(board, request, moment());
-    if (!save(board)) return refused("The board could not write this down.");
+    if (!save(board)) return refused(cannotWrite);
     return response;
   }
   if (name.empty()) return refused("There is no thread yet: `seat` makes the first one.");
@@ -172,7 +289,7 @@ TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
                         board.thread().name, "\" (", board.thread().id, ")."));
   if (save(board)) return response;
   if (isNew) boards_.pop_back();
-  return refused("The board could not write this down.");
+  return refused(cannotWrite);
 }
 
 }  // namespace quillpost::board

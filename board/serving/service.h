@@ -3,7 +3,7 @@
 // The board's desk: takes one request, carries it out on the right board, and answers only when
 // what has changed is on disk. Knows no sockets.
 
-#include "board/rules/wakes.h"
+#include "board/serving/reply.h"
 #include "board/serving/store.h"
 #include "board/verbs/methods.h"
 #include "model/request.h"
@@ -11,7 +11,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -24,6 +26,13 @@ inline constexpr int64_t protocolVersion = 1;
 /// board to be gone.
 inline constexpr int64_t holdLimitMs = 30'000;
 
+/// How long after a write whose answer did not arrive the same request of the same seat is taken
+/// for its repetition, in milliseconds. A client repeats one within half a second.
+inline constexpr int64_t repetitionMs = 2000;
+
+/// How often, in milliseconds, the file is looked at, and tried again when it could not be written.
+inline constexpr int64_t storeCareMs = 1000;
+
 /// What a desk needs to know.
 struct Settings {
   /// What an agent's requests carry.
@@ -34,19 +43,14 @@ struct Settings {
   /// What the environment lines of a new seat name.
   std::string socketPath;
   std::string tokenPath;
+  /// Told, in a sentence, what whoever runs the board should know. May be empty.
+  std::function<void(const std::string&)> say = {};
+  /// Called about once a second, for what else is to be looked after. May be empty.
+  std::function<void()> care = {};
 };
 
 /// The time in milliseconds since 1970.
 using Now = std::function<int64_t()>;
-
-/// An answer, and what it carries that is to be forgotten once it has been sent.
-struct Answer {
-  TeamworkResponse response;
-  std::optional<Delivery> delivery;
-  /// For how long the answer may be held back, because it says that nothing has moved; 0 when it is
-  /// to be sent now.
-  int64_t holdMs = 0;
-};
 
 /// The desk.
 class Service {
@@ -58,22 +62,43 @@ class Service {
   Answer answer(const TeamworkRequest& request);
 
   /// Notes that an answer has been sent whole.
-  void confirm(const Delivery& delivery);
+  void confirm(const Receipt& receipt);
 
-  /// Does what is due by now: lapsed leases, warnings. When it is to be called again, in
-  /// milliseconds from now; nothing when nothing will be due.
+  /// Notes that a poll of that seat is held from now on, or no longer.
+  void beginListening(const std::string& session) { listening_.insert(session); }
+  void endListening(const std::string& session);
+
+  /// Does what is due by now: lapsed leases, warnings, the care of the file. When it is to be
+  /// called again, in milliseconds from now; nothing when nothing will be due.
   std::optional<int64_t> tick();
 
   /// Counts whatever may give a held poll something to say.
   uint64_t stirred() const { return stirred_; }
 
+  /// Whether nothing more can be kept, so that the board must end rather than go on.
+  bool isOver() const { return isOver_; }
+
  private:
+  /// A write that was carried out and whose answer may not have arrived.
+  struct Unanswered {
+    TeamworkRequest request;
+    TeamworkResponse response;
+    int64_t atMs = 0;
+    uint64_t number = 0;
+  };
+
   Answer answerSeat(Board& board, Seat& seat, const TeamworkRequest& request);
+  void addReceipt(const TeamworkRequest& request, Answer& answer);
+  void addRevision(const TeamworkRequest& request, Answer& answer) const;
+  const TeamworkResponse* answeredBefore(const TeamworkRequest& request) const;
   TeamworkResponse answerPerson(const TeamworkRequest& request);
   TeamworkResponse newSeat(const TeamworkRequest& request);
   Board* boardOf(std::string_view sessionID);
   bool save(Board& board);
+  void careForFile();
+  void say(const std::string& sentence) const;
   Moment moment() const { return {now_(), settings_.leaseMs}; }
+  bool isFailing() const { return retryAtMs_ != 0; }
 
   Store& store_;
   Boards boards_;
@@ -81,6 +106,17 @@ class Service {
   Now now_;
   Random random_;
   uint64_t stirred_ = 0;
+  /// When writing may be tried again after it failed; 0 while it does not fail.
+  int64_t retryAtMs_ = 0;
+  int64_t lookAtMs_ = 0;
+  bool isOver_ = false;
+  /// By session id.
+  std::map<std::string, Unanswered, std::less<>> unanswered_;
+  /// The sessions of the polls that are held.
+  std::multiset<std::string> listening_;
+  /// By session id, the revision up to which the seat has been shown the board.
+  std::map<std::string, int64_t, std::less<>> shown_;
+  uint64_t lastWrite_ = 0;
 };
 
 }  // namespace quillpost::board

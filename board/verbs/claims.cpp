@@ -6,6 +6,7 @@
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/views.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
@@ -26,6 +27,14 @@ TeamworkResponse notYours(const Call& call, const Task& task) {
   return refused(text::cat(named(task), " ", state, ". comment_task needs no claim."));
 }
 
+/// Says which of the tasks that one waits on will never be done; empty when all may be.
+std::string whyForEver(const Board& board, const Task& task) {
+  const std::vector<std::string> declined = declinedAmong(board, task.waitsOn);
+  if (declined.empty()) return {};
+  return text::cat(" Declined and never to be done: ", text::join(declined, ", "),
+                   "; whoever filed it can change `waitsOn`.");
+}
+
 /// Why the caller may not claim a task that nobody holds; nothing when it may.
 std::optional<std::string> whyNotClaimable(const Call& call, const Task& task) {
   if (call.board.thread().goalComplete) return "The goal is complete, so nothing is to be started.";
@@ -36,13 +45,13 @@ std::optional<std::string> whyNotClaimable(const Call& call, const Task& task) {
   }
   if (!isReady(call.board, task)) {
     return text::cat(named(task), " is not READY: it waits on ", text::join(task.waitsOn, ", "),
-                     ".");
+                     ".", whyForEver(call.board, task));
   }
   if (task.blocked && task.blockedBy != call.self()) {
     return text::cat(named(task), " is blocked on a question to the person.");
   }
-  const bool isOwnToTake = unicode::equalIgnoringCase(task.routedTo, call.seat.handle);
-  if (!isOwnToTake && isMeantForSomebodyHere(call.board, task, call.at.nowMs)) {
+  if (addresseeOf(call.board, task) != &call.seat &&
+      isMeantForSomebodyHere(call.board, task, call.at.nowMs)) {
     return text::cat(named(task), " is handed to ", task.routedTo, ", who is here.");
   }
   return std::nullopt;
@@ -51,28 +60,22 @@ std::optional<std::string> whyNotClaimable(const Call& call, const Task& task) {
 /// Tells of every task that is READY now that this one is done.
 void announceUnlocked(const Call& call, const Task& done) {
   for (const Task* task : dependentsOf(call.board, done.id)) {
-    if (!isReady(call.board, *task)) continue;
-    std::vector<Notice> notices;
-    const std::string summary = text::cat(named(*task), " is READY: ", named(done), " is done");
-    if (task->state == TaskState::claimed) {
-      notices.push_back({task->owner, WakeKind::taskReady, summary});
-    } else if (const Seat* seat = whoIs(call.board, task->routedTo)) {
-      notices.push_back({seat->fingerprint, WakeKind::taskReady, summary});
-    }
-    announce(call.board, call.move(MoveKind::taskReady, task->id, named(done)), notices);
+    tellIfReady(call.board, *task, call.move(MoveKind::taskReady, task->id, named(done)),
+                text::cat(named(done), " is done"));
   }
 }
 
-/// Whoever may verify the caller's work: the one asked for, or all here who have the authority and,
-/// when one is given, the role.
-std::vector<const Seat*> reviewersFor(const Call& call) {
-  std::vector<const Seat*> reviewers;
+/// Tells those whose verdict is asked for: whom the request names, or all here who have the
+/// authority and, when one is given, the role. Whether there is any.
+bool askReviewers(const Call& call, const Task& task) {
+  std::vector<Notice> notices;
   for (const Seat* seat : othersHere(call.board, call.self())) {
-    if (!mayVerify(seat->authority)) continue;
-    const std::string role = call.request.reviewOfRole.value_or("");
-    if (role.empty() || unicode::equalIgnoringCase(role, seat->role)) reviewers.push_back(seat);
+    if (!isForReviewBy(task, *seat)) continue;
+    notices.push_back({seat->fingerprint, WakeKind::reviewRequested,
+                       text::cat(call.seat.handle, " asks for a review of ", named(task))});
   }
-  return reviewers;
+  announce(call.board, call.move(MoveKind::reviewRequested, task.id, task.reviewNote), notices);
+  return !notices.empty();
 }
 
 TeamworkResponse claimTask(const Call& call, Task& task) {
@@ -117,6 +120,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
   task.state = TaskState::done;
   task.blocked = false;
+  if (task.isAnswerSecret) forgetAnswer(task);
   task.parkedReason.clear();
   task.releaseAsks.clear();
   takeBackWakes(call.board, call.seat, WakeKind::claimExpiring, task.id);
@@ -128,6 +132,9 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   announce(call.board, call.move(MoveKind::taskCompleted, task.id, cut(summary, summaryLimit)),
            notices);
   announceUnlocked(call, task);
+  // Asked for while it was under way, or for a completion before this one.
+  if (task.reviewState.empty() && !task.reviewRequestedBy.empty()) task.reviewState = reviewWanted;
+  if (task.reviewState == reviewWanted) askReviewers(call, task);
   return written(text::cat("Completed ", named(task), "."));
 }
 
@@ -137,7 +144,9 @@ TeamworkResponse requestRelease(const Call& call, Task& task) {
     return refused(text::cat("Nobody holds ", named(task), ": claim_task is all it takes."));
   }
   const std::string holder = task.owner;
-  const std::string reason = cut(oneLine(call.request.releaseReason.value_or("")), reasonLimit);
+  std::string notice;
+  const std::string reason = cutWithNotice(oneLine(call.request.releaseReason.value_or("")),
+                                           reasonLimit, "reason", notice);
   std::vector<ReleaseAsk>& asks = task.releaseAsks;
   std::erase_if(asks, [&](const ReleaseAsk& ask) { return ask.requester == call.self(); });
   asks.push_back({call.self(), reason.empty() ? "no reason given" : reason});
@@ -150,7 +159,8 @@ TeamworkResponse requestRelease(const Call& call, Task& task) {
                                        reason.empty() ? "no reason given" : reason)}};
   announce(call.board, call.move(MoveKind::releaseRequested, task.id, reason), notices);
   return written(text::cat(named(task), " is still held by ", calling(call.board, task.owner),
-                           ", who has been told. Your request stands."));
+                           ", who has been told. Your request stands."),
+                 std::move(notice));
 }
 
 TeamworkResponse assignTask(const Call& call, Task& task) {
@@ -175,35 +185,49 @@ TeamworkResponse assignTask(const Call& call, Task& task) {
       text::cat("Handed ", named(task), " to ", peer.handle, ". Claiming it is theirs to do."));
 }
 
+/// What is to be said of the reviewer who was asked by name; nothing when all is well.
+std::string_view whyNoVerdict(const Seat& asked) {
+  if (!mayVerify(asked.authority)) {
+    return "Whom you asked has neither reviewer nor lead authority, so no verdict can come of it. "
+           "list_agents says who can verify.";
+  }
+  return isLive(asked) ? "" : "Whom you asked is not here now.";
+}
+
 TeamworkResponse requestReview(const Call& call, Task& task) {
   if (task.state != TaskState::done && !isHeldBy(task, call.self())) return notYours(call, task);
+  const bool isAnothers = task.owner != call.self() && task.reviewRequestedBy != call.self();
+  if (isAnothers && task.reviewState == reviewWanted) {
+    return refused(text::cat("A review of ", named(task), " is requested already, by ",
+                             calling(call.board, task.reviewRequestedBy), "."));
+  }
   const std::string mark = call.request.reviewOfFingerprint.value_or("");
   const Seat* asked = mark.empty() ? nullptr : whoIs(call.board, mark);
   if (!mark.empty() && asked == nullptr) {
     return refused(text::cat("Nobody here is ", mark, ". list_agents has the fingerprints."));
   }
-  std::vector<const Seat*> reviewers = asked != nullptr ? std::vector{asked} : reviewersFor(call);
-  task.reviewState = "requested";
+  std::string notice;
+  task.reviewState = reviewWanted;
   task.reviewRequestedBy = call.self();
   task.reviewRequestedFrom = asked != nullptr ? asked->fingerprint : "";
+  task.reviewOfRole = cut(oneLine(call.request.reviewOfRole.value_or("")), roleLimit);
   task.reviewBy.clear();
-  task.reviewNote = cut(oneLine(call.request.note.value_or("")), noteLimit);
-  std::vector<Notice> notices;
-  notices.reserve(reviewers.size());
-  for (const Seat* reviewer : reviewers) {
-    notices.push_back({reviewer->fingerprint, WakeKind::reviewRequested,
-                       text::cat(call.seat.handle, " asks for a review of ", named(task))});
+  task.reviewNote =
+      cutWithNotice(oneLine(call.request.note.value_or("")), noteLimit, "note", notice);
+  const bool isHeard = askReviewers(call, task);
+  if (asked != nullptr) {
+    addSentence(notice, whyNoVerdict(*asked));
+  } else if (!isHeard) {
+    addSentence(notice, "Nobody who may give a verdict is here now.");
   }
-  announce(call.board, call.move(MoveKind::reviewRequested, task.id, task.reviewNote), notices);
-  return written(text::cat("A review of ", named(task), " is requested."),
-                 reviewers.empty() ? "Nobody who may give a verdict is here now." : "");
+  return written(text::cat("A review of ", named(task), " is requested."), std::move(notice));
 }
 
 TeamworkResponse verifyTask(const Call& call, Task& task) {
   if (!mayVerify(call.seat.authority)) {
     return refused("A verdict needs reviewer or lead authority, and your seat has neither.");
   }
-  if (task.reviewState != "requested") {
+  if (task.reviewState != reviewWanted) {
     return refused(text::cat("No review of ", named(task), " is requested."));
   }
   if (task.owner == call.self() || task.reviewRequestedBy == call.self()) {

@@ -13,6 +13,9 @@ namespace {
 /// What stands where a shell would begin to do more than run one command.
 constexpr std::string_view notSimple[] = {";", "|", "&", "<", ">", "`", "$(", "\n"};
 
+constexpr std::string_view noneAllowed =
+    "No helper is allowed here, so none was started. suggest_helper asks for one.";
+
 /// Why a command is not one simple command; nothing when it is.
 std::optional<std::string> whyNotSimple(std::string_view command) {
   if (unicode::trim(command).empty()) return "A helper needs a `command`.";
@@ -26,7 +29,8 @@ std::optional<std::string> whyNotSimple(std::string_view command) {
 
 TeamworkResponse requestHands(const Call& call) {
   const TeamworkRequest& request = call.request;
-  const std::string title = oneLine(request.title.value_or(""));
+  std::string notice;
+  const std::string title = lineOf(request.title.value_or(""), "title", notice);
   if (request.taskID.has_value() != title.empty()) {
     return refused("Give `taskID` for work on the board or `title` to file it, never both.");
   }
@@ -47,20 +51,23 @@ TeamworkResponse requestHands(const Call& call) {
     const Task* task = call.board.tasks.find(*request.taskID);
     if (task == nullptr) return refused(text::cat("There is no task ", *request.taskID, "."));
     return written(text::cat(named(*task), " is on the board for every peer to claim."),
-                   "No helper is allowed here, so none was started. suggest_helper asks for one.");
+                   std::string(noneAllowed));
   }
   Task task;
   task.title = title;
   task.filedBy = call.self();
-  const Task& filed = fileTask(call.board, std::move(task), request.body.value_or(""));
+  const Task& filed =
+      fileTask(call.board, std::move(task), briefText(request.body.value_or(""), "brief", notice));
   announce(call.board, call.move(MoveKind::taskAdded, filed.id, filed.title));
-  return written(text::cat("Filed ", named(filed), " for every peer to claim."),
-                 "No helper is allowed here, so none was started. suggest_helper asks for one.");
+  addSentence(notice, noneAllowed);
+  return written(text::cat("Filed ", named(filed), " for every peer to claim."), std::move(notice));
 }
 
 TeamworkResponse suggestHelper(const Call& call) {
   const TeamworkRequest& request = call.request;
-  const std::string command(unicode::trim(request.command.value_or("")));
+  std::string notice;
+  const std::string command =
+      cutWithNotice(unicode::trim(request.command.value_or("")), lineLimit, "command", notice);
   if (const auto reason = whyNotSimple(command)) return refused(*reason);
   const std::string explanation = oneLine(request.explanation.value_or(""));
   if (explanation.empty()) return refused("A helper needs an `explanation` for other agents.");
@@ -72,9 +79,11 @@ TeamworkResponse suggestHelper(const Call& call) {
   if (name.empty() || unicode::countCharacters(name) > helperNameLimit) {
     return refused(text::cat("The `name` may have 1 to ", helperNameLimit, " characters."));
   }
-  call.board.suggestions.put(
-      {name, command, explanation, oneLine(request.body.value_or("")), call.seat.handle});
-  return written(text::cat("Suggested \"", name, "\" to the person, who decides."));
+  call.board.suggestions.put({name, command, explanation,
+                              lineOf(request.body.value_or(""), "reason", notice),
+                              call.seat.handle});
+  return written(text::cat("Suggested \"", name, "\" to the person, who decides."),
+                 std::move(notice));
 }
 
 TeamworkResponse stopHelper(const Call& call) {

@@ -63,6 +63,11 @@ TeamworkResponse carryOut(const Call& call) {
   return run(*method, call);
 }
 
+bool onlyReads(std::string_view name) {
+  const Method* method = findMethod(name);
+  return method == nullptr || method->effect == Effect::reads;
+}
+
 TeamworkResponse written(std::string message, std::string notice) {
   TeamworkResponse response;
   response.kind = TeamworkResponse::Kind::written;

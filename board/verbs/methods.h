@@ -31,6 +31,8 @@ struct Call {
   Seat& seat;
   Moment at;
   const Random& random;
+  /// Whether a poll of the caller's is held meanwhile, which is told what comes.
+  bool isListening = false;
 
   /// The caller's fingerprint; empty when no agent has registered there.
   const std::string& self() const { return seat.fingerprint; }
@@ -45,6 +47,10 @@ struct Call {
 /// waiting); a member, whose agent has registered.
 enum class Entry { anyone, listener, member };
 
+/// Whether a method may change the board beyond the caller's own presence and what was carried to
+/// it.
+enum class Effect { writes, reads };
+
 /// One method. What a task or a discussion is asked for is looked up before the function is called.
 struct Method {
   using Run = TeamworkResponse (*)(const Call&);
@@ -55,14 +61,18 @@ struct Method {
   std::string_view name;
   Entry entry;
   AnyRun run;
+  Effect effect;
 
-  constexpr Method(MethodName method, Entry who, AnyRun function)
-      : name(method), entry(who), run(function) {}
+  constexpr Method(MethodName method, Entry who, AnyRun function, Effect what = Effect::writes)
+      : name(method), entry(who), run(function), effect(what) {}
 };
 
 /// Carries out one request of a seat: renews the caller's presence, and answers in words when the
 /// method is unknown or the caller may not call it.
 TeamworkResponse carryOut(const Call& call);
+
+/// Whether the method only reads; so does one that is unknown.
+bool onlyReads(std::string_view method);
 
 /// A write that was done.
 TeamworkResponse written(std::string message, std::string notice = {});

@@ -8,6 +8,7 @@
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
+#include "board/rules/removal.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
@@ -37,13 +38,18 @@ TeamworkResponse show(const Deed& deed) { return written(showBoard(deed.board, d
 
 TeamworkResponse answerTask(const Deed& deed, Task& task) {
   const bool wasBlocked = task.blocked;
-  const std::string words = spellOut(splitAsk(task.blockerQuestion), deed.words());
+  const Ask ask = splitAsk(task.blockerQuestion);
+  const std::string given = spellOut(ask, deed.words());
+  // Everybody reads the log, the wakes and the history.
+  const bool isSecret = wasBlocked && isForSecret(ask);
+  const std::string words = isSecret ? "a secret was given" : given;
   addLine(deed.board, task,
           {"", LogKind::comment, std::string(human), std::string(human), words, deed.at.nowMs});
   std::erase(task.mentions, human);
   if (wasBlocked) {
     task.blocked = false;
-    task.blockerAnswer = words;
+    task.blockerAnswer = given;
+    task.isAnswerSecret = isSecret;
   }
   const WakeKind kind = wasBlocked ? WakeKind::blockerAnswered : WakeKind::humanReplied;
   const std::string summary = text::cat("The human answered on ", named(task), ": ", words);
@@ -100,7 +106,7 @@ TeamworkResponse reopenGoal(const Deed& deed) {
 TeamworkResponse say(const Deed& deed) {
   const std::string handle = deed.request.to.value_or("");
   const Seat* seat = seatAt(deed.board, handle);
-  if (seat == nullptr || !isLive(*seat))
+  if (seat == nullptr || !seat->registered)
     return refused(text::cat("Nobody is home at ", handle, "."));
   if (deed.words().empty()) return refused("Say something.");
   // A wake and not a message: messages are told as another agent's words.
@@ -120,12 +126,10 @@ TeamworkResponse restore(const Deed& deed) {
   if (deleted == nullptr) {
     return refused(text::cat("No deleted task is called ", deed.subject(), "."));
   }
-  Task task = *deleted;
-  task.deletedAtMs = 0;
-  task.deleteReason.clear();
-  deed.board.trash.remove(task.id);
-  const Task& restored = deed.board.tasks.put(std::move(task));
-  announce(deed.board, deed.move(MoveKind::taskAdded, restored.id, restored.title));
+  if (const auto reason = whyNotRestorable(deed.board, *deleted)) return refused(*reason);
+  const Task& restored =
+      restoreTask(deed.board, std::string(deleted->id),
+                  deed.move(MoveKind::taskAdded, deleted->id, deleted->title), deed.at);
   return written(text::cat("Put back ", named(restored), "."));
 }
 

@@ -33,9 +33,9 @@ struct Addressees {
   std::string unknown;
 };
 
-Addressees addresseesOf(const Call& call) {
+Addressees addresseesOf(const Call& call, std::string& notice) {
   Addressees found;
-  for (const std::string& name : call.request.tags.value_or(std::vector<std::string>{})) {
+  for (const std::string& name : entriesOf(call.request.tags, "to", notice)) {
     const bool isHuman = unicode::equalIgnoringCase(name, human);
     const Seat* seat = isHuman ? nullptr : whoIs(call.board, name);
     if (!isHuman && seat == nullptr) {
@@ -61,7 +61,8 @@ TeamworkResponse readPlan(const Call& call) {
 }
 
 TeamworkResponse setGoal(const Call& call) {
-  const std::string goal(unicode::trim(call.request.name.value_or("")));
+  std::string notice;
+  const std::string goal = briefText(unicode::trim(call.request.name.value_or("")), "goal", notice);
   if (goal.empty()) return refused("A goal needs a `description`.");
   if (call.board.thread().goalComplete) {
     return refused("The goal is complete and locked. Only the person can reopen it.");
@@ -70,15 +71,16 @@ TeamworkResponse setGoal(const Call& call) {
   thread.goal = goal;
   thread.goalProposedBy.clear();
   record(call.board, call.move(MoveKind::goalSet, "", cutWithMark(goal, noteLimit)));
-  return written("The goal is set.");
+  return written("The goal is set.", std::move(notice));
 }
 
 TeamworkResponse setCharter(const Call& call) {
-  const std::string charter = oneLine(call.request.name.value_or(""));
+  std::string notice;
+  const std::string charter = lineOf(call.request.name.value_or(""), "charter", notice);
   if (charter.empty()) return refused("A charter needs a `name`: one short line.");
   call.board.editThread().charter = charter;
   record(call.board, call.move(MoveKind::charterSet, "", charter));
-  return written("The charter is set.");
+  return written("The charter is set.", std::move(notice));
 }
 
 TeamworkResponse proposeGoalComplete(const Call& call) {
@@ -113,7 +115,7 @@ TeamworkResponse openDiscussion(const Call& call) {
     }
     discussion.taskID = call.request.taskID;
   }
-  Addressees addressees = addresseesOf(call);
+  Addressees addressees = addresseesOf(call, notice);
   if (!addressees.unknown.empty()) {
     return refused(text::cat("Nobody here answers to ", addressees.unknown,
                              ". list_agents has the fingerprints; `human` is the person."));
@@ -153,7 +155,7 @@ TeamworkResponse resolveDiscussion(const Call& call, TeamworkDiscussion& discuss
 // clang-format off
 std::span<const Method> planMethods() {
   static constexpr Method rows[] = {
-      {"read_plan",             Entry::member, readPlan},
+      {"read_plan",             Entry::member, readPlan, Effect::reads},
       {"set_goal",              Entry::member, setGoal},
       {"set_charter",           Entry::member, setCharter},
       {"open_discussion",       Entry::member, openDiscussion},

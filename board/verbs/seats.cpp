@@ -1,6 +1,7 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/rules/feed.h"
+#include "board/rules/hook.h"
 #include "board/rules/limits.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
@@ -59,14 +60,15 @@ TeamworkResponse registerSeat(const Call& call) {
     seat.role.clear();
     seat.authority = authorityOf("");
   }
+  if (isNew) emptySeat(call.board, seat);
   seat.registered = true;
-  seat.away = false;
-  seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
-  seat.lastCallMs = call.at.nowMs;
+  startPresence(seat, call.at);
   describe(seat, call.request);
   if (isNew) record(call.board, call.move(MoveKind::agentJoined));
   TeamworkResponse response = ownSeat(call);
   response.squad = squadView(call.board);
+  // A new agent can read all there is, and need be woken for none of it.
+  if (isNew) response.rev = call.board.counted().rev;
   deliverMessages(call, response);
   return response;
 }
@@ -83,12 +85,11 @@ TeamworkResponse renew(const Call& call) {
     return refused("This terminal has no agent on the roster to renew. Call register first.");
   }
   Seat& seat = call.seat;
-  seat.leaseUntilMs = call.at.nowMs + call.at.leaseMs;
-  seat.lastCallMs = call.at.nowMs;
+  startPresence(seat, call.at);
   describe(seat, call.request);
   seat.waiting = call.request.waiting.value_or(false);
   seat.stoodDown = call.request.standDown.value_or(false);
-  seat.parkReason = oneLine(call.request.parkReason.value_or(""));
+  seat.parkReason = cut(oneLine(call.request.parkReason.value_or("")), lineLimit);
   renewClaims(call.board, seat, call.at);
   for (Task* task : touchHeld(call.board, call.self()))
     settleReleaseAsks(call.board, *task, "", call.at);
@@ -126,8 +127,8 @@ TeamworkResponse poll(const Call& call) {
 TeamworkResponse queryWake(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::wake;
-  response.wakePending = call.board.wakes.has({bySeat, call.seat.id}) ||
-                         call.board.messages.has({bySeat, call.seat.id});
+  response.wakePending = call.isListening ? holdBackForDebts(call.board, call.seat, call.at)
+                                          : holdBack(call.board, call.seat, call.at);
   return response;
 }
 
@@ -146,7 +147,7 @@ TeamworkResponse sendMessage(const Call& call) {
 }
 
 TeamworkResponse readMessages(const Call& call) {
-  const int64_t count = text::countOf(messagesOf(call.board, call.seat));
+  const int64_t count = text::countOf(messagesFor(call.board, call.seat, call.at));
   if (count == 0) {
     TeamworkResponse response;
     response.message = "Your inbox is empty.";
@@ -165,11 +166,11 @@ std::span<const Method> seatMethods() {
       {"register",      Entry::anyone,   registerSeat},
       {"unregister",    Entry::anyone,   unregister},
       {"heartbeat",     Entry::listener, renew},
-      {"list_agents",   Entry::member,   listAgents},
+      {"list_agents",   Entry::member,   listAgents, Effect::reads},
       {"send_message",  Entry::member,   sendMessage},
-      {"read_messages", Entry::member,   readMessages},
-      {pollChanges, Entry::listener, poll},
-      {wakeQuery,   Entry::listener, queryWake},
+      {"read_messages", Entry::member,   readMessages, Effect::reads},
+      {pollChanges,     Entry::listener, poll, Effect::reads},
+      {wakeQuery,       Entry::listener, queryWake, Effect::reads},
   };
   return rows;
 }

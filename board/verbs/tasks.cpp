@@ -6,6 +6,7 @@
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/removal.h"
 #include "board/rules/views.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
@@ -24,16 +25,10 @@ using Kind = TeamworkResponse::Kind;
 
 /// The handle of whom a task is meant for; the text as it stands when that names nobody here.
 std::string routeOf(const Board& board, const TeamworkRequest& request) {
-  const std::string named = request.to.value_or(request.routedToFingerprint.value_or(""));
+  const std::string named =
+      cut(oneLine(request.to.value_or(request.routedToFingerprint.value_or(""))), entryLimit);
   const Seat* seat = whoIs(board, named);
   return seat != nullptr ? seat->handle : named;
-}
-
-std::string noticeOfUnresolved(const Board& board, const std::vector<std::string>& waitsOn) {
-  const std::vector<std::string> missing = unresolved(board, waitsOn);
-  if (missing.empty()) return {};
-  return text::cat("No task on this board is called ", text::join(missing, ", "),
-                   ", so nothing waits on that.");
 }
 
 /// Whether somebody else holds the task, so that it is not the caller's to take away.
@@ -41,57 +36,65 @@ bool isPeers(const Call& call, const Task& task) {
   return task.state == TaskState::claimed && task.owner != call.self();
 }
 
-/// Those who lose something when a task goes away: its holder and whoever asked for it.
-std::vector<Notice> noticesOfRemoval(const Call& call, const Task& task, WakeKind kind,
-                                     const std::string& summary) {
-  std::vector<Notice> notices;
-  if (const Seat* asker = seatAt(call.board, task.reportsTo)) {
-    notices.push_back({asker->fingerprint, kind, summary});
-  }
-  for (const Task* dependent : dependentsOf(call.board, task.id))
-    if (dependent->state == TaskState::claimed)
-      notices.push_back({dependent->owner, kind, summary});
-  return notices;
-}
-
 TeamworkResponse addTask(const Call& call) {
   const TeamworkRequest& request = call.request;
+  std::string notice;
   Task task;
-  task.title = oneLine(request.title.value_or(""));
+  task.title = lineOf(request.title.value_or(""), "title", notice);
   if (task.title.empty()) return refused("A task needs a `title`.");
   if (request.to) {
     if (const auto reason = whyUnreachable(call, *request.to)) return refused(*reason);
     task.reportsTo = call.seat.handle;
   }
+  task.waitsOn = entriesOf(request.waitsOn, "waitsOn", notice);
+  // Some may wait already on the id that it is going to have.
+  const std::string id = taskID(call.board.counted().tasksFiled + 1);
+  if (wouldWaitOnItself(call.board, id, task.waitsOn)) {
+    return refused(text::cat("The new task would be ", id,
+                             " and wait on itself around corners. Leave out of `waitsOn` what "
+                             "waits on it."));
+  }
   task.filedBy = call.self();
   task.priority = request.priority.value_or(0);
-  task.type = request.taskType.value_or("");
-  task.resources = request.resources.value_or(std::vector<std::string>{});
-  task.waitsOn = request.waitsOn.value_or(std::vector<std::string>{});
-  task.assignedRole = request.assignedRole.value_or("");
+  task.type = lineOf(request.taskType.value_or(""), "type", notice);
+  task.resources = entriesOf(request.resources, "resources", notice);
+  task.assignedRole = lineOf(request.assignedRole.value_or(""), "role", notice);
   task.routedTo = routeOf(call.board, request);
-  Task& filed = fileTask(call.board, std::move(task), request.body.value_or(""));
+  const std::string brief = briefText(request.body.value_or(""), "brief", notice);
+  Task& filed = fileTask(call.board, std::move(task), brief);
   refreshSummary(call.board, filed, call.seat, request.summary.value_or(""), call.at.nowMs);
   std::vector<Notice> notices;
-  if (const Seat* seat = whoIs(call.board, filed.routedTo)) {
+  if (const Seat* seat = addresseeOf(call.board, filed)) {
     notices.push_back({seat->fingerprint, WakeKind::taskAssigned,
                        text::cat(call.seat.handle, " handed you ", named(filed))});
   }
   announce(call.board, call.move(MoveKind::taskAdded, filed.id, filed.title), notices);
+  addSentence(notice, noticeOfWaits(call.board, filed.waitsOn));
   return written(text::cat("Added ", named(filed), ". It is ",
                            isReady(call.board, filed) ? "READY." : "waiting on other tasks."),
-                 noticeOfUnresolved(call.board, filed.waitsOn));
+                 std::move(notice));
 }
+
+/// The closed tasks that a list shows, the latest ones: an answer with all of those of years would
+/// be too large to be sent.
+constexpr std::size_t closedShown = 20'000;
 
 TeamworkResponse listTasks(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::tasks;
   response.tasks.emplace();
+  const std::size_t closed =
+      call.board.tasks.size() - call.board.tasks.with({openTasks, {}}).size();
+  std::size_t leftOut = closed - std::min(closed, closedShown);
   for (const auto& [id, task] : call.board.tasks) {
-    response.tasks->push_back(call.seat.registered ? taskView(call.board, task, call.seat, call.at)
+    if (leftOut > 0 && !isOpen(task)) {
+      --leftOut;
+      continue;
+    }
+    response.tasks->push_back(call.seat.registered ? leanView(call.board, task, call.seat, call.at)
                                                    : titleView(task));
   }
-  // Only here: whoever reads the backlog has seen all there is, and need not be woken for it.
+  // Whoever reads the backlog has seen all there is, and need not be woken for it.
   response.rev = call.board.counted().rev;
   return response;
 }
@@ -124,36 +127,24 @@ TeamworkResponse rejectTask(const Call& call, Task& task) {
   std::string notice;
   const std::string reason = cutWithNotice(oneLine(call.request.releaseReason.value_or("")),
                                            reasonLimit, "reason", notice);
-  const auto notices = noticesOfRemoval(call, task, WakeKind::taskRejected,
-                                        text::cat(call.seat.handle, " declined ", named(task)));
-  task.state = TaskState::rejected;
-  task.owner = call.self();
-  task.blocked = false;
-  task.releaseAsks.clear();
   addLine(call.board, task,
           {"", LogKind::comment, call.self(), call.seat.handle,
            text::cat("declined", reason.empty() ? "" : ": ", reason), call.at.nowMs});
-  announce(call.board, call.move(MoveKind::taskRejected, task.id, reason), notices);
+  declineTask(call.board, task, call.move(MoveKind::taskRejected, task.id, reason));
   return written(text::cat("Declined ", named(task), "."), std::move(notice));
 }
 
-TeamworkResponse deleteTask(const Call& call, Task& task) {
+TeamworkResponse deleteOne(const Call& call, Task& task) {
   if (isPeers(call, task)) {
     return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),
                              ". Ask them with comment_task or open_discussion."));
   }
+  if (const auto reason = whyNotDeletable(call.board, task)) return refused(*reason);
+  std::string notice;
   const std::string words = named(task);
-  const auto notices = noticesOfRemoval(call, task, WakeKind::taskDeleted,
-                                        text::cat(call.seat.handle, " deleted ", words));
-  Task& deleted = call.board.trash.put(task);
-  deleted.state = TaskState::open;
-  deleted.owner.clear();
-  deleted.deletedAtMs = call.at.nowMs;
-  deleted.deleteReason = oneLine(call.request.releaseReason.value_or(""));
-  const std::string id = deleted.id;
-  call.board.tasks.remove(id);
-  announce(call.board, call.move(MoveKind::taskDeleted, id, words), notices);
-  return written(text::cat("Deleted ", words, "."));
+  const std::string reason = lineOf(call.request.releaseReason.value_or(""), "reason", notice);
+  deleteTask(call.board, task, call.move(MoveKind::taskDeleted, task.id, words), reason);
+  return written(text::cat("Deleted ", words, "."), std::move(notice));
 }
 
 }  // namespace
@@ -162,10 +153,10 @@ TeamworkResponse deleteTask(const Call& call, Task& task) {
 std::span<const Method> taskMethods() {
   static constexpr Method rows[] = {
       {"add_task",     Entry::member, addTask},
-      {"list_tasks",   Entry::anyone, listTasks},
-      {"read_task",    Entry::member, readTask},
+      {"list_tasks",   Entry::anyone, listTasks, Effect::reads},
+      {"read_task",    Entry::member, readTask, Effect::reads},
       {"reject_task",  Entry::member, rejectTask},
-      {"delete_task",  Entry::member, deleteTask},
+      {"delete_task",  Entry::member, deleteOne},
       {"watch_task",   Entry::member, watchTask},
       {"unwatch_task", Entry::member, unwatchTask},
   };

@@ -1,6 +1,7 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/rules/ask.h"
+#include "board/rules/ids.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
@@ -27,13 +28,16 @@ std::string plainLine(std::string_view whole) {
   return line;
 }
 
-/// Why the caller may not update the task; nothing when it may: its holder, whoever did it, and for
-/// a task that nobody holds whoever filed it or asked the person about it.
+/// Why the caller may not update the task; nothing when it may: its holder, whoever did it, anybody
+/// once that one is gone, and for a task that nobody holds whoever filed it or asked the person
+/// about it.
 std::optional<std::string> whyNotUpdatable(const Call& call, const Task& task) {
   const std::string& self = call.self();
   if (task.state == TaskState::rejected) {
     return text::cat(named(task), " is declined. File a corrected one with add_task.");
   }
+  const Seat* doer = seatOf(call.board, task.owner);
+  if (task.state == TaskState::done && (doer == nullptr || !isLive(*doer))) return std::nullopt;
   const bool isOwn = task.state == TaskState::open ? task.filedBy == self || task.blockedBy == self
                                                    : task.owner == self;
   if (isOwn) return std::nullopt;
@@ -59,28 +63,60 @@ std::optional<std::string> whyNotBlockable(const TeamworkRequest& request, const
 std::string questionOf(const Task& task) { return splitAsk(task.blockerQuestion).question; }
 
 /// Replaces what was given and leaves the rest. Whether anything was.
-bool correct(const Call& call, Task& task) {
+bool correct(const Call& call, Task& task, std::string& notice) {
   const TeamworkRequest& request = call.request;
   const Task before = task;
-  const std::string_view brief = briefOf(call.board, task.id);
-  const bool hasNewBrief = request.body && *request.body != brief;
-  if (request.body) setBrief(call.board, task.id, *request.body);
-  if (request.title && !oneLine(*request.title).empty()) task.title = oneLine(*request.title);
+  const std::string title = lineOf(request.title.value_or(""), "title", notice);
+  if (!title.empty()) task.title = title;
   task.priority = request.priority.value_or(task.priority);
-  task.type = request.taskType.value_or(task.type);
-  task.resources = request.resources.value_or(task.resources);
-  task.waitsOn = request.waitsOn.value_or(task.waitsOn);
-  task.assignedRole = request.assignedRole.value_or(task.assignedRole);
+  if (request.taskType) task.type = lineOf(*request.taskType, "type", notice);
+  if (request.resources) task.resources = entriesOf(request.resources, "resources", notice);
+  if (request.waitsOn) task.waitsOn = entriesOf(request.waitsOn, "waitsOn", notice);
+  if (request.assignedRole) task.assignedRole = lineOf(*request.assignedRole, "role", notice);
   if (request.routedToFingerprint) {
     const Seat* seat = whoIs(call.board, *request.routedToFingerprint);
-    task.routedTo = seat != nullptr ? seat->handle : *request.routedToFingerprint;
+    task.routedTo =
+        seat != nullptr ? seat->handle : cut(oneLine(*request.routedToFingerprint), entryLimit);
   }
-  return hasNewBrief || task != before;
+  if (!request.body) return task != before;
+  const std::string brief = briefText(*request.body, "brief", notice);
+  const bool isNew = brief != briefOf(call.board, task.id);
+  setBrief(call.board, task.id, brief);
+  return isNew || task != before;
+}
+
+/// Tells whom it concerns that the task waits on less or is meant for somebody else than before.
+void tellOfCorrection(const Call& call, const Task& task, const Task& before) {
+  if (task.routedTo != before.routedTo && isOpen(task)) {
+    std::vector<Notice> notices;
+    if (const Seat* seat = addresseeOf(call.board, task)) {
+      notices.push_back({seat->fingerprint, WakeKind::taskAssigned,
+                         text::cat(call.seat.handle, " handed you ", named(task))});
+    }
+    announce(call.board,
+             call.move(MoveKind::taskAssigned, task.id,
+                       task.routedTo.empty() ? "to nobody" : text::cat("to ", task.routedTo)),
+             notices);
+  }
+  const bool wasReady = isReady(call.board, before);
+  if (task.waitsOn == before.waitsOn || wasReady) return;
+  tellIfReady(call.board, task, call.move(MoveKind::taskReady, task.id, "waits on less"),
+              "it waits on less than before");
+}
+
+/// Takes a finished task up again for the caller. The verdict on it was on what it was then; who
+/// asked for one stays, so that the next completion is judged anew.
+void reopen(const Call& call, Task& task) {
+  takeClaim(call.board, task, call.seat, call.at);
+  task.reviewState.clear();
+  task.reviewBy.clear();
+  task.reviewNote.clear();
 }
 
 /// Raises or clears the question to the person. The kind of move that was, if any.
-std::optional<MoveKind> settleBlocker(const Call& call, Task& task) {
+std::optional<MoveKind> raiseOrClear(const Call& call, Task& task) {
   if (!call.request.blocked) return std::nullopt;
+  if (task.isAnswerSecret && task.blockedBy == call.self()) forgetAnswer(task);
   if (!*call.request.blocked) {
     if (!std::exchange(task.blocked, false)) return std::nullopt;
     task.blockerQuestion.clear();
@@ -90,7 +126,7 @@ std::optional<MoveKind> settleBlocker(const Call& call, Task& task) {
   if (!question.empty()) task.blockerQuestion = question;
   task.blocked = true;
   task.blockedBy = call.self();
-  task.blockerAnswer.clear();
+  forgetAnswer(task);
   return MoveKind::taskBlocked;
 }
 
@@ -110,23 +146,32 @@ std::string writeProgress(const Call& call, Task& task, std::string& notice) {
 /// The parties whom tags name: fingerprints and "human". Those who are not here go into `notice`.
 std::vector<std::string> taggedBy(const Call& call, std::string& notice) {
   std::vector<std::string> tagged;
-  for (const std::string& tag : call.request.tags.value_or(std::vector<std::string>{})) {
+  for (const std::string& tag : entriesOf(call.request.tags, "tags", notice)) {
     const std::string name = tag.starts_with('@') ? tag.substr(1) : tag;
     if (unicode::equalIgnoringCase(name, human)) {
       tagged.emplace_back(human);
     } else if (const Seat* seat = whoIs(call.board, name)) {
       tagged.push_back(seat->fingerprint);
     } else {
-      notice += text::cat(notice.empty() ? "" : " ", "Nobody here answers to \"", tag, "\".");
+      addSentence(notice, text::cat("Nobody here answers to \"", tag, "\"."));
     }
   }
   return tagged;
 }
 
+/// The last line of the log but for summaries of that author; null for a log without any.
+const LogLine* lastWords(const Board& board, const Task& task, const std::string& author) {
+  for (int64_t number = task.lastLine; number > 0; --number) {
+    const LogLine* line = board.lines.find(lineID(task.id, number));
+    if (line == nullptr || line->kind != LogKind::gist || line->author != author) return line;
+  }
+  return nullptr;
+}
+
 /// Adds the comment, or puts it in place of the caller's own last one.
 void writeComment(const Call& call, Task& task, const std::string& words, std::string& notice) {
   LogLine line{"", LogKind::comment, call.self(), call.seat.handle, words, call.at.nowMs};
-  const LogLine* last = lastLine(call.board, task);
+  const LogLine* last = lastWords(call.board, task, call.self());
   const bool isAmendable =
       last != nullptr && last->kind == LogKind::comment && last->author == call.self();
   if (call.request.editLast.value_or(false) && isAmendable) {
@@ -135,7 +180,7 @@ void writeComment(const Call& call, Task& task, const std::string& words, std::s
     return;
   }
   if (call.request.editLast.value_or(false)) {
-    notice += "Your last comment is no longer the last entry, so this one was added.";
+    addSentence(notice, "Your last comment is no longer the last entry, so this one was added.");
   }
   addLine(call.board, task, std::move(line));
 }
@@ -144,18 +189,24 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
   const TeamworkRequest& request = call.request;
   if (const auto reason = whyNotUpdatable(call, task)) return refused(*reason);
   if (const auto reason = whyNotBlockable(request, task)) return refused(*reason);
-  if (request.waitsOn && wouldWaitOnItself(call.board, task.id, *request.waitsOn)) {
+  std::string ignored;
+  if (wouldWaitOnItself(call.board, task.id, entriesOf(request.waitsOn, "waitsOn", ignored))) {
     return refused(text::cat(named(task), " would wait on itself."));
   }
   std::string notice;
-  const bool isCorrected = correct(call, task);
+  const Task before = task;
+  const bool isCorrected = correct(call, task, notice);
   const std::string progress = writeProgress(call, task, notice);
-  const std::optional<MoveKind> blocker = settleBlocker(call, task);
-  if (request.parkReason) task.parkedReason = oneLine(*request.parkReason);
+  const std::optional<MoveKind> blocker = raiseOrClear(call, task);
+  if (request.parkReason) task.parkedReason = lineOf(*request.parkReason, "reason", notice);
   const bool isReopened = task.state == TaskState::done &&
                           (isCorrected || !progress.empty() || blocker || request.parkReason);
-  if (isReopened) task.state = TaskState::claimed;
   refreshSummary(call.board, task, call.seat, request.summary.value_or(""), call.at.nowMs);
+  if (isReopened) {
+    const std::string parked = task.parkedReason;
+    reopen(call, task);
+    task.parkedReason = parked;
+  }
   if (request.summary && !request.summary->empty()) ++task.linesSinceClaim;
   if (task.state == TaskState::claimed) renewClaim(call.board, task, call.at);
 
@@ -168,9 +219,11 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
   if (request.parkReason) {
     announce(call.board, call.move(MoveKind::taskParked, task.id, task.parkedReason));
   }
+  if (isCorrected) tellOfCorrection(call, task, before);
+  if (request.waitsOn) addSentence(notice, noticeOfWaits(call.board, task.waitsOn));
   if (settleReleaseAsks(call.board, task, call.self(), call.at)) {
-    notice += text::cat(notice.empty() ? "" : " ", calling(call.board, task.owner),
-                        " had asked for this task and holds it now.");
+    addSentence(notice, text::cat(calling(call.board, task.owner),
+                                  " had asked for this task and holds it now."));
   }
   return written(text::cat(isReopened ? "Reopened " : "Updated ", named(task), "."),
                  std::move(notice));
@@ -182,9 +235,11 @@ TeamworkResponse commentTask(const Call& call, Task& task) {
   const std::string summary(unicode::trim(call.request.summary.value_or("")));
   if (words.empty() && summary.empty()) return refused("Pass `text`, `summary` or both.");
   std::string notice;
-  refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
   const std::vector<std::string> tagged = taggedBy(call, notice);
-  if (!words.empty()) writeComment(call, task, words, notice);
+  const bool isAmending = call.request.editLast.value_or(false);
+  if (isAmending && !words.empty()) writeComment(call, task, words, notice);
+  refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
+  if (!isAmending && !words.empty()) writeComment(call, task, words, notice);
   if (isHeldBy(task, call.self())) ++task.linesSinceClaim;
   std::erase(task.mentions, call.self());
   std::vector<Notice> notices;

@@ -33,13 +33,25 @@ constexpr std::string_view completing = "__complete";
 // Longer than a board on this machine takes, and no wait for a person who typed a tab.
 constexpr timeval completionTime = {.tv_sec = 0, .tv_usec = 200'000};
 
+/// Ends this process when a tab has been waited for long enough. What was found by then is printed.
+void endSoon() {
+  std::signal(SIGALRM, [](int /*signal*/) { ::_exit(0); });
+  const itimerval timer = {.it_interval = {}, .it_value = completionTime};
+  ::setitimer(ITIMER_REAL, &timer, nullptr);
+}
+
 /// The app, found when it is first needed, and looked for anew while it does not answer: one that
 /// starts anew may have another socket.
 class FoundBridge final : public Bridge {
  public:
-  explicit FoundBridge(const Environment& environment) : environment_(environment) {}
+  /// What is found for a tab is worth a moment and no more, which `isHurried` asks for.
+  FoundBridge(const Environment& environment, bool isHurried)
+      : environment_(environment), isHurried_(isHurried) {}
 
-  std::string currentToken() override { return found().currentToken(); }
+  std::string currentToken() override {
+    if (isHurried_) endSoon();
+    return found().currentToken();
+  }
 
   Exchange send(const TeamworkRequest& request) override {
     Exchange exchange = found().send(request);
@@ -67,6 +79,7 @@ class FoundBridge final : public Bridge {
   }
 
   const Environment& environment_;
+  const bool isHurried_;
   Settings settings_;
   std::optional<SocketBridge> bridge_;
 };
@@ -85,13 +98,6 @@ std::optional<std::string> readStandardInput() {
   return whole;
 }
 
-/// Ends this process when a tab has been waited for long enough. What was found by then is printed.
-void endSoon() {
-  std::signal(SIGALRM, [](int /*signal*/) { ::_exit(0); });
-  const itimerval timer = {.it_interval = {}, .it_value = completionTime};
-  ::setitimer(ITIMER_REAL, &timer, nullptr);
-}
-
 Console consoleFor(FdOutput& output, FdOutput& errors, const Environment& environment) {
   const bool isTerminal = ::isatty(STDOUT_FILENO) == 1;
   const bool isPlain = !environment.get("NO_COLOR").value_or("").empty() ||
@@ -103,11 +109,10 @@ Console consoleFor(FdOutput& output, FdOutput& errors, const Environment& enviro
 }
 
 int run(const std::vector<std::string>& words) {
-  if (!words.empty() && words.front() == completing) endSoon();
   const ProcessEnvironment environment;
   const std::string sessionID = environment.get("QUILLPOST_SESSION_ID").value_or("");
   SteadyClock clock;
-  FoundBridge bridge(environment);
+  FoundBridge bridge(environment, !words.empty() && words.front() == completing);
   ProcessLifetime lifetime(sessionID);
   FdOutput output(STDOUT_FILENO), errors(STDERR_FILENO);
   const Status status =

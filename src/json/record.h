@@ -107,8 +107,11 @@ constexpr void forEachField(Visit&& visit) {
   std::apply([&](const auto&... field) { (visit(field), ...); }, T::fields());
 }
 
+/// Whether a defaulted member is written when it has the value that its missing key would mean.
+enum class Unsaid { written, omitted };
+
 /// Declared ahead because records nest: a member may be a record itself.
-template <Record T>
+template <Unsaid unsaid = Unsaid::written, Record T>
 void encodeMembers(Object& out, const T& record);
 
 namespace detail {
@@ -123,18 +126,25 @@ inline constexpr bool isRecordList = false;
 template <Record T>
 inline constexpr bool isRecordList<std::vector<T>> = true;
 
-template <class Value>
+/// The record whose members all have their own initialisers.
+template <Record T>
+const T& blank() {
+  static const T record = {};
+  return record;
+}
+
+template <Unsaid unsaid, class Value>
 void encodeMember(Object& out, std::string_view key, const Value& value) {
   if constexpr (isOptional<Value>) {
-    if (value) encodeMember(out, key, *value);
+    if (value) encodeMember<unsaid>(out, key, *value);
   } else if constexpr (Record<Value>) {
     Object child = out.object(key);
-    encodeMembers(child, value);
+    encodeMembers<unsaid>(child, value);
   } else if constexpr (isRecordList<Value>) {
     Array list = out.array(key);
     for (const auto& record : value) {
       Object child = list.object();
-      encodeMembers(child, record);
+      encodeMembers<unsaid>(child, record);
     }
   } else if constexpr (Named<Value>) {
     out.add(key, wordFor(value));
@@ -147,19 +157,24 @@ void encodeMember(Object& out, std::string_view key, const Value& value) {
 
 /// Adds the record's members to an object, in the table's order; members without a value are left
 /// out. Every text of the record must be UTF-8.
-template <Record T>
+template <Unsaid unsaid, Record T>
 void encodeMembers(Object& out, const T& record) {
-  forEachField<T>(
-      [&](const auto& field) { detail::encodeMember(out, field.key, record.*field.member); });
+  forEachField<T>([&](const auto& field) {
+    if constexpr (unsaid == Unsaid::omitted) {
+      const bool isDefaulted = field.presence == Presence::defaulted;
+      if (isDefaulted && record.*field.member == detail::blank<T>().*field.member) return;
+    }
+    detail::encodeMember<unsaid>(out, field.key, record.*field.member);
+  });
 }
 
 /// The record as compact JSON text.
-template <Record T>
+template <Unsaid unsaid = Unsaid::written, Record T>
 std::string encode(const T& record) {
   std::string text;
   {
     Object object(text);
-    encodeMembers(object, record);
+    encodeMembers<unsaid>(object, record);
   }
   return text;
 }

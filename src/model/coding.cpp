@@ -9,9 +9,7 @@
 namespace quillpost {
 namespace {
 
-template <class T>
-std::optional<std::string> encodeValid(const T& record) {
-  std::string json = json::encode(record);
+std::optional<std::string> unlessInvalid(std::string json) {
   if (!unicode::isValid(json)) return std::nullopt;
   return json;
 }
@@ -19,7 +17,7 @@ std::optional<std::string> encodeValid(const T& record) {
 }  // namespace
 
 std::optional<std::string> encodeRequest(const TeamworkRequest& request) {
-  return encodeValid(request);
+  return unlessInvalid(json::encode(request));
 }
 
 std::optional<TeamworkResponse> decodeResponse(std::string reply) {
@@ -31,7 +29,11 @@ std::optional<TeamworkRequest> decodeRequest(std::string line) {
 }
 
 std::optional<std::string> encodeResponse(const TeamworkResponse& response) {
-  return encodeValid(response);
+  return unlessInvalid(json::encode(response));
+}
+
+std::optional<std::string> encodeSparsely(const TeamworkResponse& response) {
+  return unlessInvalid(json::encode<json::Unsaid::omitted>(response));
 }
 
 std::string encodeHumanAsk(const TeamworkHumanAsk::Payload& payload) {

@@ -27,6 +27,9 @@ std::optional<TeamworkRequest> decodeRequest(std::string line);
 /// in it is not UTF-8.
 std::optional<std::string> encodeResponse(const TeamworkResponse& response);
 
+/// The same without what a missing key says as well, for answers of many tasks.
+std::optional<std::string> encodeSparsely(const TeamworkResponse& response);
+
 /// An ask's payload as compact JSON with its keys sorted. Its texts must be UTF-8.
 std::string encodeHumanAsk(const TeamworkHumanAsk::Payload& payload);
 

@@ -22,8 +22,9 @@ constexpr mode_t fileMode = 0600;
 constexpr mode_t othersMayEnter = 0077;
 constexpr mode_t othersMayWrite = 0022;
 
-// A write takes far less than a millisecond, so that even many at once are through by then.
-constexpr int lockTries = 250;
+// A write takes far less than a millisecond, so that even many at once are through by then, on a
+// busy machine too. Only one that was stopped in the midst of it is ever waited for so long.
+constexpr int lockTries = 1'000;
 constexpr Duration lockPause = std::chrono::milliseconds(2);
 
 std::string absoluteOr(const std::optional<std::string>& path, std::string_view otherwise) {

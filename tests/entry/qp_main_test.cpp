@@ -42,7 +42,7 @@ struct Ending {
   std::string output, errors;
 };
 
-bool comesTrue(const std::function<bool()>& condition, Duration patience = 20s) {
+bool comesTrue(const std::function<bool()>& condition, Duration patience = 60s) {
   SteadyClock clock;
   const Instant deadline = clock.now() + patience;
   while (!condition() && clock.now() < deadline) clock.sleepFor(10ms);
@@ -112,7 +112,9 @@ class QpProgram : public ::testing::Test {
 
   /// That a wait is gone soon, and sends nothing after.
   void expectGone(pid_t pid) {
-    EXPECT_TRUE(comesTrue([pid] { return !testing::isRunning(pid); }, 10s)) << "still waits";
+    EXPECT_TRUE(comesTrue([pid] { return !testing::isRunning(pid); })) << "still waits";
+    // Connections are taken in the order in which they came: with this one, all before it are in.
+    EXPECT_EQ(run({"unwatch", "t1"}).status, 0);
     const std::size_t sent = app.connections().size();
     SteadyClock().sleepFor(2500ms);
     EXPECT_EQ(app.connections().size(), sent) << "something was sent after";
@@ -274,7 +276,7 @@ TEST_F(QpProgram, WaitsNoLongerThanItsReader) {
       std::make_unique<Process>(testing::Command{testing::commandProgram(), {"wait"}, seat()});
   awaitPoll();
   reader->closeOutput();
-  EXPECT_EQ(reader->waitForExit(10s), 129);
+  EXPECT_EQ(reader->waitForExit(60s), 129);
 }
 
 TEST_F(QpProgram, EndsAWaitAtASignal) {
@@ -294,7 +296,7 @@ TEST_F(QpProgram, CompletesWithinAMomentThoughTheBoardIsSilent) {
   const Ending ending = run({"__complete", "wait", "t1", "t"});
   EXPECT_EQ(ending.status, 0);
   EXPECT_EQ(ending.output, "then\n");
-  EXPECT_LT(clock.now() - before, 2s);
+  EXPECT_LT(clock.now() - before, 20s) << "far less than a silent board is waited for";
 }
 
 }  // namespace

@@ -238,6 +238,20 @@ TEST(EncodeResponse, GivesNothingWhenATextIsNotUtf8) {
   EXPECT_EQ(encodeResponse(response), std::nullopt);
 }
 
+TEST(EncodeSparsely, LeavesOutWhatAMissingKeySaysAsWell) {
+  TeamworkResponse response;
+  response.task.emplace();
+  response.task->id = "t1";
+  EXPECT_EQ(encodeSparsely(response),
+            R"({"kind":"empty","task":{"id":"t1","title":"","body":"","state":"","log":[],)"
+            R"("resources":[]}})");
+  response.task->ready = false;
+  response.task->priority = 3;
+  const std::optional<std::string> json = encodeSparsely(response);
+  ASSERT_TRUE(json);
+  EXPECT_EQ(decodeResponse(*json), response);
+}
+
 // --- The ask marker's payload -----------------------------------------------------------------
 
 TEST(EncodeHumanAsk, SortsTheKeysAndLeavesOutWhatIsAbsent) {

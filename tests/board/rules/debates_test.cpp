@@ -126,5 +126,40 @@ TEST(Debates, WhoeverSpeaksBecomesAParty) {
   EXPECT_TRUE(desk.isWoken("BB3", "discussionReply"));
 }
 
+TEST(Debates, OneWhoseAddresseesHaveAllLeftPassesToThePerson) {
+  struct Row {
+    const char* name;
+    void (*leave)(Desk&, std::string_view handle);
+  };
+  const Row rows[] = {
+      {"left", [](Desk& desk, std::string_view handle) { desk.ask(handle, "unregister"); }},
+      {"lapsed",
+       [](Desk& desk, std::string_view handle) {
+         desk.board.seats.touch(desk.seat(handle).id)->leaseUntilMs = desk.at.nowMs + 1000;
+         desk.pass(1);
+       }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    Desk desk({"AA2", "BB3", "CC4"});
+    desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["BB3","CC4"])");
+    row.leave(desk, "BB3");
+    EXPECT_FALSE(debate(desk).escalated);
+    row.leave(desk, "CC4");
+    EXPECT_TRUE(debate(desk).escalated);
+    EXPECT_TRUE(owes(debate(desk), human));
+    EXPECT_TRUE(desk.isWoken("AA2", "discussionEscalated"));
+  }
+}
+
+TEST(Debates, OneThatNobodyHereCanAnswerIsThePersonsAtOnce) {
+  Desk desk({"AA2", "BB3"});
+  desk.board.seats.touch(desk.seat("BB3").id)->leaseUntilMs = desk.at.nowMs + 1000;
+  desk.pass(1);
+  desk.ask("AA2", "open_discussion",
+           text::cat(R"("body":"Which way?","tags":[")", desk.mark("BB3"), R"("])"));
+  EXPECT_TRUE(owes(debate(desk), human));
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -77,7 +77,7 @@ TEST(Feed, FromRevisionZeroNothingHasBeenMissed) {
   EXPECT_FALSE(feed.changed);
   EXPECT_THAT(feed.changes, IsEmpty());
   EXPECT_EQ(feed.rev, desk.board.counted().rev);
-  EXPECT_EQ(feed.tasks.size(), 1u);
+  EXPECT_THAT(feed.tasks, IsEmpty());
 }
 
 TEST(Feed, FromTheFirstRevisionOnEveryMoveIsNamed) {
@@ -126,7 +126,7 @@ TEST(Feed, AnAgentThatHasNotRegisteredSeesTitlesAndNothingElse) {
   desk.sit("CC4");
   desk.ask("AA2", "set_goal", R"("name":"secret")");
   desk.add("one", R"("body":"secret","summary":"secret")");
-  const auto feed = feedFor(desk.board, desk.seat("CC4"), {0, {}, false}, desk.at);
+  const auto feed = feedFor(desk.board, desk.seat("CC4"), {1, {}, false}, desk.at);
   EXPECT_EQ(feed.goal, "");
   ASSERT_EQ(feed.tasks.size(), 1u);
   EXPECT_EQ(feed.tasks.front().title, "one");
@@ -151,11 +151,33 @@ TEST(Feed, MessagesTellHowOldTheyAre) {
   desk.person(personSquad, R"("approve":true)");
   desk.ask("AA2", "send_message", R"("to":"bb3","body":"mind the gap")");
   desk.pass(42);
-  const auto messages = messagesFor(desk.board, desk.seat("BB3"), desk.at);
+  const auto messages = feedFor(desk.board, desk.seat("BB3"), {}, desk.at).messages;
   ASSERT_EQ(messages.size(), 1u);
   EXPECT_EQ(messages.front().from, "AA2");
   EXPECT_EQ(messages.front().text, "mind the gap");
   EXPECT_EQ(messages.front().ageSeconds, 42);
+}
+
+TEST(Feed, OfTheWholeBacklogTellsWhatMovedAndWhatTheAgentHolds) {
+  Desk desk;
+  const std::string held = desk.add("held"), moved = desk.add("moved");
+  desk.add("at rest");
+  desk.claim("AA2", held);
+  const int64_t rev = desk.board.counted().rev;
+  desk.ask("BB3", "comment_task", Desk::on(moved) + R"(,"note":"x")");
+  const auto feed = feedFor(desk.board, desk.seat("AA2"), {rev, {}, false}, desk.at);
+  ASSERT_EQ(feed.tasks.size(), 2u);
+  EXPECT_EQ(feed.tasks[0].id, held);
+  EXPECT_EQ(feed.tasks[1].id, moved);
+}
+
+TEST(Feed, CarriesMessagesOnlyAsFarAsThereIsRoomAndTheRestNextTime) {
+  Desk desk;
+  const std::string words(1'500'000, 'x');
+  for (int i = 0; i < 3; ++i) leaveMessage(desk.board, desk.seat("BB3"), {"AA2", "", words, 0});
+  EXPECT_EQ(messagesFor(desk.board, desk.seat("BB3"), desk.at).size(), 2u);
+  forgetDelivered(desk.board, deliveryOf(desk.board, desk.seat("BB3")));
+  EXPECT_EQ(messagesFor(desk.board, desk.seat("BB3"), desk.at).size(), 1u);
 }
 
 }  // namespace

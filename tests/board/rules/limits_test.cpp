@@ -29,5 +29,27 @@ TEST(Limits, ALineHasNoBreaks) {
   EXPECT_EQ(oneLine(" \n "), "");
 }
 
+TEST(Limits, OneCharacterOfManyBytesCountsAsMany) {
+  std::string zalgo = "a";
+  while (zalgo.size() < 1000) zalgo += "\u0301";
+  EXPECT_LE(cut(zalgo, 3).size(), 3 * bytesOfCharacter);
+  EXPECT_EQ(cut("e\u0301x", 1), "e\u0301");
+}
+
+TEST(Limits, AListKeepsItsFirstEntries) {
+  std::string notice;
+  EXPECT_EQ(entriesOf(std::nullopt, "tags", notice).size(), 0u);
+  EXPECT_EQ(entriesOf(std::vector<std::string>(64, "x"), "tags", notice).size(), 64u);
+  EXPECT_EQ(notice, "");
+  EXPECT_EQ(entriesOf(std::vector<std::string>(65, "x"), "tags", notice).size(), 64u);
+  EXPECT_NE(notice.find("`tags`"), std::string::npos);
+}
+
+TEST(Limits, ABriefEndsWithAWholeCharacter) {
+  std::string notice;
+  const std::string brief = std::string(briefLimit - 1, 'x') + "é";
+  EXPECT_EQ(briefText(brief, "brief", notice), std::string(briefLimit - 1, 'x'));
+}
+
 }  // namespace
 }  // namespace quillpost::board

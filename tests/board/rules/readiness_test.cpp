@@ -83,5 +83,98 @@ TEST(Readiness, ATaskAimedAtAnAgentIsForOthersOnceThatAgentIsQuiet) {
   EXPECT_TRUE(wasWritten(desk.claim("AA2", id)));
 }
 
+TEST(Readiness, WhateverMakesATaskTakeableEndsTheWaitsOfOthers) {
+  struct Row {
+    const char* name;
+    const char* waitsOn;
+    void (*move)(Desk&, const std::string& id);
+  };
+  const Row rows[] = {
+      {"it waits on less", "t000001",
+       [](Desk& desk, const std::string& id) {
+         desk.ask("AA2", "update_task", Desk::on(id) + R"(,"waitsOn":[])");
+       }},
+      {"its addressee leaves", "t777777",
+       [](Desk& desk, const std::string&) { desk.ask("BB3", "unregister"); }},
+      {"its addressee falls silent", "t777777",
+       [](Desk& desk, const std::string&) { desk.pass(600); }},
+      {"it is meant for nobody any more", "t777777",
+       [](Desk& desk, const std::string& id) {
+         desk.ask("AA2", "update_task", Desk::on(id) + R"(,"routedToFingerprint":"")");
+       }},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    Desk desk({"AA2", "BB3", "CC4"});
+    desk.add("first");
+    const std::string id =
+        desk.add("one", text::cat(R"("waitsOn":[")", row.waitsOn, R"("],"routedToFingerprint":")",
+                                  desk.mark("BB3"), "\""));
+    const int64_t rev = desk.board.counted().rev;
+    row.move(desk, id);
+    EXPECT_TRUE(hasMoved(desk.board, desk.seat("CC4"), {rev, {id}, false}));
+  }
+}
+
+TEST(Readiness, WhoeverATaskIsGivenToByAnUpdateIsWoken) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.ask("AA2", "update_task",
+           Desk::on(id) + text::cat(R"(,"routedToFingerprint":")", desk.mark("BB3"), "\""));
+  EXPECT_TRUE(desk.isWoken("BB3", "taskAssigned " + id));
+}
+
+TEST(Readiness, AnAgentThatSpeaksAgainIsNoLongerSilent) {
+  Desk desk;
+  const std::string id =
+      desk.add("one", text::cat(R"("routedToFingerprint":")", desk.mark("BB3"), "\""));
+  desk.pass(600);
+  EXPECT_FALSE(desk.view("AA2", id).routedToLive);
+  desk.ask("BB3", "list_tasks");
+  EXPECT_TRUE(desk.view("AA2", id).routedToLive);
+  const int64_t rev = desk.board.counted().rev;
+  desk.pass(600);
+  EXPECT_TRUE(hasMoved(desk.board, desk.seat("AA2"), {rev, {}, false})) << "silent once more";
+}
+
+TEST(Readiness, AWaitOnADeclinedTaskStaysAndSaysWhy) {
+  Desk desk;
+  const std::string first = desk.add("first");
+  const std::string waits = text::cat(R"("waitsOn":[")", first, R"("])");
+  const std::string id = desk.add("one", waits);
+  desk.settle();
+  desk.ask("BB3", "reject_task", Desk::on(first));
+  EXPECT_TRUE(desk.isWoken("AA2", "taskRejected " + first)) << "it filed what waits";
+  EXPECT_FALSE(desk.view("AA2", id).ready);
+  EXPECT_TRUE(wasRefused(desk.claim("BB3", id), "Declined and never to be done: " + first));
+  const auto late = desk.ask("AA2", "add_task", R"("title":"late",)" + waits);
+  EXPECT_NE(late.notice.value_or("").find("Declined"), std::string::npos);
+}
+
+TEST(Readiness, ACircleThatANewTaskWouldCloseIsRefused) {
+  Desk desk;
+  const std::string one = desk.add("one", R"("waitsOn":["t000002"])");
+  EXPECT_TRUE(wasRefused(
+      desk.ask("AA2", "add_task", text::cat(R"("title":"two","waitsOn":[")", one, R"("])")),
+      "wait on itself"));
+  EXPECT_EQ(desk.board.tasks.size(), 1u);
+}
+
+TEST(Readiness, AnUpdateSaysWhichIdsNameNoTask) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  const auto response = desk.ask("AA2", "update_task", Desk::on(id) + R"(,"waitsOn":["t777777"])");
+  EXPECT_NE(response.notice.value_or("").find("t777777"), std::string::npos);
+}
+
+TEST(Readiness, ACircleIsSeenHoweverItsIdsAreWritten) {
+  Desk desk;
+  const std::string one = desk.add("one"), two = desk.add("two", R"("waitsOn":["t000001"])");
+  EXPECT_TRUE(wasRefused(
+      desk.ask("AA2", "update_task", text::cat(Desk::on(one), R"(,"waitsOn":[" )", two, R"( "])")),
+      "wait on itself"));
+  EXPECT_TRUE(desk.task(one).waitsOn.empty());
+}
+
 }  // namespace
 }  // namespace quillpost::board

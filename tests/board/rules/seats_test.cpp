@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <atomic>
 #include <filesystem>
 #include <mutex>
@@ -108,6 +109,45 @@ TEST(Seats, ATaskNeverHasTwoOwnersThoughEightRaceAndTheBoardIsKilledTwice) {
   }
 }
 
+TEST(Seats, WhatIsAcknowledgedIsThereAfterFiftyKills) {
+  constexpr std::size_t writerCount = 3;
+  constexpr int kills = 50;
+  Crew crew(writerCount);
+  crew.add(writerCount);
+  std::atomic<bool> isOver = false;
+  std::atomic<int> acknowledged = 0;
+  std::array<int, writerCount> counts{};
+  const auto note = [](std::size_t self, int number) {
+    return text::cat("note ", number, " by ", self, ".");
+  };
+  const auto write = [&](RealSeat& seat, std::size_t self) {
+    for (int number = 1; !isOver; ++number) {
+      const std::string answer = seat.callUntilReached(
+          "comment_task", text::cat(R"({"taskID":")", taskID(self + 1), R"(","text":")",
+                                    note(self, number), R"("})"));
+      ASSERT_TRUE(answer.starts_with("Commented on ")) << answer;
+      counts[self] = number;
+      ++acknowledged;
+    }
+  };
+  crew.together(write, [&] {
+    for (int i = 0; i < kills; ++i) {
+      awaitCount(acknowledged, acknowledged + 2);
+      crew.board.kill();
+      crew.board.start();
+    }
+    isOver = true;
+  });
+
+  for (std::size_t self = 0; self < writerCount; ++self) {
+    const std::string task = crew.seats[0]->call(
+        "read_task", text::cat(R"({"taskID":")", taskID(self + 1), R"(","logOffset":1,"logLimit":100000})"));
+    EXPECT_GT(counts[self], 0);
+    for (int number = 1; number <= counts[self]; ++number)
+      EXPECT_THAT(task, HasSubstr(note(self, number)));
+  }
+}
+
 TEST(Seats, NoWakeIsLostAndRevisionsMoveForwardOnly) {
   constexpr std::size_t tagCount = 24;
   Crew crew(seatCount);
@@ -149,7 +189,7 @@ TEST(Seats, NoWakeIsLostAndRevisionsMoveForwardOnly) {
   });
 }
 
-TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardWhyItWasWoken) {
+TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardAndAnswered) {
   Crew crew(2);
   crew.add(1);
   EXPECT_EQ(crew.seats[1]->stopHook(), 0);
@@ -157,6 +197,8 @@ TEST(Seats, TheStopHookKeepsAnAgentUntilItHasHeardWhyItWasWoken) {
                                                 crew.fingerprints[1], R"("]})"));
   EXPECT_EQ(crew.seats[1]->stopHook(), 2);
   EXPECT_THAT(crew.seats[1]->call("wait_for_changes"), HasSubstr("mentioned"));
+  EXPECT_EQ(crew.seats[1]->stopHook(), 2) << "it owes an answer";
+  crew.seats[1]->call("comment_task", R"({"taskID":"t000001","text":"seen"})");
   EXPECT_EQ(crew.seats[1]->stopHook(), 0);
 }
 

@@ -1,6 +1,8 @@
 #include "board/rules/views.h"
 
 #include "board/desk.h"
+#include "board/rules/debates.h"
+#include "board/rules/limits.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -140,6 +142,88 @@ TEST(Obligations, ABlockerStaysOpenBeyondTheClaim) {
   EXPECT_THAT(desk.owed("BB3").yourBlockersOpen, ElementsAre(id));
   desk.person(personAnswer, Desk::on(id) + R"(,"body":"yes")");
   EXPECT_TRUE(desk.owed("BB3").clear);
+}
+
+TEST(Views, AListShowsOfALogTheLastWordsAndTheLastSummary) {
+  Desk desk;
+  desk.person(personSquad, R"("approve":true)");
+  const std::string id = desk.add("one", R"("body":"a brief","summary":"first gist")");
+  desk.ask("AA2", "assign_task", Desk::on(id) + R"(,"to":"BB3")");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"one")");
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"two","summary":"last gist")");
+  const TeamworkTask lean = leanView(desk.board, desk.task(id), desk.seat("AA2"), desk.at);
+  EXPECT_EQ(lean.body, "");
+  EXPECT_THAT(lean.log, ElementsAre("[[gist]] ", "[[for]] ", "", "two", "[[gist]] last gist"));
+  EXPECT_EQ(desk.ask("AA2", "list_tasks").tasks->front().log, lean.log);
+}
+
+TEST(Views, ALogThatIsTooLongIsShownFromItsEnd) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  const std::string words(logBytesShown / 2 - 10, 'x');
+  for (int i = 0; i < 4; ++i) {
+    addLine(desk.board, *desk.board.tasks.touch(id), {"", LogKind::progress, "", "", words, 1});
+  }
+  const auto log = desk.view("AA2", id).log;
+  ASSERT_EQ(log.size(), 3u);
+  EXPECT_EQ(log[0], "(2 earlier lines left out: the log is longer than an answer can be.)");
+}
+
+TEST(Obligations, AReviewIsOwedByThoseItIsAskedOfUntilOneHasGivenIt) {
+  Desk desk({"AA2", "BB3", "CC4"});
+  for (const char* handle : {"BB3", "CC4"}) desk.ask(handle, "register", R"("role":"reviewer")");
+  const std::string id = desk.add("one");
+  desk.claim("AA2", id);
+  desk.ask("AA2", "request_review", Desk::on(id));
+  for (const char* handle : {"BB3", "CC4"}) {
+    ASSERT_EQ(desk.owed(handle).oweReply.size(), 1u);
+    EXPECT_EQ(desk.owed(handle).oweReply.front().taskID, id);
+    EXPECT_EQ(desk.owed(handle).oweReply.front().counterpart, "AA2");
+  }
+  EXPECT_THAT(desk.owed("AA2").oweReply, IsEmpty());
+  desk.ask("BB3", "verify_task", Desk::on(id) + R"(,"approve":true)");
+  EXPECT_THAT(desk.owed("CC4").oweReply, IsEmpty());
+}
+
+/// The bytes of an answer with these discussions or this task.
+std::size_t sizeOf(const std::vector<TeamworkDiscussion>& discussions) {
+  TeamworkPlan plan;
+  plan.discussions = discussions;
+  return json::encode(plan).size();
+}
+
+TEST(Views, ManyLongDiscussionsLeaveRoomForTheLatestVolleys) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  // Two thousand characters of six bytes each, once they are quoted.
+  const std::string volley(volleyLimit, '\x01');
+  for (int i = 0; i < 100; ++i) {
+    TeamworkDiscussion discussion;
+    discussion.question = "Which way?";
+    discussion.openedBy = desk.mark("AA2");
+    discussion.addressedTo = {desk.mark("BB3")};
+    discussion.taskID = id;
+    for (int64_t at = 1; at <= 10; ++at)
+      discussion.volleys.push_back({desk.mark("AA2"), volley, at});
+    openDebate(desk.board, std::move(discussion), 1);
+  }
+  const TeamworkPlan plan = planView(desk.board, desk.seat("BB3"));
+  ASSERT_EQ(plan.discussions.size(), 100u);
+  EXPECT_EQ(plan.discussions.back().volleys.size(), 10u);
+  EXPECT_EQ(plan.discussions.front().volleys.size(), 0u);
+  EXPECT_LT(sizeOf(plan.discussions), std::size_t{4} << 20);
+  EXPECT_LT(sizeOf(desk.view("BB3", id).discussions), std::size_t{4} << 20);
+}
+
+TEST(Views, ALogOfCharactersThatAreLongWhenQuotedStillFitsAnAnswer) {
+  Desk desk;
+  Task& task = *desk.board.tasks.touch(desk.add("one"));
+  for (int i = 0; i < 2000; ++i)
+    addLine(desk.board, task, {"", LogKind::comment, "", "", std::string(commentLimit, '\x01'), 1});
+  const TeamworkTask view = desk.view("BB3", task.id);
+  EXPECT_THAT(view.log.front(), ::testing::HasSubstr("earlier lines left out"));
+  EXPECT_LT(json::encode(view).size(), std::size_t{6} << 20);
 }
 
 }  // namespace

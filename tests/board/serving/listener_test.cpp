@@ -1,6 +1,7 @@
 #include "board/serving/listener.h"
 
 #include "board/desk.h"
+#include "board/rules/limits.h"
 #include "bridge/unix_socket.h"
 #include "harness/fake_clock.h"
 #include "harness/scripted_app.h"
@@ -10,10 +11,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <memory>
+#include <thread>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -33,7 +37,7 @@ class ListenerDesk {
   FakeClock clock;
   std::string first, second;
 
-  ListenerDesk() {
+  explicit ListenerDesk(std::size_t room = roomForConnections()) : room_(room) {
     for (std::string* session : {&first, &second}) {
       *session = makeSeat();
       service_.answer(requestOf(*session, "register", "", "agents"));
@@ -83,6 +87,11 @@ class ListenerDesk {
     return decodeResponse(*bytes);
   }
 
+  /// What a command of the person's sends.
+  UniqueFd askAsPerson() {
+    return send(encodeRequest(requestOf("", personShow, "", "persons")).value() + "\n");
+  }
+
  private:
   std::string makeSeat() {
     const auto made = service_.answer(requestOf("", personSeat, "", "persons"));
@@ -96,6 +105,7 @@ class ListenerDesk {
     return socket;
   }
 
+  std::size_t room_;
   TempDir dir_;
   std::string path_ = dir_.pathOf("teamwork-t.sock");
   std::string why_;
@@ -107,7 +117,7 @@ class ListenerDesk {
                    countingRandom()};
 
  public:
-  Listener listener{listening(), service_, clock};
+  Listener listener{listening(), service_, clock, room_};
 };
 
 TEST(Listener, AnswersOneRequestAndCloses) {
@@ -265,25 +275,40 @@ TEST(Listener, ALargeAnswerIsSentAsTheClientTakesIt) {
   }
   const auto answer = decodeResponse(bytes);
   ASSERT_TRUE(answer);
-  EXPECT_EQ(answer->task->body.size(), body.size());
+  EXPECT_EQ(answer->task->body.size(), briefLimit);
 }
 
-TEST(Listener, ARequestBeyondTheLimitIsCutOff) {
+TEST(Listener, ARequestBeyondTheLimitIsAnsweredInWords) {
   ListenerDesk desk;
   UniqueFd client = desk.send("", false);
   ::fcntl(client.get(), F_SETFL, O_NONBLOCK);
   const std::string piece(std::size_t{64} << 10, 'x');
-  std::size_t sent = 0;
-  // Bounded by the limit: some time after it the board hangs up.
-  while (sent <= 2 * requestLimit) {
+  for (std::size_t sent = 0; sent <= 2 * requestLimit;) {
     const ssize_t count = sendSome(client, piece);
-    if (count < 0 && errno != EAGAIN) break;
+    ASSERT_TRUE(count > 0 || errno == EAGAIN);
     if (count > 0) sent += static_cast<std::size_t>(count);
     desk.listener.step(Duration::zero());
   }
-  EXPECT_GT(sent, requestLimit);
-  EXPECT_LT(sent, 2 * requestLimit);
+  ::shutdown(client.get(), SHUT_WR);
+  desk.step();
+  const auto answer = ListenerDesk::answer(client);
+  ASSERT_TRUE(answer);
+  EXPECT_EQ(answer->kind, Kind::error);
+  EXPECT_THAT(answer->message.value_or(""), ::testing::HasSubstr("8 MB"));
   EXPECT_EQ(desk.listener.connections(), 0u);
+}
+
+TEST(Listener, ListensOnAnotherSocketWhenItIsGivenOne) {
+  ListenerDesk desk;
+  const TempDir dir;
+  UniqueFd socket = openUnixSocket();
+  ASSERT_TRUE(bindUnixSocket(socket, dir.pathOf("again.sock")));
+  ASSERT_EQ(::listen(socket.get(), 1), 0);
+  desk.listener.listenOn(std::move(socket));
+  const UniqueFd client = testing::connectTo(dir.pathOf("again.sock"));
+  ASSERT_TRUE(client);
+  desk.step();
+  EXPECT_EQ(desk.listener.connections(), 1u);
 }
 
 TEST(Listener, ServesManyAtOnceAndEndsWhenItIsToldTo) {
@@ -297,6 +322,119 @@ TEST(Listener, ServesManyAtOnceAndEndsWhenItIsToldTo) {
   for (const UniqueFd& client : clients) EXPECT_TRUE(ListenerDesk::answer(client));
   ASSERT_EQ(::write(writer.get(), "", 1), 1);
   desk.listener.run(reader.get());  // comes back
+}
+
+TEST(Listener, WhoeverComesWhenThereIsNoRoomTakesThePlaceOfTheSlowest) {
+  ListenerDesk desk(3);
+  std::vector<UniqueFd> idle;
+  for (int i = 0; i < 3; ++i) idle.push_back(desk.send("", false));
+  desk.step();
+  EXPECT_EQ(desk.listener.connections(), 3u);
+  const UniqueFd slow = desk.send("{", false);
+  desk.step();
+  EXPECT_EQ(ListenerDesk::received(idle[0]), "") << "it gave way";
+  EXPECT_EQ(ListenerDesk::received(idle[1]), std::nullopt);
+  for (int i = 0; i < 5; ++i) {
+    const UniqueFd quick = desk.ask(desk.first, "list_tasks");
+    desk.step();
+    EXPECT_TRUE(ListenerDesk::answer(quick));
+  }
+  EXPECT_EQ(desk.listener.connections(), 3u) << "who is answered at once takes nobody's place";
+}
+
+TEST(Listener, WhenListenersTakeAllRoomThePersonIsHeardAndNoMoreWaitsAreHeld) {
+  ListenerDesk desk(2);
+  const std::string members = R"("sinceRev":2,"holdMs":20000)";
+  const UniqueFd held[] = {desk.ask(desk.first, "poll_changes", members),
+                           desk.ask(desk.second, "poll_changes", members)};
+  desk.step();
+  EXPECT_EQ(desk.listener.held(), 2u);
+  const UniqueFd person = desk.askAsPerson();
+  desk.step();
+  EXPECT_TRUE(ListenerDesk::answer(person));
+  const UniqueFd more = desk.ask(desk.second, "poll_changes", members);
+  desk.step();
+  const auto answer = ListenerDesk::answer(more);
+  ASSERT_TRUE(answer);
+  EXPECT_THAT(answer->message.value_or(""), ::testing::HasSubstr("as many listeners"));
+  EXPECT_EQ(desk.listener.held(), 2u);
+  EXPECT_EQ(desk.listener.connections(), 2u);
+}
+
+TEST(Listener, AHeldPollWhoseClientHasGoneIsLetGo) {
+  ListenerDesk desk;
+  UniqueFd poll = desk.poll(desk.first, 20'000);
+  desk.step();
+  EXPECT_EQ(desk.listener.held(), 1u) << "it has only ended its sending";
+  poll = UniqueFd();
+  desk.step();
+  EXPECT_EQ(desk.listener.held(), 0u);
+}
+
+TEST(Listener, WhatIsReadBeforeLinesAreWholeIsBoundedInSum) {
+  ListenerDesk desk;
+  std::vector<UniqueFd> clients;
+  const std::string piece(std::size_t{64} << 10, 'x');
+  for (int i = 0; i < 10; ++i) {
+    clients.push_back(desk.send("", false));
+    ::fcntl(clients.back().get(), F_SETFL, O_NONBLOCK);
+    for (std::size_t sent = 0; sent < 7 * requestLimit / 8;) {
+      const ssize_t count = sendSome(clients.back(), piece);
+      if (count > 0) sent += static_cast<std::size_t>(count);
+      desk.listener.step(Duration::zero());
+      ASSERT_LE(desk.listener.unread(), unreadLimit);
+    }
+  }
+  const UniqueFd quick = desk.ask(desk.first, "list_tasks");
+  desk.step();
+  EXPECT_TRUE(ListenerDesk::answer(quick)) << "a small request is not what is refused";
+  std::size_t refused = 0;
+  for (UniqueFd& client : clients) {
+    ::shutdown(client.get(), SHUT_WR);
+    desk.step();
+    const auto answer = ListenerDesk::answer(client);
+    ASSERT_TRUE(answer);
+    refused += answer->message.value_or("").find("more than it takes") != std::string::npos;
+  }
+  EXPECT_EQ(refused, 1u);
+  EXPECT_EQ(desk.listener.unread(), 0u);
+}
+
+TEST(Listener, WithoutADescriptorItRestsRatherThanSpins) {
+  ListenerDesk desk;
+  const UniqueFd client = desk.ask(desk.first, "list_tasks");
+  rlimit usual{};
+  ::getrlimit(RLIMIT_NOFILE, &usual);
+  rlimit tight = usual;
+  tight.rlim_cur = static_cast<rlim_t>(UniqueFd(::dup(0)).get());
+  ::setrlimit(RLIMIT_NOFILE, &tight);
+  desk.step();
+  const Instant start = SteadyClock().now();
+  desk.listener.step(milliseconds(20));
+  const Duration rested = SteadyClock().now() - start;
+  ::setrlimit(RLIMIT_NOFILE, &usual);
+  EXPECT_EQ(desk.listener.connections(), 0u);
+  EXPECT_GE(rested, milliseconds(15));
+  desk.clock.advance(seconds(1));
+  desk.step();
+  EXPECT_TRUE(ListenerDesk::answer(client));
+}
+
+TEST(Listener, OneThatNeverStopsSendingKeepsNobodyWaiting) {
+  ListenerDesk desk;
+  const UniqueFd endless = desk.send("", false);
+  std::atomic<bool> isOver = false;
+  std::thread writer([&] {
+    const std::string piece(std::size_t{64} << 10, 'x');
+    while (!isOver && sendSome(endless, piece) > 0) continue;
+  });
+  for (int i = 0; i < 20; ++i) desk.listener.step(milliseconds(1));
+  const UniqueFd quick = desk.ask(desk.first, "list_tasks");
+  desk.step();
+  EXPECT_TRUE(ListenerDesk::answer(quick));
+  isOver = true;
+  ::shutdown(endless.get(), SHUT_RDWR);
+  writer.join();
 }
 
 }  // namespace

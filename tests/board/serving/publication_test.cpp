@@ -7,7 +7,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <filesystem>
+#include <optional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include <sys/stat.h>
 
@@ -81,6 +87,44 @@ TEST(Publication, SaysWhatIsWrongWithAPath) {
   EXPECT_THAT(why, HasSubstr("too long"));
   EXPECT_FALSE(Publication::open(dir.pathOf("missing"), "dev", countingRandom(), why));
   EXPECT_THAT(why, HasSubstr("missing"));
+}
+
+TEST(Publication, MakesAgainWhatHasBeenDeleted) {
+  const TempDir dir;
+  auto publication = publish(dir.path(), "dev");
+  const BoardFiles& files = publication->files();
+  EXPECT_FALSE(publication->restore()) << "nothing is missing";
+  for (const std::string& path : {files.socket, files.token, files.personToken}) {
+    std::filesystem::remove(path);
+  }
+  const UniqueFd socket = publication->restore();
+  EXPECT_TRUE(socket);
+  EXPECT_TRUE(testing::connectTo(files.socket));
+  EXPECT_EQ(testing::readFile(files.token), publication->token() + "\n");
+  EXPECT_EQ(modeOf(files.socket), 0600u);
+  EXPECT_EQ(modeOf(files.personToken), 0600u);
+}
+
+TEST(Publication, OfTwoAtOnceOneWins) {
+  const TempDir dir;
+  std::array<std::optional<Publication>, 8> publications;
+  std::array<std::string, 8> whys;
+  std::vector<std::thread> threads;
+  for (std::size_t i = 0; i < publications.size(); ++i) {
+    threads.emplace_back([&, i] {
+      auto publication = Publication::open(dir.path(), "dev", countingRandom(), whys[i]);
+      if (publication) publications[i].emplace(*std::move(publication));
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+  std::size_t served = 0;
+  for (std::size_t i = 0; i < publications.size(); ++i) {
+    served += publications[i].has_value();
+    if (publications[i]) continue;
+    EXPECT_THAT(whys[i], HasSubstr("another board"));
+  }
+  EXPECT_EQ(served, 1u);
+  EXPECT_TRUE(testing::connectTo(dir.pathOf("teamwork-dev.sock")));
 }
 
 }  // namespace

@@ -1,9 +1,13 @@
 #include "board/serving/service.h"
 
 #include "board/desk.h"
+#include "board/full_disk.h"
+#include "harness/temp_dir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 namespace quillpost::board {
 namespace {
@@ -15,6 +19,7 @@ using Kind = TeamworkResponse::Kind;
 struct ServiceDesk {
   int64_t nowMs = 1'000'000'000;
   std::string why;
+  std::vector<std::string> said;
   Store store = *Store::open(":memory:", why);
   Service service = make();
   std::string first = seat(), second = seat();
@@ -26,7 +31,9 @@ struct ServiceDesk {
 
   Service make() {
     return Service(
-        store, *store.load(why), {"agents", "persons", 900'000, "/d/s.sock", "/d/s.token"},
+        store, store.load(why)->boards,
+        {"agents", "persons", 900'000, "/d/s.sock", "/d/s.token",
+         [this](const std::string& sentence) { said.push_back(sentence); }},
         [this] { return nowMs; }, countingRandom());
   }
   std::string seat(std::string_view members = "") {
@@ -105,7 +112,7 @@ TEST(Service, AWakeIsToldUntilItsAnswerWasSent) {
   const Answer again = desk.ask(desk.second, "poll_changes");
   EXPECT_EQ(again.response.changes->wakeReasons.size(), 1u);
   desk.ask(desk.first, "add_task", R"("title":"y")");
-  desk.service.confirm(*again.delivery);
+  desk.service.confirm(*again.receipt);
   EXPECT_EQ(desk.ask(desk.second, "poll_changes").response.changes->wakeReasons.size(), 0u);
   EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, false);
 }
@@ -120,8 +127,8 @@ TEST(Service, AMessageIsDeliveredOnce) {
              text::cat(R"("to":")", agent.handle, R"(","body":"hello")"));
   }
   const Answer answer = desk.ask(desk.second, "heartbeat");
-  ASSERT_TRUE(answer.response.messages && answer.delivery);
-  desk.service.confirm(*answer.delivery);
+  ASSERT_TRUE(answer.response.messages && answer.receipt);
+  desk.service.confirm(*answer.receipt);
   EXPECT_FALSE(desk.ask(desk.second, "heartbeat").response.messages);
   EXPECT_EQ(desk.ask(desk.second, "read_messages").response.kind, Kind::empty);
 }
@@ -130,8 +137,10 @@ TEST(Service, LeasesLapseByTheClockThatItWasGiven) {
   ServiceDesk desk;
   desk.ask(desk.first, "add_task", R"("title":"x")");
   desk.ask(desk.second, "claim_task", R"("taskID":"t000001")");
-  EXPECT_EQ(desk.service.tick(), 780'000);
-  desk.nowMs += 780'000;
+  EXPECT_EQ(desk.service.tick(), quietAfterMs);
+  desk.nowMs += quietAfterMs;
+  EXPECT_EQ(desk.service.tick(), 180'000);
+  desk.nowMs += 180'000;
   const uint64_t before = desk.service.stirred();
   EXPECT_EQ(desk.service.tick(), 120'000);
   EXPECT_GT(desk.service.stirred(), before) << "a held poll has something to tell";
@@ -169,6 +178,187 @@ TEST(Service, SeatsAreOnTheThreadTheyWereMadeFor) {
   };
   EXPECT_THAT(show(R"("name":"other")"), HasSubstr("elsewhere"));
   EXPECT_THAT(show(R"("name":"third")"), HasSubstr("no thread called"));
+}
+
+TEST(Service, ARepeatedWriteWhoseAnswerWasLostIsCarriedOutOnce) {
+  ServiceDesk desk;
+  const auto add = [&](std::string_view title) {
+    return desk.ask(desk.first, "add_task", text::cat(R"("title":")", title, "\""));
+  };
+  const auto count = [&] { return desk.ask(desk.first, "list_tasks").response.tasks->size(); };
+  const Answer lost = add("one");
+  EXPECT_EQ(add("one").response.message, lost.response.message);
+  EXPECT_EQ(count(), 1u);
+  add("two");
+  EXPECT_EQ(count(), 2u) << "another request is another request";
+  desk.nowMs += repetitionMs + 1;
+  add("two");
+  EXPECT_EQ(count(), 3u) << "too late for a repetition";
+  desk.service.confirm(*add("three").receipt);
+  desk.service.confirm(*add("three").receipt);
+  EXPECT_EQ(count(), 5u) << "its answer had arrived";
+  desk.ask(desk.second, "add_task", R"("title":"four")");
+  add("four");
+  EXPECT_EQ(count(), 7u) << "another seat is another seat";
+}
+
+TEST(Service, WhatThePersonSaysIsForgottenOnceItsAnswerWasSent) {
+  ServiceDesk desk;
+  const auto roster = desk.ask(desk.first, "list_agents").response;
+  for (const TeamworkAgent& agent : *roster.agents) {
+    if (!agent.isSelf) continue;
+    desk.service.answer(requestOf(
+        "", personSay, text::cat(R"("to":")", agent.handle, R"(","body":"Stop")"), "persons"));
+  }
+  const Answer lost = desk.ask(desk.first, "add_task", R"("title":"x")");
+  EXPECT_THAT(lost.response.notice.value_or(""), HasSubstr("The human says: Stop"));
+  const Answer told = desk.ask(desk.first, "add_task", R"("title":"y")");
+  EXPECT_THAT(told.response.notice.value_or(""), HasSubstr("The human says: Stop"));
+  desk.service.confirm(*told.receipt);
+  EXPECT_EQ(desk.ask(desk.first, "add_task", R"("title":"z")").response.notice, std::nullopt);
+}
+
+/// A service over a file whose directory can be taken away.
+struct FileDesk {
+  testing::TempDir dir;
+  std::string path = dir.pathOf("board.db");
+  int64_t nowMs = 1'000'000'000;
+  std::vector<std::string> said;
+  std::string why;
+  Store store = *Store::open(path, why);
+  Service service = Service(
+      store, store.load(why)->boards,
+      {"agents", "persons", 900'000, "", "",
+       [this](const std::string& sentence) { said.push_back(sentence); }},
+      [this] { return nowMs; }, countingRandom());
+
+  std::string show() {
+    return service.answer(requestOf("", personShow, "", "persons")).response.message.value_or("");
+  }
+};
+
+TEST(Service, AFileThatIsDeletedIsNoticedAndWrittenAnew) {
+  FileDesk desk;
+  desk.service.answer(requestOf("", personSeat, R"("name":"main")", "persons"));
+  EXPECT_EQ(desk.service.tick(), storeCareMs);
+  std::filesystem::remove(desk.path);
+  desk.nowMs += storeCareMs;
+  desk.service.tick();
+  EXPECT_FALSE(desk.service.isOver());
+  ASSERT_EQ(desk.said.size(), 1u);
+  EXPECT_THAT(desk.said.front(), HasSubstr("written anew"));
+  EXPECT_TRUE(std::filesystem::exists(desk.path));
+}
+
+TEST(Service, AFileThatIsReplacedEndsTheBoardAndStaysAsItIs) {
+  FileDesk desk;
+  std::filesystem::remove(desk.path);
+  desk.dir.write("board.db", "somebody's");
+  desk.nowMs += storeCareMs;
+  desk.service.tick();
+  EXPECT_TRUE(desk.service.isOver());
+  EXPECT_EQ(testing::readFile(desk.path), "somebody's");
+}
+
+TEST(Service, AFullDiskRefusesWritesInWordsLetsReadsGoOnAndRecovers) {
+  FileDesk desk;
+  const auto ask = [&](const std::string& session, std::string_view method,
+                       std::string_view members = "") {
+    return desk.service.answer(requestOf(session, method, members, "agents")).response;
+  };
+  const auto seat = desk.service.answer(requestOf("", personSeat, R"("name":"main")", "persons"));
+  const std::string lines = seat.response.message.value_or("");
+  const std::string session = lines.substr(lines.find("ID='") + 4, 32);
+  ask(session, "register");
+  ask(session, "add_task", R"("title":"one")");
+  ask(session, "claim_task", R"("taskID":"t000001")");
+  const std::string big = text::cat(R"("title":"two","body":")", std::string(200'000, 'x'), "\"");
+
+  const FullDisk full;
+  EXPECT_TRUE(wasRefused(ask(session, "add_task", big), "disk full"));
+  EXPECT_EQ(desk.said.size(), 1u);
+  EXPECT_EQ(ask(session, "list_tasks").tasks->size(), 1u);
+  EXPECT_TRUE(
+      wasRefused(ask(session, "comment_task", R"("taskID":"t000001","note":"x")"), "disk full"))
+      << "not tried again so soon";
+  desk.nowMs += 1'000'000;
+  const auto due = desk.service.tick();
+  EXPECT_GE(due.value_or(0), 1) << "a due lease does not spin";
+  EXPECT_EQ(ask(session, "list_tasks").tasks->front().state, "claimed");
+  EXPECT_EQ(desk.said.size(), 1u) << "said once";
+
+  full.end();
+  desk.nowMs += storeCareMs;
+  EXPECT_TRUE(wasWritten(ask(session, "add_task", big)));
+  EXPECT_EQ(desk.said.size(), 2u);
+  EXPECT_EQ(ask(session, "list_tasks").tasks->front().state, "claimed") << "its lease runs anew";
+}
+
+TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown) {
+  ServiceDesk desk;
+  const auto person = [&](std::string_view method, std::string_view members) {
+    return desk.service.answer(requestOf("", method, members, "persons")).response;
+  };
+  EXPECT_TRUE(wasWritten(person(personSquad, R"("approve":true)")));
+  desk.seat(R"("name":"another")");
+  EXPECT_TRUE(wasRefused(person(personSquad, R"("approve":true)"), "(main, another)"));
+  EXPECT_TRUE(wasWritten(person(personSquad, R"("approve":true,"name":"another")")));
+  EXPECT_THAT(person(personShow, "").message.value_or(""), HasSubstr("Thread main"));
+  Service again = desk.make();
+  EXPECT_THAT(again.answer(requestOf("", personShow, "", "persons")).response.message.value_or(""),
+              HasSubstr("Thread main"))
+      << "in the order of their making, whatever their tags";
+}
+
+TEST(Service, AnswersRepeatTheRevisionThatTheSeatHasBeenShownAndNoLaterOne) {
+  ServiceDesk desk;
+  const std::string third = desk.seat();
+  const Answer arrived = desk.ask(third, "register");
+  const int64_t rev = arrived.response.rev.value_or(0);
+  EXPECT_GT(rev, 0) << "a new agent waits for what comes after its arrival";
+  desk.service.confirm(*arrived.receipt);
+  desk.ask(desk.first, "add_task", R"("title":"x")");
+  EXPECT_EQ(desk.ask(third, "comment_task", R"("taskID":"t000001","note":"x")").response.rev, rev)
+      << "it has not been told of the task";
+  EXPECT_EQ(desk.ask(third, "register", R"("role":"lead")").response.rev, rev);
+  const Answer feed = desk.ask(third, "poll_changes", text::cat(R"("sinceRev":)", rev));
+  EXPECT_EQ(desk.ask(third, "read_plan").response.rev, rev) << "the feed may have been lost";
+  desk.service.confirm(*feed.receipt);
+  EXPECT_EQ(desk.ask(third, "read_plan").response.rev, feed.response.changes->rev);
+  const Answer list = desk.ask(third, "list_tasks");
+  desk.service.confirm(*list.receipt);
+  EXPECT_EQ(desk.ask(third, "list_agents").response.rev, list.response.rev);
+}
+
+TEST(Service, WhileASeatListensItsStopHookIsToldOnlyOfWhatIsOwed) {
+  ServiceDesk desk;
+  desk.ask(desk.first, "add_task", R"("title":"x")");
+  desk.ask(desk.second, "watch_task", R"("taskID":"t000001")");
+  desk.service.beginListening(desk.second);
+  desk.service.beginListening(desk.second);
+  desk.service.endListening(desk.second);
+  desk.ask(desk.first, "comment_task", R"("taskID":"t000001","note":"x")");
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, false);
+  desk.ask(desk.first, "open_discussion", R"("body":"Which way?")");
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, true);
+  desk.ask(desk.second, "reply_discussion", R"("discussionID":"d000001","body":"Left.")");
+  desk.service.endListening(desk.second);
+  EXPECT_EQ(desk.ask(desk.second, "wake_query").response.wakePending, true)
+      << "nothing listens, and the wakes are still there";
+}
+
+TEST(Service, NothingIsAcknowledgedThatGoesIntoAFileThatIsGone) {
+  FileDesk desk;
+  desk.service.answer(requestOf("", personSeat, R"("name":"main")", "persons"));
+  std::filesystem::remove(desk.path);
+  const auto request = requestOf("", personSquad, R"("approve":true)", "persons");
+  EXPECT_EQ(desk.service.answer(request).response.kind, Kind::written);
+  EXPECT_TRUE(std::filesystem::exists(desk.path)) << "it was written anew before";
+  desk.dir.write("other", "somebody's");
+  std::filesystem::rename(desk.dir.pathOf("other"), desk.path);
+  EXPECT_EQ(desk.service.answer(requestOf("", personSquad, "", "persons")).response.kind,
+            Kind::error);
+  EXPECT_TRUE(desk.service.isOver());
 }
 
 }  // namespace

@@ -1,12 +1,14 @@
 #include "board/serving/store.h"
 
 #include "board/desk.h"
+#include "board/full_disk.h"
 #include "harness/temp_dir.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <utility>
 
 namespace quillpost::board {
 namespace {
@@ -22,9 +24,11 @@ std::optional<Store> openStore(const std::string& path) {
 
 Boards loadAll(Store& store) {
   std::string why;
-  std::optional<Boards> boards = store.load(why);
-  EXPECT_TRUE(boards) << why;
-  return boards.value_or(Boards{});
+  std::optional<Loaded> loaded = store.load(why);
+  EXPECT_TRUE(loaded) << why;
+  if (!loaded) return {};
+  EXPECT_TRUE(loaded->damages.empty()) << loaded->damages.front();
+  return std::move(loaded->boards);
 }
 
 /// Whether two boards hold the same rows.
@@ -141,6 +145,180 @@ TEST(Store, WhatIsNoBoardIsNotOpened) {
   EXPECT_FALSE(Store::open(dir.write("notes.txt", std::string(4096, 'x')), why));
   EXPECT_THAT(why, ::testing::HasSubstr("notes.txt"));
   EXPECT_FALSE(Store::open(dir.pathOf("missing/board.db"), why));
+}
+
+/// Runs statements on a file that no store has open.
+void alter(const std::string& path, const char* statements) {
+  std::string why;
+  std::optional<Database> database = Database::open(path, why);
+  ASSERT_TRUE(database && database->run(statements)) << why;
+}
+
+TEST(Store, AnUnreadableRowIsPutAsideAndTheRestIsThere) {
+  struct Row {
+    const char* kind;
+    const char* id;
+  };
+  for (const Row& row :
+       {Row{"task", "t000001"}, Row{"thread", "T-abc234"}, Row{"counters", "T-abc234"}}) {
+    SCOPED_TRACE(row.kind);
+    const TempDir dir;
+    const std::string path = dir.pathOf("board.db");
+    Desk desk = fullDesk();
+    ASSERT_TRUE(openStore(path)->save(desk.board));
+    alter(path, text::cat("UPDATE rows SET body = '{\"half' WHERE kind = '", row.kind,
+                          "' AND id = '", row.id, "'")
+                    .c_str());
+    std::optional<Store> store = openStore(path);
+    std::string why;
+    const std::optional<Loaded> loaded = store->load(why);
+    ASSERT_TRUE(loaded) << why;
+    ASSERT_EQ(loaded->damages.size(), 1u);
+    EXPECT_THAT(loaded->damages.front(), ::testing::HasSubstr(row.id));
+    const Board& board = loaded->boards.front();
+    EXPECT_EQ(board.thread().id, "T-abc234");
+    EXPECT_EQ(board.counted().tasksFiled, 3);
+    EXPECT_EQ(board.counted().rev, desk.board.counted().rev);
+    EXPECT_EQ(board.tasks.find("t000002") != nullptr, true);
+    ASSERT_EQ(store->check().size(), 1u);
+    EXPECT_THAT(store->check().front(), ::testing::HasSubstr("{\"half"));
+  }
+}
+
+TEST(Store, EveryMoveStaysInTheHistory) {
+  std::optional<Store> store = openStore(":memory:");
+  Desk desk;
+  const std::string one = desk.add("one"), two = desk.add("two");
+  ASSERT_TRUE(store->save(desk.board));
+  for (std::size_t i = 0; i < changesKept; ++i) {
+    desk.pass(1);
+    desk.ask("BB3", "comment_task", text::cat(Desk::on(one), R"(,"note":")", i, "\""));
+    ASSERT_TRUE(store->save(desk.board));
+  }
+  desk.ask("AA2", "comment_task", Desk::on(two) + R"(,"note":"hm")");
+  ASSERT_TRUE(store->save(desk.board));
+  EXPECT_LE(desk.board.changes.size(), changesKept + 1);
+
+  HistoryQuery all{"T-abc234", "", "", 0, 100'000};
+  const std::vector<Change> history = store->history(all);
+  EXPECT_EQ(text::countOf(history), desk.board.counted().rev);
+  EXPECT_EQ(history.front().rev, 1);
+  EXPECT_EQ(history.back().what, "hm");
+  all.taskID = two;
+  EXPECT_EQ(store->history(all).size(), 2u);
+  all.taskID.clear();
+  all.by = "bb3";
+  EXPECT_EQ(store->history(all).size(), changesKept + 1) << "its arrival and its comments";
+  all.by.clear();
+  all.sinceMs = desk.at.nowMs;
+  EXPECT_EQ(store->history(all).size(), 3u) << "a comment, the other's return and its comment";
+  all.sinceMs = 0;
+  all.atMost = 1;
+  ASSERT_EQ(store->history(all).size(), 1u);
+  EXPECT_EQ(store->history(all).front().what, "hm");
+}
+
+TEST(Store, WhatIsExportedAndImportedIsTheSameBoard) {
+  Desk desk = fullDesk();
+  std::optional<Store> from = openStore(":memory:"), to = openStore(":memory:");
+  ASSERT_TRUE(from->save(desk.board));
+  const std::optional<std::string> lines = from->exported();
+  ASSERT_TRUE(lines);
+  std::string why;
+  ASSERT_TRUE(to->import(*lines, why)) << why;
+  expectSame(loadAll(*to).front(), desk.board);
+  EXPECT_EQ(to->exported(), lines);
+  EXPECT_EQ(to->history({"T-abc234", "t000001"}), from->history({"T-abc234", "t000001"}));
+  EXPECT_FALSE(to->import(*lines, why)) << "there are boards already";
+  EXPECT_THAT(why, ::testing::HasSubstr("already"));
+}
+
+TEST(Store, LinesThatAreNoRowsAreNotImportedAndNothingElseIsEither) {
+  Desk desk = fullDesk();
+  std::optional<Store> from = openStore(":memory:"), to = openStore(":memory:");
+  ASSERT_TRUE(from->save(desk.board));
+  std::string why;
+  EXPECT_FALSE(to->import(*from->exported() + "nonsense\n", why));
+  EXPECT_THAT(why, ::testing::HasSubstr("is no row of a board"));
+  EXPECT_TRUE(loadAll(*to).empty());
+}
+
+TEST(Store, ABackupIsABoardOfItsOwnAndReplacesNothing) {
+  const TempDir dir;
+  Desk desk = fullDesk();
+  std::optional<Store> store = openStore(dir.pathOf("board.db"));
+  ASSERT_TRUE(store->save(desk.board));
+  std::string why;
+  ASSERT_TRUE(store->backUp(dir.pathOf("copy.db"), why)) << why;
+  std::optional<Store> copy = openStore(dir.pathOf("copy.db"));
+  expectSame(loadAll(*copy).front(), desk.board);
+  EXPECT_FALSE(store->backUp(dir.pathOf("copy.db"), why));
+  EXPECT_FALSE(store->backUp(dir.pathOf("missing/copy.db"), why));
+}
+
+TEST(Store, AFileWrittenAnewHasAllThatTheDeletedOneHad) {
+  const TempDir dir;
+  const std::string path = dir.pathOf("board.db");
+  Desk desk = fullDesk();
+  std::optional<Store> store = openStore(path);
+  ASSERT_TRUE(store->save(desk.board));
+  EXPECT_EQ(store->look(), FileState::kept);
+  std::filesystem::remove(path);
+  EXPECT_EQ(store->look(), FileState::gone);
+  desk.add("written meanwhile");
+  ASSERT_TRUE(store->save(desk.board));
+  std::string why;
+  ASSERT_TRUE(store->writeAnew(why)) << why;
+  EXPECT_EQ(store->look(), FileState::kept);
+  desk.add("written afterwards");
+  ASSERT_TRUE(store->save(desk.board));
+  for (const char* name : {"board.db", "board.db-wal"})
+    std::filesystem::copy_file(dir.pathOf(name), dir.pathOf(std::string("left-") + name));
+  std::optional<Store> left = openStore(dir.pathOf("left-board.db"));
+  expectSame(loadAll(*left).front(), desk.board);
+}
+
+TEST(Store, ALogOfChangesThatIsDeletedIsNoticed) {
+  const TempDir dir;
+  Desk desk = fullDesk();
+  std::optional<Store> store = openStore(dir.pathOf("board.db"));
+  ASSERT_TRUE(store->save(desk.board));
+  std::filesystem::remove(dir.pathOf("board.db-wal"));
+  EXPECT_EQ(store->look(), FileState::gone);
+  std::string why;
+  ASSERT_TRUE(store->writeAnew(why)) << why;
+  EXPECT_EQ(store->look(), FileState::kept);
+  expectSame(loadAll(*store).front(), desk.board);
+}
+
+TEST(Store, AFileOfAnotherLayoutIsNotOpened) {
+  const TempDir dir;
+  const std::string path = dir.pathOf("board.db");
+  for (const auto& [version, words] :
+       {std::pair("PRAGMA user_version = 1", "earlier"), {"PRAGMA user_version = 99", "later"}}) {
+    alter(path, version);
+    std::string why;
+    EXPECT_FALSE(Store::open(path, why));
+    EXPECT_THAT(why, ::testing::HasSubstr(words));
+  }
+}
+
+TEST(Store, WhatCannotBeWrittenIsTakenBack) {
+  const TempDir dir;
+  const std::string path = dir.pathOf("board.db");
+  Desk desk = fullDesk();
+  std::optional<Store> store = openStore(path);
+  ASSERT_TRUE(store->save(desk.board));
+  const std::size_t count = desk.board.tasks.size();
+  const FullDisk full;
+  desk.add("too much", text::cat(R"("body":")", std::string(200'000, 'x'), "\""));
+  EXPECT_FALSE(store->save(desk.board));
+  EXPECT_TRUE(isSaved(desk.board));
+  EXPECT_EQ(desk.board.tasks.size(), count);
+  full.end();
+  desk.add("fits");
+  EXPECT_TRUE(store->save(desk.board));
+  expectSame(loadAll(*store).front(), desk.board);
 }
 
 }  // namespace

@@ -165,5 +165,66 @@ TEST(Reviews, AreAimedAtAnAgentOrNarrowedToARole) {
   EXPECT_TRUE(desk.isWoken("CC4", "reviewRequested " + id));
 }
 
+/// A task that BB3 has done, with CC4 as its reviewer.
+struct ReviewedTask : Desk {
+  std::string id;
+
+  ReviewedTask() : Desk({"AA2", "BB3", "CC4"}), id(add("one")) {
+    ask("CC4", "register", R"("role":"reviewer")");
+    claim("BB3", id);
+    complete();
+    ask("BB3", "request_review", on(id));
+  }
+  void complete() { ask("BB3", "complete_task", on(id) + R"(,"summary":"did it")"); }
+};
+
+TEST(Reviews, AVerdictIsGoneWhenTheTaskIsReopenedAndTheNextCompletionIsJudgedAnew) {
+  ReviewedTask desk;
+  desk.ask("CC4", "verify_task", Desk::on(desk.id) + R"(,"approve":true)");
+  desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"it broke")");
+  EXPECT_EQ(desk.view("AA2", desk.id).reviewState, std::nullopt);
+  EXPECT_TRUE(desk.owed("CC4").clear) << "there is nothing to judge meanwhile";
+  EXPECT_EQ(desk.view("AA2", desk.id).reviewByFingerprint, std::nullopt);
+  desk.settle();
+  desk.complete();
+  EXPECT_TRUE(desk.isWoken("CC4", "reviewRequested " + desk.id));
+  EXPECT_EQ(desk.owed("CC4").oweReply.size(), 1U);
+  EXPECT_TRUE(
+      wasWritten(desk.ask("CC4", "verify_task", Desk::on(desk.id) + R"(,"approve":false)")));
+}
+
+TEST(Reviews, AimedAtOneWhoMayNotJudgeGiveANotice) {
+  ReviewedTask desk;
+  const auto response =
+      desk.ask("BB3", "request_review",
+               text::cat(Desk::on(desk.id), R"(,"reviewOfFingerprint":")", desk.mark("AA2"), "\""));
+  EXPECT_TRUE(wasWritten(response));
+  EXPECT_NE(response.notice.value_or("").find("neither reviewer nor lead"), std::string::npos);
+}
+
+TEST(Reviews, ABystandersRequestDoesNotReplaceAnothers) {
+  ReviewedTask desk;
+  EXPECT_TRUE(
+      wasRefused(desk.ask("AA2", "request_review", Desk::on(desk.id)), "requested already"));
+  EXPECT_EQ(desk.task(desk.id).reviewRequestedBy, desk.mark("BB3"));
+}
+
+TEST(Reopening, IsOpenToAnybodyOnceTheDoerIsGone) {
+  ReviewedTask desk;
+  const std::string broken = Desk::on(desk.id) + R"(,"note":"it broke")";
+  EXPECT_TRUE(wasRefused(desk.ask("AA2", "update_task", broken), "do not hold"));
+  desk.ask("BB3", "unregister");
+  EXPECT_TRUE(wasWritten(desk.ask("AA2", "update_task", broken)));
+  EXPECT_TRUE(isHeldBy(desk.task(desk.id), desk.mark("AA2")));
+}
+
+TEST(Reopening, IsOpenToAnybodyWhileTheDoerIsAway) {
+  ReviewedTask desk;
+  desk.board.seats.touch(desk.seat("BB3").id)->leaseUntilMs = desk.at.nowMs + 1000;
+  desk.pass(1);
+  EXPECT_TRUE(
+      wasWritten(desk.ask("AA2", "update_task", Desk::on(desk.id) + R"(,"note":"it broke")")));
+}
+
 }  // namespace
 }  // namespace quillpost::board

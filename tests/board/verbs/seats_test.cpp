@@ -88,7 +88,7 @@ TEST(WakeQuery, IsPendingWhileAWakeOrAMessageIs) {
   EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, false);
   leaveMessage(desk.board, desk.seat("BB3"), {"AA2", "", "x", 0});
   EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true);
-  EXPECT_EQ(desk.ask("BB3", "wake_query").wakePending, true) << "asking takes nothing";
+  EXPECT_EQ(messagesOf(desk.board, desk.seat("BB3")).size(), 1u) << "asking takes nothing";
 }
 
 TEST(Agents, ThoseWhoAreHereAndTheTerminalsWithNobodyHome) {
@@ -102,6 +102,14 @@ TEST(Agents, ThoseWhoAreHereAndTheTerminalsWithNobodyHome) {
   EXPECT_EQ(response.panes->front().handle, "CC4");
   EXPECT_EQ(response.squad->mode, "off");
   EXPECT_THAT(*response.squad->helpers, IsEmpty());
+}
+
+TEST(Messages, AreNotGivenToTheNextAgentOfTheirSeat) {
+  Desk desk;
+  desk.person(personSquad, R"("approve":true)");
+  desk.ask("AA2", "send_message", R"("to":"BB3","body":"for your eyes only")");
+  desk.ask("BB3", "unregister");
+  EXPECT_EQ(desk.ask("BB3", "register").messages, std::nullopt);
 }
 
 }  // namespace

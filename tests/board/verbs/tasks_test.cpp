@@ -1,4 +1,5 @@
 #include "board/desk.h"
+#include "board/serving/reply.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -81,19 +82,15 @@ TEST(Deleting, TakesTheTaskOffTheBoardAndThePersonCanPutItBack) {
   EXPECT_TRUE(desk.board.trash.empty());
 }
 
-TEST(Deleting, TellsWhoHoldsATaskThatWaitsForIt) {
-  for (const auto& [method, kind] :
-       {std::pair("delete_task", "taskDeleted "), std::pair("reject_task", "taskRejected ")}) {
-    SCOPED_TRACE(method);
-    Desk desk({"AA2", "BB3", "CC4"});
-    const std::string id = desk.add("one");
-    const std::string next = desk.add("next");
-    desk.claim("BB3", next);
-    desk.ask("BB3", "update_task", text::cat(Desk::on(next), R"(,"waitsOn":[")", id, R"("])"));
-    EXPECT_TRUE(wasWritten(desk.ask("CC4", method, Desk::on(id))));
-    EXPECT_TRUE(desk.isWoken("BB3", kind + id));
-    EXPECT_THAT(desk.wakes("AA2"), IsEmpty()) << "filing it asked for nothing";
-  }
+TEST(Declining, TellsWhoHoldsATaskThatWaitsForIt) {
+  Desk desk({"AA2", "BB3", "CC4"});
+  const std::string id = desk.add("one");
+  const std::string next = desk.add("next");
+  desk.claim("BB3", next);
+  desk.ask("BB3", "update_task", text::cat(Desk::on(next), R"(,"waitsOn":[")", id, R"("])"));
+  EXPECT_TRUE(wasWritten(desk.ask("CC4", "reject_task", Desk::on(id))));
+  EXPECT_TRUE(desk.isWoken("BB3", "taskRejected " + id));
+  EXPECT_THAT(desk.wakes("AA2"), IsEmpty()) << "filing it asked for nothing";
 }
 
 TEST(Backlog, ReadingItMovesTheCursorAndNothingElseDoes) {
@@ -102,6 +99,25 @@ TEST(Backlog, ReadingItMovesTheCursorAndNothingElseDoes) {
   EXPECT_EQ(desk.ask("BB3", "list_tasks").rev, desk.board.counted().rev);
   EXPECT_EQ(desk.ask("BB3", "read_plan").rev, std::nullopt);
   EXPECT_EQ(desk.claim("BB3", "t000001").rev, std::nullopt);
+}
+
+TEST(Backlog, OfVeryManyClosedTasksTheLatestAreListed) {
+  Desk desk;
+  const std::string open = desk.add("open");
+  for (int i = 0; i < 45'000; ++i) {
+    Task task;
+    task.title = "A task of the usual kind";
+    task.state = TaskState::done;
+    task.owner = desk.mark("AA2");
+    fileTask(desk.board, std::move(task), "");
+  }
+  const auto tasks = *desk.ask("BB3", "list_tasks").tasks;
+  ASSERT_EQ(tasks.size(), 20'001u);
+  EXPECT_EQ(tasks.front().id, open);
+  EXPECT_EQ(tasks.back().id, "t045001");
+  TeamworkResponse response;
+  response.tasks = tasks;
+  EXPECT_LT(encodeSparsely(response)->size(), replyLimit);
 }
 
 }  // namespace

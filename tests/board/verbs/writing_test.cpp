@@ -1,4 +1,5 @@
 #include "board/desk.h"
+#include "board/rules/limits.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -164,6 +165,32 @@ TEST(Comments, TagWhoIsHereAndSayWhoIsNot) {
   desk.person(personAnswer, Desk::on(desk.id) + R"(,"body":"seen")");
   EXPECT_THAT(desk.task(desk.id).mentions, ElementsAre(desk.mark("BB3")));
   EXPECT_TRUE(desk.isWoken("AA2", "humanReplied " + desk.id));
+}
+
+TEST(Comments, AreAmendedTogetherWithASummary) {
+  HeldTask desk;
+  desk.comment("AA2", R"("note":"nise")");
+  for (const char* gist : {"one", "two"}) {
+    const auto response =
+        desk.comment("AA2", text::cat(R"("note":"nice","editLast":true,"summary":")", gist, "\""));
+    EXPECT_EQ(response.notice, std::nullopt);
+  }
+  EXPECT_THAT(desk.log(desk.id), ElementsAre("AA2: nice", "[[gist]] one", "[[gist]] two"));
+}
+
+TEST(Limits, WhatIsFiledIsCutWithANotice) {
+  Desk desk;
+  const auto filed = desk.ask(
+      "AA2", "add_task",
+      text::cat(R"("title":")", letters(2001), R"(","body":")", letters(briefLimit + 1), "\""));
+  EXPECT_THAT(filed.notice.value_or(""), HasSubstr("title was cut at 2000 characters"));
+  EXPECT_THAT(filed.notice.value_or(""), HasSubstr("brief was cut at 256 KB"));
+  EXPECT_EQ(desk.task("t000001").title.size(), lineLimit);
+  EXPECT_EQ(briefOf(desk.board, "t000001").size(), briefLimit);
+  const auto updated =
+      desk.ask("AA2", "update_task",
+               text::cat(Desk::on("t000001"), R"(,"body":")", letters(briefLimit + 1), "\""));
+  EXPECT_THAT(updated.notice.value_or(""), HasSubstr("256 KB"));
 }
 
 }  // namespace

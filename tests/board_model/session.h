@@ -1,0 +1,21 @@
+#pragma once
+
+// A session by chance on a board: ten seats and the person ask for whatever comes to them, time
+// passes, answers get lost, saves fail, the program is killed. After each step the judge looks
+// whether everything that must always hold still does.
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+
+namespace quillpost::board_model {
+
+/// How often what has happened.
+using Tally = std::map<std::string, int64_t>;
+
+/// Plays the session of a seed and adds to the tally what happened in it. What went wrong, in
+/// words; nothing when all held. `trace` is given a line for each step.
+std::optional<std::string> playSession(uint64_t seed, Tally& tally, std::string* trace = nullptr);
+
+}  // namespace quillpost::board_model
