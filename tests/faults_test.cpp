@@ -6,6 +6,7 @@
 #include "harness/golden.h"
 #include "harness/paths.h"
 #include "harness/process.h"
+#include "harness/sanitized.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 
@@ -262,15 +263,7 @@ TEST_F(Faults, BeingStoppedAndContinuedDoesNotLoseAReply) {
 
 // Memory, where the system tells how much there is, and no sanitizer adds its own
 
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLPOST_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLPOST_SANITIZED 1
-#endif
-#endif
-
-#if defined(__linux__) && !defined(QUILLPOST_SANITIZED)
+#if defined(__linux__) && !QUILLPOST_SANITIZED
 TEST_F(Faults, ItIsSmallWhenIdleAndAfterTheLongestReplyAgain) {
   constexpr std::size_t smallest = 6 * oneMiB, growth = 4 * oneMiB;
   Process process(server());

@@ -7,6 +7,7 @@
 //   simulation_test --seed=N --sessions=1     one session again; tells what happened in it
 
 #include "base/text.h"
+#include "harness/sanitized.h"
 #include "simulation/session.h"
 
 #include <gtest/gtest.h>
@@ -23,7 +24,7 @@ namespace {
 /// Which sessions are played: `sessions` of them, each by the seed after the last one's.
 struct Run {
   uint64_t seed = 1;
-  uint64_t sessions = 20'000;
+  uint64_t sessions = QUILLPOST_SANITIZED ? 4'000 : 20'000;
 };
 Run run;
 

@@ -1,5 +1,7 @@
 #include "base/memory.h"
 
+#include "harness/sanitized.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -41,15 +43,7 @@ TEST(MemoryKeeper, LeavesWhatIsInUseAsItIs) {
 }
 
 // A sanitizer has an allocator of its own, which keeps what was freed.
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLPOST_OWN_ALLOCATOR
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLPOST_OWN_ALLOCATOR
-#endif
-#endif
-
-#if defined(__GLIBC__) && !defined(QUILLPOST_OWN_ALLOCATOR)
+#if defined(__GLIBC__) && !QUILLPOST_SANITIZED
 std::size_t residentBytes() {
   std::ifstream file("/proc/self/statm");
   std::size_t allPages = 0, residentPages = 0;

@@ -105,7 +105,7 @@ std::string valueText(const Value& value) {
   std::string object;
   {
     json::Object out(object);
-    json::detail::encodeMember(out, "k", value);
+    json::detail::encodeMember<json::Unsaid::written>(out, "k", value);
   }
   constexpr std::size_t around = std::string_view(R"({"k":)").size();
   return object.substr(around, object.size() - around - 1);
