@@ -2,11 +2,12 @@
 //
 //   make_board FILE SEATS TASKS LINES CHARACTERS MESSAGES
 //
-// One Thread with so many agents on it, and so many open tasks with logs of so many lines of so many
-// characters; so many messages wait for the second agent. Prints the session id of each seat.
+// One Thread with so many agents on it, and so many open tasks with logs of so many lines of so
+// many characters; so many messages wait for the second agent. Prints the session id of each seat.
 
 #include "base/text.h"
 #include "board/rules/log.h"
+#include "board/rules/moves.h"
 #include "board/rules/wakes.h"
 #include "board/serving/store.h"
 #include "board/verbs/methods.h"
@@ -48,6 +49,7 @@ void fill(Board& board, int64_t tasks, int64_t lines, std::size_t characters) {
     Task& filed = fileTask(board, std::move(task), "What it is about.");
     for (int64_t line = 0; line < lines; ++line)
       addLine(board, filed, {"", LogKind::progress, "#000", "AB0", words, 1});
+    record(board, {MoveKind::taskAdded, filed.id, "#000", 1, filed.title});
   }
 }
 

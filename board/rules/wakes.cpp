@@ -63,8 +63,13 @@ void wake(Board& board, const Seat& seat, const Reason& reason) {
       {nextNumber(board), seat.id, reason.kind, reason.taskID, reason.summary, reason.cause, 0});
   const std::vector<const Wake*> all = wakesOf(board, seat);
   if (all.size() <= wakesKept) return;
-  const auto leastMissed = std::ranges::find(all, WakeKind::taskWatched, &Wake::kind);
-  board.wakes.remove((leastMissed == all.end() ? all.front() : *leastMissed)->id);
+  auto leastMissed = std::ranges::find(all, WakeKind::taskWatched, &Wake::kind);
+  if (leastMissed == all.end()) {
+    // What the person says stays for as long as there is anything else.
+    leastMissed = std::ranges::find_if(
+        all, [](const Wake* wake) { return wake->kind != WakeKind::humanSaid; });
+  }
+  board.wakes.remove(std::string((leastMissed == all.end() ? all.front() : *leastMissed)->id));
 }
 
 void takeBackWakes(Board& board, const Seat& seat, WakeKind kind, std::string_view taskID) {

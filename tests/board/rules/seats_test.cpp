@@ -141,7 +141,8 @@ TEST(Seats, WhatIsAcknowledgedIsThereAfterFiftyKills) {
 
   for (std::size_t self = 0; self < writerCount; ++self) {
     const std::string task = crew.seats[0]->call(
-        "read_task", text::cat(R"({"taskID":")", taskID(self + 1), R"(","logOffset":1,"logLimit":100000})"));
+        "read_task",
+        text::cat(R"({"taskID":")", taskID(self + 1), R"(","logOffset":1,"logLimit":100000})"));
     EXPECT_GT(counts[self], 0);
     for (int number = 1; number <= counts[self]; ++number)
       EXPECT_THAT(task, HasSubstr(note(self, number)));

@@ -97,5 +97,14 @@ TEST(Wakes, WhatThePersonSaysWaitsWhereTheAnswerHasNoRoom) {
   EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
 }
 
+TEST(Wakes, WhatThePersonSaysGivesWayToNothingElse) {
+  Desk desk;
+  desk.person(personSay, R"("to":"BB3","body":"Stop")");
+  for (std::size_t i = 0; i < 2 * wakesKept; ++i)
+    wake(desk.board, desk.seat("BB3"), {WakeKind::mentioned, "", text::cat(i)});
+  EXPECT_EQ(desk.wakes("BB3").size(), wakesKept);
+  EXPECT_EQ(desk.wakes("BB3").front(), "humanSaid");
+}
+
 }  // namespace
 }  // namespace quillpost::board
