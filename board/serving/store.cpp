@@ -91,7 +91,10 @@ std::optional<Database> Store::openFile(const std::string& path, std::string& wh
     }
   }
   if (database->run(setUp)) return database;
-  why = text::cat("cannot open ", path, ": ", database->error());
+  const std::string error = database->error();
+  const bool isLocked = error.find("locked") != std::string::npos;
+  why = text::cat("cannot open ", path, ": ",
+                  isLocked ? "another board has it open, or another program" : error);
   return std::nullopt;
 }
 

@@ -109,7 +109,7 @@ class Session {
     }
     if (!wrong) wrong = whatIsWrong(board(), at_);
     if (!wrong) wrong = whatWasMissed(board(), before, at_, mover);
-    if (!wrong && dice_.oneIn(15)) wrong = killAndLoad();
+    if (!wrong && dice_.oneIn(30)) wrong = killAndLoad();
     return wrong;
   }
 

@@ -236,5 +236,27 @@ TEST(Seats, ABoardThatIsStoppedLeavesNothingButItsFile) {
   }
 }
 
+TEST(Seats, ASocketThatIsDeletedIsPublishedAgain) {
+  RealBoard board;
+  const std::string socket = board.directory().pathOf("teamwork-board.sock");
+  std::filesystem::remove(socket);
+  const Instant deadline = SteadyClock().now() + realPatience;
+  while (!std::filesystem::exists(socket) && isBefore(deadline)) std::this_thread::yield();
+  EXPECT_TRUE(board.person({"seat", "--thread", "main"}));
+}
+
+TEST(Seats, OfTwoBoardsInOneDirectoryTheSecondSaysSoAndLeavesTheFirstAlone) {
+  const RealBoard board;
+  for (const char* database : {"board.db", "another.db"}) {
+    testing::Process second(
+        {testing::boardProgram(),
+         {"--dir", board.directory().path(), "--db", board.directory().pathOf(database)},
+         {}});
+    EXPECT_THAT(second.errors(), HasSubstr("another board"));
+    EXPECT_EQ(second.waitForExit(), 1);
+  }
+  EXPECT_TRUE(board.person({"seat", "--thread", "main"}));
+}
+
 }  // namespace
 }  // namespace quillpost::board

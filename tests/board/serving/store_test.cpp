@@ -137,6 +137,7 @@ TEST(Store, AFileIsOpenOnlyOnce) {
   std::string why;
   EXPECT_FALSE(Store::open(dir.pathOf("board.db"), why));
   EXPECT_THAT(why, ::testing::HasSubstr("board.db"));
+  EXPECT_THAT(why, ::testing::HasSubstr("another board"));
 }
 
 TEST(Store, WhatIsNoBoardIsNotOpened) {
