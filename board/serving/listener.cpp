@@ -83,7 +83,7 @@ std::size_t roomForConnections() {
     ::setrlimit(RLIMIT_NOFILE, &limit);
     ::getrlimit(RLIMIT_NOFILE, &limit);
   }
-  const std::size_t all = static_cast<std::size_t>(std::min(limit.rlim_cur, wanted));
+  const auto all = static_cast<std::size_t>(std::min(limit.rlim_cur, wanted));
   return all > 2 * spareDescriptors ? all - spareDescriptors : all / 2;
 }
 
