@@ -5,6 +5,7 @@
 #include "base/environment.h"
 #include "base/files.h"
 #include "base/input.h"
+#include "base/memory.h"
 #include "base/output.h"
 #include "base/unicode.h"
 #include "bridge/transport.h"
@@ -131,6 +132,7 @@ int run(const std::vector<std::string>& words) {
 
 int main(int count, char** arguments) {
   quillpost::fillStandardDescriptors();
+  quillpost::keepMemoryBetweenCalls();
   try {
     return quillpost::run({arguments + std::min(count, 1), arguments + count});
   } catch (...) {

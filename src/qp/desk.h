@@ -63,6 +63,9 @@ class Desk {
   /// Remembers what has been told so far, for a wait that goes on.
   void remember();
 
+  /// Gives back what a large answer took, for a wait that will rest.
+  void giveBackMemory() { seat_.memory.giveBack(); }
+
   const Seat& seat() const { return seat_; }
   const SeatFile& file() const { return file_; }
 

@@ -6,6 +6,8 @@
 #include "qp/terminal_text.h"
 #include "tools/tool_name.h"
 
+#include <utility>
+
 namespace quillpost {
 namespace {
 
@@ -29,7 +31,7 @@ std::string textObject(std::string_view text) {
   return lineOf(out);
 }
 
-ViewedTasks viewedTasks(const Result& result, const std::string& json) {
+ViewedTasks viewedTasks(const Result& result, std::string_view json) {
   if (result.call.tool->name != listTasks || json.empty()) return {};
   return viewed(json, taskViewFrom(Arguments(result.call.options), result.call.asJson));
 }
@@ -46,7 +48,7 @@ Printed printedJson(const Result& result) {
             .errors = tag.empty() ? tag : lineOf(tag.substr(tag.find_first_not_of('\n')))};
   }
   const ViewedTasks tasks = viewedTasks(result, json);
-  return {.output = lineOf(tasks.json.value_or(json)),
+  return {.output = lineOf(tasks.json ? *tasks.json : json),
           .errors = tasks.leftOut + sentencesAround(reply)};
 }
 
@@ -57,9 +59,9 @@ Printed printed(const Result& result) {
   const ToolReply& reply = result.reply;
   const std::string json = reply.text.json();
   const ViewedTasks tasks = viewedTasks(result, json);
-  const std::string text = text::cat(tasks.json.value_or(json), reply.text.sentences(),
-                                     threadEnding(reply), "\n", tasks.leftOut);
-  return {.output = text, .errors = {}};
+  std::string text = text::cat(tasks.json ? *tasks.json : json, reply.text.sentences(),
+                               threadEnding(reply), "\n", tasks.leftOut);
+  return {.output = std::move(text), .errors = {}};
 }
 
 std::string errorLine(std::string_view error, Status status) {

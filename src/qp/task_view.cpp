@@ -1,6 +1,7 @@
 #include "qp/task_view.h"
 
 #include "base/text.h"
+#include "json/slices.h"
 #include "qp/options.h"
 
 #include <algorithm>
@@ -9,8 +10,6 @@
 
 namespace quillpost {
 namespace {
-
-using boost::json::array;
 
 /// Where words are looked for.
 constexpr std::string_view searched[] = {"id", "title", "summary", "lastProgress"};
@@ -22,39 +21,54 @@ bool hasWord(const json::TreeObject& task, std::string_view word) {
   });
 }
 
-bool isWanted(const json::Tree& element, const TaskView& view) {
-  const json::TreeObject* const task = element.if_object();
-  return task != nullptr && std::ranges::all_of(view.words, [&](const std::string& word) {
-           return hasWord(*task, word);
-         });
-}
-
 /// The task with the fields asked for, in the order in which it has them.
-json::Tree withFields(const json::Tree& element, const TaskView& view) {
+json::Tree withFields(const json::TreeObject& task, const TaskView& view) {
   json::TreeObject kept;
-  for (const auto& member : element.get_object())
+  for (const auto& member : task)
     if (std::ranges::find(view.fields, std::string_view(member.key())) != view.fields.end())
       kept.emplace(member.key(), member.value());
   return kept;
 }
 
-/// Takes from a bucket what the view leaves out. Gives how many tasks the limit cut off.
-int64_t narrow(array& bucket, const TaskView& view) {
-  if (!view.words.empty()) {
-    array wanted;
-    for (json::Tree& element : bucket)
-      if (isWanted(element, view)) wanted.push_back(std::move(element));
-    bucket = std::move(wanted);
-  }
+/// A task as it is shown: with its fields that are wanted; nothing when it lacks a word.
+std::optional<std::string> shown(std::string_view task, const TaskView& view) {
+  if (view.words.empty() && view.fields.empty()) return std::string(task);
+  const std::optional<json::Tree> tree = json::parse(task);
+  const json::TreeObject* const object = tree ? tree->if_object() : nullptr;
+  if (object == nullptr) return std::nullopt;
+  const bool isWanted = std::ranges::all_of(
+      view.words, [&](const std::string& word) { return hasWord(*object, word); });
+  if (!isWanted) return std::nullopt;
+  if (view.fields.empty()) return std::string(task);
+  std::string narrowed;
+  json::appendTree(narrowed, withFields(*object, view));
+  return narrowed;
+}
+
+/// Writes what the view leaves of a bucket. Gives how many tasks the limit cut off.
+int64_t narrow(std::string_view bucket, const TaskView& view, std::string& out) {
+  std::vector<std::string_view> tasks = json::elementsOf(bucket);
+  // Only words have to be looked for in every task.
+  const bool cutsBlindly = view.words.empty() && view.limit;
+  const auto limit = static_cast<std::size_t>(view.limit.value_or(INT64_MAX));
   int64_t cut = 0;
-  if (view.limit && std::cmp_greater(bucket.size(), *view.limit)) {
-    const auto kept = static_cast<std::size_t>(*view.limit);
-    cut = static_cast<int64_t>(bucket.size() - kept);
-    bucket.resize(kept);
+  if (cutsBlindly && tasks.size() > limit) {
+    cut = text::countOf(tasks) - *view.limit;
+    tasks.resize(limit);
   }
-  if (!view.fields.empty())
-    for (json::Tree& element : bucket)
-      if (element.is_object()) element = withFields(element, view);
+  std::size_t kept = 0;
+  out += '[';
+  for (const std::string_view task : tasks) {
+    const std::optional<std::string> text = shown(task, view);
+    if (!text) continue;
+    if (kept == limit) {
+      ++cut;
+      continue;
+    }
+    if (kept++ > 0) out += ',';
+    out += *text;
+  }
+  out += ']';
   return cut;
 }
 
@@ -78,28 +92,28 @@ TaskView taskViewFrom(const Arguments& options, bool asJson) {
   return view;
 }
 
-ViewedTasks viewed(const std::string& backlog, const TaskView& view) {
+ViewedTasks viewed(std::string_view backlog, const TaskView& view) {
   if (leavesAll(view)) return {};
-  std::optional<json::Tree> tree = json::parse(backlog);
-  if (!tree || !tree->is_object()) return {};
-  json::TreeObject& object = tree->get_object();
+  const std::vector<json::MemberSlice> members = json::membersOf(backlog);
+  if (members.empty()) return {};
   ViewedTasks result;
   bool isChanged = !view.bucket.empty() || !view.fields.empty() || !view.words.empty();
-  for (const std::string_view name : bucketNames) {
-    json::Tree* const bucket = object.if_contains(name);
-    if (bucket == nullptr || !bucket->is_array()) continue;
-    if (!view.bucket.empty() && name != view.bucket) {
-      // Not erased by exchange with the last member: the members keep their order.
-      object.stable_erase(name);
+  std::string out = "{";
+  for (const auto& [name, value] : members) {
+    const bool isBucket =
+        std::ranges::find(bucketNames, name) != bucketNames.end() && value.starts_with('[');
+    if (isBucket && !view.bucket.empty() && name != view.bucket) continue;
+    out += text::cat(out.size() > 1 ? "," : "", "\"", name, "\":");
+    if (!isBucket) {
+      out += value;
       continue;
     }
-    const int64_t cut = narrow(bucket->get_array(), view);
+    const int64_t cut = narrow(value, view, out);
     if (cut == 0) continue;
     isChanged = true;
     result.leftOut += text::cat("… ", cut, " more under ", name, ": qp tasks --all\n");
   }
-  if (!isChanged) return {};
-  json::appendTree(result.json.emplace(), *tree);
+  if (isChanged) result.json = std::move(out) + "}";
   return result;
 }
 

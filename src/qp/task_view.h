@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace quillpost {
@@ -41,6 +42,6 @@ struct ViewedTasks {
 };
 
 /// The JSON of a result of list_tasks with less in its buckets; everything else stays.
-ViewedTasks viewed(const std::string& backlog, const TaskView& view);
+ViewedTasks viewed(std::string_view backlog, const TaskView& view);
 
 }  // namespace quillpost
