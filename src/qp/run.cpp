@@ -75,18 +75,44 @@ std::string stoppedLine(const Calls& calls, std::size_t index, CallEnd end) {
   return line + "\n";
 }
 
+/// Whether the app's token is another one than it was when this was last asked. A request that was
+/// under way while the app started anew carries the old one and is refused for that alone.
+class RenewedToken {
+ public:
+  explicit RenewedToken(Bridge& bridge) : bridge_(bridge), known_(bridge.currentToken()) {}
+
+  bool isThere() {
+    std::string now = bridge_.currentToken();
+    return std::exchange(known_, now) != now;
+  }
+
+ private:
+  Bridge& bridge_;
+  std::string known_;
+};
+
 /// The listener that a wait has here: without a deadline, until its terminal is gone.
-Listener listenerFor(const Surroundings& around) {
+Listener listenerFor(const Surroundings& around, Desk& desk, RenewedToken& token) {
   around.lifetime.begin();
-  return {.isThere = [&around] { return !around.lifetime.isOver(); }};
+  return {.isThere =
+              [&around, &desk] {
+                desk.giveBackMemory();
+                return !around.lifetime.isOver();
+              },
+          .goesOn =
+              [&token](CallEnd end, const TeamworkChangeFeed* /*feed*/) {
+                return end == CallEnd::refused && token.isThere();
+              }};
 }
 
 ToolReply follow(const Call& call, Desk& desk, const Surroundings& around) {
   FollowLines lines;
   bool isRead = true;
-  Listener listener = listenerFor(around);
-  listener.isThere = [&] { return isRead && !around.lifetime.isOver(); };
+  RenewedToken token(around.doors.bridge);
+  Listener listener = listenerFor(around, desk, token);
+  listener.isThere = [&isRead, isThere = listener.isThere] { return isRead && isThere(); };
   listener.goesOn = [&](CallEnd end, const TeamworkChangeFeed* feed) {
+    if (end == CallEnd::refused) return token.isThere();
     if (end != CallEnd::moved || feed == nullptr) return false;
     // Remembered before it is told: a follower that is ended here tells no move twice.
     desk.remember();
@@ -100,7 +126,8 @@ ToolReply follow(const Call& call, Desk& desk, const Surroundings& around) {
 ToolReply replyTo(const Call& call, Desk& desk, const Surroundings& around) {
   if (call.tool->name != waitForChanges) return desk.call(call.tool->name, call.arguments);
   if (Arguments(call.options).flag("follow").value_or(false)) return follow(call, desk, around);
-  return desk.wait(call.arguments, listenerFor(around));
+  RenewedToken token(around.doors.bridge);
+  return desk.wait(call.arguments, listenerFor(around, desk, token));
 }
 
 /// Whether the reply was printed as it came.

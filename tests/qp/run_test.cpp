@@ -3,11 +3,7 @@
 #include "qp/run.h"
 
 #include "base/text.h"
-#include "calls/tool_call.h"
-#include "harness/dice.h"
 #include "qp/command.h"
-#include "tools/tool_name.h"
-#include "tools/tools.h"
 
 #include <gtest/gtest.h>
 
@@ -242,6 +238,21 @@ TEST_F(WaitRun, EndsWhenTheBoardRefuses) {
   EXPECT_EQ(out.text, "No such seat.\n");
 }
 
+TEST_F(WaitRun, GoesOnWhenTheAppHasANewTokenAndOnlyThen) {
+  for (const bool follows : {false, true}) {
+    bridge.tokens = {"old", "old", "old", "new"};
+    bridge.token = "new";
+    bridge.answers("poll_changes", responseFrom(R"({"kind":"error","message":"Not my token."})"));
+    bridge.answers("poll_changes", responseFrom(feed(8, "")));
+    bridge.answers("poll_changes", responseFrom(R"({"kind":"error","message":"No such seat."})"));
+    EXPECT_EQ(run(follows ? std::vector<std::string>{"wait", "--follow"}
+                          : std::vector<std::string>{"wait"}),
+              1);
+    EXPECT_EQ(out.text, "No such seat.\n");
+    EXPECT_TRUE(bridge.tokens.empty());
+  }
+}
+
 TEST_F(WaitRun, FollowsLineByLineAndRemembersEachMove) {
   holdForever();
   bridge.answers("poll_changes", responseFrom(feed(7, "")));
@@ -282,91 +293,6 @@ TEST_F(WaitRun, StopsFollowingWhenNobodyReads) {
   readsWrites = 0;
   EXPECT_EQ(run({"wait", "--follow"}), 129);
   EXPECT_EQ(bridge.requests.size(), 2u);
-}
-
-// --- The promise: the same request and the same words as the tool
-// ---------------------------------
-
-/// A line for a tool with random arguments, and the same arguments as a client gives them.
-struct SameCall {
-  std::vector<std::string> words;
-  json::TreeObject arguments;
-};
-
-SameCall randomCall(const Tool& tool, testing::Dice& dice) {
-  SameCall same;
-  same.words.emplace_back(tool.name);
-  for (const Property& property : tool.properties) {
-    if (property.need == Need::optional && dice.flip()) continue;
-    std::string text;
-    do dice.fill(text);
-    while (text == "-");
-    const std::string option = text::cat("--", property.name);
-    boost::json::array list;
-    switch (property.type) {
-      case Type::string:
-        same.words.push_back(text::cat(option, "=", text));
-        same.arguments[property.name] = text;
-        break;
-      case Type::integer: {
-        int64_t number = 0;
-        dice.fill(number);
-        same.words.push_back(text::cat(option, "=", number));
-        same.arguments[property.name] = number;
-        break;
-      }
-      case Type::boolean: {
-        const bool flag = dice.flip();
-        same.words.push_back(text::cat(option, flag ? "=true" : "=false"));
-        same.arguments[property.name] = flag;
-        break;
-      }
-      case Type::strings:
-        for (std::size_t left = 2 + dice.below(2); left > 0; --left) {
-          dice.fill(text);
-          same.words.push_back(text::cat(option, "=", text));
-          list.emplace_back(text);
-        }
-        same.arguments[property.name] = list;
-        break;
-    }
-  }
-  return same;
-}
-
-TEST_F(LineRun, MakesTheSameRequestAndGivesTheSameWordsAsTheTool) {
-  constexpr uint64_t seeds = 60;
-  for (const Tool& tool : tools) {
-    if (tool.name == waitForChanges) continue;
-    for (uint64_t seed = 1; seed <= seeds; ++seed) {
-      testing::Dice dice(seed);
-      const SameCall same = randomCall(tool, dice);
-      TeamworkResponse answer;
-      dice.fill(answer);
-      bridge.otherwise = [&](const TeamworkRequest&) {
-        return testing::FakeAnswer{.response = answer};
-      };
-      sessionID = text::cat("ses-", tool.name, "-", seed);
-      Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
-                .sessionID = sessionID};
-      // Twice, so that the second call has something to remember.
-      for (int round = 1; round <= 2; ++round) {
-        bridge.requests.clear();
-        const ToolReply reply = callBoard(tool.name, Arguments(same.arguments), seat);
-        const std::string expected =
-            text::cat(reply.text.json(), reply.text.sentences(), threadEnding(reply), "\n");
-        run(same.words);
-        SCOPED_TRACE(text::cat(tool.name, " seed ", seed, " round ", round));
-        if (reply.end == CallEnd::refusedUnsent) {
-          EXPECT_TRUE(bridge.requests.empty());
-        } else {
-          ASSERT_EQ(bridge.requests.size(), 2u);
-          ASSERT_EQ(bridge.requests[0], bridge.requests[1]);
-        }
-        ASSERT_EQ(out.text, expected);
-      }
-    }
-  }
 }
 
 }  // namespace
