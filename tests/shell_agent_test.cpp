@@ -1,93 +1,25 @@
 // Agents that can run shell commands and nothing else, on a real board: a whole day's work through
-// `qp`, waits that outlive the board, and completion in real shells.
+// `qp`, its JSON in jq, and completion in real shells.
 
-#include "base/files.h"
-#include "board/real_seats.h"
-#include "harness/paths.h"
-#include "harness/process.h"
-#include "harness/temp_dir.h"
-#include "json/value.h"
+#include "shell_agent/shell_agent.h"
+
+#include "harness/terminal.h"
+#include "tools/tool_name.h"
+#include "tools/tools.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-#include <functional>
-#include <map>
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <string>
-#include <vector>
+#include <string_view>
 
 namespace quillpost {
 namespace {
 
-using namespace std::chrono_literals;
 using board::RealBoard;
 using testing::Process;
-
-/// One agent: a seat, and bash.
-class ShellAgent {
- public:
-  explicit ShellAgent(const RealBoard& board) : environment_(board.newSeat()) {
-    environment_["HOME"] = home_.path();
-    environment_["XDG_RUNTIME_DIR"] = home_.path();
-    environment_["PATH"] = text::cat(files::parentPath(testing::commandProgram()),
-                                     ":/opt/homebrew/bin:/usr/local/bin:/usr/bin:/bin");
-  }
-
-  /// What a command prints; it must end with that status.
-  std::string run(const std::string& command, int status = 0) const {
-    Process process({"/bin/bash", {"-c", command}, environment_});
-    process.closeInput();
-    std::string printed = process.restOfOutput(board::realPatience);
-    EXPECT_EQ(process.waitForExit(board::realPatience), status) << command << "\n"
-                                                                << printed << process.errors();
-    return printed;
-  }
-
-  /// The revision up to which it has been told. A wait that is told to begin there misses no move
-  /// after it, however late the machine comes to start it and whatever others remember by then.
-  std::string revision() const {
-    std::string printed = run("qp wait --timeout 1 --json 2>/dev/null | jq -j .rev");
-    EXPECT_FALSE(printed.empty());
-    return printed;
-  }
-
-  /// A command that goes on.
-  std::unique_ptr<Process> start(const std::string& command) const {
-    return std::make_unique<Process>(
-        testing::Command{"/bin/bash", {"-c", "exec " + command}, environment_});
-  }
-
- private:
-  testing::TempDir home_;
-  std::map<std::string, std::string> environment_;
-};
-
-bool has(const std::string& text, std::string_view words) {
-  return text.find(words) != std::string::npos;
-}
-
-/// How often the words stand in the text.
-std::size_t count(const std::string& text, std::string_view words) {
-  std::size_t found = 0;
-  for (std::size_t at = text.find(words); at != std::string::npos; at = text.find(words, at + 1))
-    ++found;
-  return found;
-}
-
-/// What a wait that follows the board prints until the words have come.
-std::string readUntil(Process& follower, std::string_view words) {
-  std::string told;
-  while (!has(told, words)) {
-    const std::optional<std::string> line = follower.readLine(board::realPatience);
-    if (!line) {
-      ADD_FAILURE() << "no line with \"" << words << "\" came after: " << told << follower.errors();
-      return told;
-    }
-    told += *line + "\n";
-  }
-  return told;
-}
 
 TEST(ShellAgent, PlaysAWholeBoardFromTheFirstTaskToTheConfirmedGoal) {
   const RealBoard board;
@@ -116,90 +48,67 @@ TEST(ShellAgent, PlaysAWholeBoardFromTheFirstTaskToTheConfirmedGoal) {
   planner.run("qp leave");
 }
 
-TEST(ShellAgent, LosesNoMoveAndIsToldNoneTwiceWhileTheBoardIsKilledAndStartedAgain) {
-  RealBoard board;
-  const ShellAgent listener(board), peer(board);
-  listener.run("qp register then add 'First'");
-  peer.run("qp register");
-  const std::string since = listener.revision();
-  const std::unique_ptr<Process> follower = listener.start("qp wait --follow --since " + since);
-  const std::unique_ptr<Process> waiter = listener.start("qp wait --since " + since);
-  std::string told;
-  for (int move = 1; move <= 3; ++move) {
-    peer.run(text::cat("qp add 'Task ", move, "'"));
-    told += readUntil(*follower, text::cat("t00000", move + 1));
-    board.kill();
-    board.start();
-  }
-  EXPECT_EQ(waiter->waitForExit(board::realPatience), 0);
-  for (int move = 1; move <= 3; ++move)
-    EXPECT_EQ(count(told, text::cat("t00000", move + 1)), 1u) << told;
-}
+/// A tool, and a line that asks for it.
+struct ToolLine {
+  ToolName tool;
+  std::string_view line;
+  /// What it ends with.
+  int status = 0;
+};
 
-TEST(ShellAgent, WakesEveryWaitOfASeat) {
-  const RealBoard board;
-  const ShellAgent listener(board), peer(board);
-  listener.run("qp register then add 'First'");
-  peer.run("qp register");
-  const std::string since = listener.revision();
-  const std::unique_ptr<Process> one = listener.start("qp wait --since " + since);
-  const std::unique_ptr<Process> two = listener.start("qp wait --since " + since);
-  peer.run("qp add 'Second'");
-  EXPECT_EQ(one->waitForExit(board::realPatience), 0);
-  EXPECT_EQ(two->waitForExit(board::realPatience), 0);
-}
+// In an order in which the board can do what is asked.
+// clang-format off
+constexpr auto toolLines = std::to_array<ToolLine>({
+    {"register",              "register"},
+    {"read_plan",             "plan"},
+    {"list_agents",           "agents"},
+    {"set_goal",              "goal G"},
+    {"set_charter",           "charter C"},
+    {"add_task",              "add T"},
+    {"list_tasks",            "tasks"},
+    {"claim_task",            "claim t000001"},
+    {"update_task",           "update t000001 p"},
+    {"read_task",             "show t000001"},
+    {"comment_task",          "comment t000001 c"},
+    {"watch_task",            "watch t000001"},
+    {"unwatch_task",          "unwatch t000001"},
+    {"request_release",       "request-release t000001 r",         1},
+    {"release_task",          "release t000001"},
+    {"assign_task",           "assign t000001 nobody",             1},
+    {"open_discussion",       "discuss Q?"},
+    {"reply_discussion",      "reply d000001 r"},
+    {"resolve_discussion",    "resolve d000001 r"},
+    {"heartbeat",             "heartbeat"},
+    {"read_messages",         "messages"},
+    {"send_message",          "send nobody hello",                 1},
+    {"complete_task",         "take t000001 then done t000001 s"},
+    {"request_review",        "review t000001"},
+    {"verify_task",           "verify t000001 approve",            1},
+    {"reject_task",           "reject t000001 r",                  1},
+    {"delete_task",           "add U then delete t000002 r"},
+    {"propose_goal_complete", "propose-complete"},
+    {"request_hands",         "hands",                             1},
+    {"suggest_helper",        "suggest n c e"},
+    {"stop_helper",           "stop nobody",                       1},
+    {"wait_for_changes",      "wait --timeout 1",                  3},
+    {"unregister",            "leave"},
+});
+// clang-format on
 
-TEST(ShellAgent, TellsEveryFollowerOfASeatEachMoveAndOneOfThemEachMessage) {
-  const RealBoard board;
-  const ShellAgent listener(board), peer(board);
-  listener.run("qp register then add 'First'");
-  ASSERT_TRUE(board.person({"squad", "on", "--thread", "main"}));
-  const std::string handle = listener.run("qp agents --json 2>/dev/null | jq -j .[0].handle");
-  peer.run("qp register");
-  const std::string since = listener.revision();
-  const std::unique_ptr<Process> one = listener.start("qp wait --follow --since " + since);
-  const std::unique_ptr<Process> two = listener.start("qp wait --follow --since " + since);
-  std::string toOne, toTwo;
-  const auto moveAndAwait = [&](const std::string& title, std::string_view id) {
-    peer.run(text::cat("qp add '", title, "'"));
-    toOne += readUntil(*one, id);
-    toTwo += readUntil(*two, id);
-  };
-  moveAndAwait("Second", "t000002");  // both listen from here on
-  peer.run(text::cat("qp send ", handle, " 'the schema is on t000009'"));
-  moveAndAwait("Third", "t000003");
-  EXPECT_EQ(count(toOne, "the schema") + count(toTwo, "the schema"), 1u) << toOne << toTwo;
-  EXPECT_EQ(count(toOne, "t000003"), 1u) << toOne;
-  EXPECT_EQ(count(toTwo, "t000003"), 1u) << toTwo;
-}
-
-TEST(ShellAgent, GetsJsonThatJqReadsFromEveryVerbThatHasAny) {
+TEST(ShellAgent, GetsJsonThatJqReadsFromEveryTool) {
   const RealBoard board;
   const ShellAgent agent(board);
-  for (const std::string_view verb : {"register",
-                                      "plan",
-                                      "agents",
-                                      "goal G",
-                                      "charter C",
-                                      "add T",
-                                      "tasks",
-                                      "claim t000001",
-                                      "update t000001 p",
-                                      "show t000001",
-                                      "comment t000001 c",
-                                      "discuss Q?",
-                                      "watch t000001",
-                                      "unwatch t000001",
-                                      "heartbeat",
-                                      "messages",
-                                      "done t000001 s",
-                                      "review t000001",
-                                      "wait --timeout 1",
-                                      "leave"}) {
-    const std::string command = text::cat("set -o pipefail; qp ", verb,
-                                          " --json 2>/dev/null | jq -e 'type' >/dev/null; "
-                                          "s=$?; [ $s = 3 ] && s=0; exit $s");
-    agent.run(command);
+  for (const Tool& tool : tools) {
+    const auto* const row = std::ranges::find(toolLines, tool.name, &ToolLine::tool);
+    EXPECT_NE(row, toolLines.end()) << tool.name << " is tried with no line";
+  }
+  for (const ToolLine& row : toolLines) {
+    // What failed says so on standard error, and nothing on standard output.
+    const std::string_view read =
+        row.status == 1 ? "[ ! -s out ] && tail -1 err | jq -e '.error and .status == 1'"
+                        : "jq -e 'type' out";
+    agent.run(text::cat("cd; qp --json ", row.line, " >out 2>err; s=$?; [ $s = ", row.status,
+                        " ] || { echo status $s; cat out err; exit 1; }; ", read, " >/dev/null"));
   }
 }
 
@@ -219,10 +128,39 @@ TEST(ShellAgent, IsHelpedByItsShellToCompleteALine) {
   EXPECT_TRUE(board::isBefore(deadline)) << "the board's tasks were never offered";
   EXPECT_EQ(agent.run("fish -c 'qp completion fish | source; complete -C \"qp unw\"'"),
             "unwatch\nunwatch_task\n");
-  // The function as zsh calls it, with what it finds printed rather than shown.
-  EXPECT_EQ(agent.run("zsh -fc 'compdef() { :; }; compadd() { shift; print -l -- \"$@\"; }; "
-                      "eval \"$(qp completion zsh)\"; words=(qp unw); CURRENT=2; _qp'"),
-            "unwatch\nunwatch_task\n");
+}
+
+/// How a shell is started at a prompt, and how it loads the completion.
+struct ShellRow {
+  std::string_view name, start, load;
+};
+
+TEST(ShellAgent, CompletesALineAtThePromptOfEveryShell) {
+  constexpr ShellRow rows[] = {
+      {"bash", ":", "eval \"$(qp completion bash)\""},
+      {"zsh", "exec zsh -f", "autoload -U compinit; compinit -u -D; eval \"$(qp completion zsh)\""},
+      {"fish", "exec fish", "qp completion fish | source"}};
+  const RealBoard board;
+  for (const ShellRow& row : rows) {
+    const ShellAgent agent(board);
+    std::map<std::string, std::string> variables = agent.environment();
+    variables["TERM"] = "xterm";
+    const testing::Terminal terminal(testing::Terminal::Kind::interactive, variables);
+    const auto typeAndAwait = [&](std::string_view line, const std::string& file) {
+      terminal.type(line);
+      const Instant deadline = SteadyClock().now() + board::realPatience;
+      while (testing::readFile(agent.home().pathOf(file)).empty() && board::isBefore(deadline))
+        SteadyClock().sleepFor(std::chrono::milliseconds(10));
+      EXPECT_TRUE(board::isBefore(deadline)) << row.name << ": " << line;
+    };
+    terminal.type(row.start);
+    terminal.type(row.load);
+    typeAndAwait("echo ready >~/ready", "ready");
+    // Only one verb begins so; the shell completes it, and the line asks for its help.
+    typeAndAwait("qp unr\t--help >~/help", "help");
+    EXPECT_TRUE(testing::readFile(agent.home().pathOf("help")).starts_with("qp unregister"))
+        << row.name;
+  }
 }
 
 }  // namespace
