@@ -83,7 +83,10 @@ Entry entryNamed(const char* name, int directory) {
 
 std::optional<std::string> readSmallText(const std::string& path) {
   if (holdsZeroByte(path)) return std::nullopt;
-  const UniqueFd file = openForReading(path);
+  return readOpenSmallText(openForReading(path));
+}
+
+std::optional<std::string> readOpenSmallText(const UniqueFd& file) {
   if (!file) return std::nullopt;
   const std::optional<std::size_t> size = sizeWhenSmallAndRegular(file);
   if (!size) return std::nullopt;

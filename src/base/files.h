@@ -3,6 +3,8 @@
 // The little of the file system that the program reads. Nothing here throws or reports why
 // something could not be read: absence is the answer.
 
+#include "base/unique_fd.h"
+
 #include <cstddef>
 #include <ctime>
 #include <functional>
@@ -20,6 +22,8 @@ inline constexpr std::size_t smallFileLimit = std::size_t{1} << 20;
 /// The whole file. Nothing when it is missing, unreadable, not UTF-8 or above smallFileLimit, and
 /// when it is no regular file (a FIFO or a device is never waited for).
 std::optional<std::string> readSmallText(const std::string& path);
+/// The same of a file that is open at its beginning.
+std::optional<std::string> readOpenSmallText(const UniqueFd& file);
 
 /// One entry of a directory.
 struct Entry {

@@ -130,7 +130,13 @@ SeatMemory merged(SeatMemory kept, const Lesson& lesson) {
 }
 
 bool isSame(const SeatMemory& one, const SeatMemory& other) {
-  return encodeMemory(one) == encodeMemory(other);
+  const auto written = [](const SeatMemory& memory) {
+    const SeatState& state = memory.state;
+    return std::tie(memory.threadTag, state.lastSeenRev, state.hasCursor, state.waitSeq,
+                    state.selfFingerprint, state.selfHandle, state.lastObligations,
+                    state.lastAudience);
+  };
+  return written(one) == written(other);
 }
 
 }  // namespace quillpost

@@ -112,38 +112,58 @@ std::string SeatFile::path() const {
   return folder_ ? files::joinPath(folderPath_, name_) : std::string();
 }
 
-SeatMemory SeatFile::load() const {
+SeatMemory SeatFile::load() {
+  known_ = UniqueFd();
+  memory_ = SeatMemory();
   if (!folder_) return {};
+  constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+  UniqueFd file(::openat(folder_.get(), name_.c_str(), flags));
   struct stat status {};
-  if (::fstatat(folder_.get(), name_.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) return {};
-  if (!S_ISREG(status.st_mode) || status.st_uid != ::geteuid()) return {};
-  if ((status.st_mode & othersMayWrite) != 0) return {};
-  std::optional<std::string> text = files::readSmallText(path());
-  if (!text) return {};
-  return decodeMemory(*std::move(text)).value_or(SeatMemory());
+  if (!file || ::fstat(file.get(), &status) != 0) return {};
+  if (status.st_uid != ::geteuid() || (status.st_mode & othersMayWrite) != 0) return {};
+  std::optional<std::string> text = files::readOpenSmallText(file);
+  std::optional<SeatMemory> memory = text ? decodeMemory(*std::move(text)) : std::nullopt;
+  if (!memory) return {};
+  known_ = std::move(file);
+  memory_ = *std::move(memory);
+  return memory_;
 }
 
-bool SeatFile::learn(const Lesson& lesson, Clock& clock) const {
+bool SeatFile::isAsKnown() const {
+  struct stat known {
+  }, now{};
+  return known_ && ::fstat(known_.get(), &known) == 0 &&
+         ::fstatat(folder_.get(), name_.c_str(), &now, AT_SYMLINK_NOFOLLOW) == 0 &&
+         known.st_ino == now.st_ino && known.st_dev == now.st_dev;
+}
+
+bool SeatFile::learn(const Lesson& lesson, Clock& clock) {
   if (!folder_) return false;
   const FolderLock lock(folder_, clock);
   if (!lock.isHeld()) return false;
-  const SeatMemory kept = load();
+  const SeatMemory kept = isAsKnown() ? memory_ : load();
   const SeatMemory learnt = merged(kept, lesson);
   return isSame(kept, learnt) || write(learnt);
 }
 
-bool SeatFile::write(const SeatMemory& memory) const {
+bool SeatFile::write(const SeatMemory& memory) {
   // Always the same name, so that a command that is killed here leaves nothing that adds up.
   const std::string beside = text::cat(name_, ".new");
-  ::unlinkat(folder_.get(), beside.c_str(), 0);
   constexpr int flags = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC;
-  bool isWhole = false;
-  {
-    const UniqueFd file(::openat(folder_.get(), beside.c_str(), flags, fileMode));
-    isWhole = file && writeAll(file, encodeMemory(memory));
+  const auto make = [&] {
+    return UniqueFd(::openat(folder_.get(), beside.c_str(), flags, fileMode));
+  };
+  UniqueFd file = make();
+  if (!file && errno == EEXIST) {
+    ::unlinkat(folder_.get(), beside.c_str(), 0);
+    file = make();
   }
-  if (isWhole && ::renameat(folder_.get(), beside.c_str(), folder_.get(), name_.c_str()) == 0)
+  const bool isWhole = file && writeAll(file, encodeMemory(memory));
+  if (isWhole && ::renameat(folder_.get(), beside.c_str(), folder_.get(), name_.c_str()) == 0) {
+    known_ = std::move(file);
+    memory_ = memory;
     return true;
+  }
   ::unlinkat(folder_.get(), beside.c_str(), 0);
   return false;
 }

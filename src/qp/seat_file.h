@@ -33,21 +33,26 @@ class SeatFile {
 
   /// What is remembered; an empty memory when the file is missing, malformed, of another version,
   /// somebody else's, or not a file.
-  SeatMemory load() const;
+  SeatMemory load();
 
   /// Puts what a command has learnt to what is remembered by now, whoever else has written
   /// meanwhile. The file is replaced whole or stays as it was. Gives up when it is kept waiting by
-  /// others for half a second. False when it was not written.
-  bool learn(const Lesson& lesson, Clock& clock) const;
+  /// others for two seconds. False when it was not written.
+  bool learn(const Lesson& lesson, Clock& clock);
 
   /// Where the file is; empty when nothing is remembered.
   std::string path() const;
 
  private:
-  bool write(const SeatMemory& memory) const;
+  bool isAsKnown() const;
+  bool write(const SeatMemory& memory);
 
   UniqueFd folder_;
   std::string folderPath_, name_;
+  /// The file as it was last read or written, and what it holds. It is held open, so that while it
+  /// is there no other file has its number.
+  UniqueFd known_;
+  SeatMemory memory_;
 };
 
 }  // namespace quillpost

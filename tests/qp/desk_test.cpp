@@ -22,7 +22,7 @@ TEST_F(DeskTest, TakesUpWhatTheSeatRemembers) {
   Desk(around).call("watch_task", {});
   const Desk next(around);
   EXPECT_EQ(next.seat().state.lastSeenRev, 41);
-  EXPECT_EQ(next.file().load().threadTag, "T-1");
+  EXPECT_EQ(SeatFile(around.memory, around.sessionID).load().threadTag, "T-1");
 }
 
 TEST_F(DeskTest, WritesNothingWhenNothingWasLearnt) {

@@ -42,7 +42,7 @@ mode_t modeOf(const std::string& path) {
 struct SeatFileTest : ::testing::Test {
   SeatFile file() const { return SeatFile(places(), session); }
   MemoryPlaces places() const { return {.runtime = home.pathOf("q"), .temporary = ""}; }
-  bool learn(const SeatFile& file, int64_t before, int64_t after) {
+  bool learn(SeatFile&& file, int64_t before, int64_t after) {
     SeatMemory known = at(before);
     known.state.selfHandle.reset();
     return file.learn({.before = known, .after = at(after)}, clock);
@@ -74,13 +74,13 @@ TEST_F(SeatFileTest, TellsNothingOfTheSessionByItsNameOrItsContent) {
 
 TEST_F(SeatFileTest, IsAnotherForAnotherSession) {
   ASSERT_TRUE(learn(file(), 0, 41));
-  const SeatFile other(places(), "ses-2");
+  SeatFile other(places(), "ses-2");
   EXPECT_NE(other.path(), file().path());
   EXPECT_FALSE(other.load().state.hasCursor);
 }
 
 TEST_F(SeatFileTest, RemembersNothingWithoutASession) {
-  const SeatFile none(places(), "");
+  SeatFile none(places(), "");
   EXPECT_EQ(none.path(), "");
   EXPECT_FALSE(none.learn({.before = {}, .after = at(1)}, clock));
   EXPECT_FALSE(none.load().state.hasCursor);
@@ -131,16 +131,28 @@ TEST_F(SeatFileTest, NeverGoesBackWhoeverWritesLast) {
   EXPECT_EQ(file().load().state.lastSeenRev, 15);
 }
 
+TEST_F(SeatFileTest, AddsToWhatOthersHaveWrittenSinceItWasRead) {
+  ASSERT_TRUE(learn(file(), 0, 10));
+  SeatFile mine = file();
+  EXPECT_EQ(mine.load().state.lastSeenRev, 10);
+  ASSERT_TRUE(learn(file(), 10, 20));
+  EXPECT_TRUE(mine.learn({.before = at(10), .after = at(15)}, clock));
+  EXPECT_EQ(file().load().state.lastSeenRev, 20);
+  EXPECT_TRUE(mine.learn({.before = at(15), .after = at(30)}, clock));
+  EXPECT_TRUE(mine.learn({.before = at(30), .after = at(31)}, clock)) << "by what it wrote itself";
+  EXPECT_EQ(file().load().state.lastSeenRev, 31);
+}
+
 TEST_F(SeatFileTest, GivesUpWhenOthersHoldItForTooLong) {
-  const SeatFile mine = file();
+  ASSERT_NE(file().path(), "");
   const int holder = ::open(home.pathOf("q").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   ASSERT_GE(holder, 0);
   ASSERT_EQ(::flock(holder, LOCK_EX), 0);
-  EXPECT_FALSE(learn(mine, 0, 10));
+  EXPECT_FALSE(learn(file(), 0, 10));
   EXPECT_LE(clock.elapsed(), std::chrono::milliseconds(2'000));
   EXPECT_GE(clock.elapsed(), std::chrono::milliseconds(1'900));
   ::close(holder);
-  EXPECT_TRUE(learn(mine, 0, 10));
+  EXPECT_TRUE(learn(file(), 0, 10));
 }
 
 TEST_F(SeatFileTest, StaysAsItWasWhenItCannotBeWritten) {
