@@ -134,7 +134,8 @@ Finding variablesFinding(const Environment& environment) {
   constexpr auto names = std::to_array<const char*>(
       {"QUILLPOST_COLLAB_SOCKET", "QUILLPOST_COLLAB_TOKEN_FILE", "QUILLPOST_COLLAB_TOKEN",
        "QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS", "QUILLPOST_COLLAB_WAIT_MAX_SECONDS"});
-  std::vector<std::string_view> set, unset;
+  std::vector<std::string_view> set;
+  std::vector<std::string_view> unset;
   for (const char* name : names) (environment.get(name) ? set : unset).emplace_back(name);
   return {.what = text::cat("set: ", set.empty() ? "none" : text::join(set, ", "),
                             "; not set: ", unset.empty() ? "none" : text::join(unset, ", "))};

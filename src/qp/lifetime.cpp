@@ -97,15 +97,15 @@ bool ProcessLifetime::hasLostTerminal() const {
   return (terminal_ && isLost(terminal_.get())) || std::ranges::any_of(standardTerminals_, isLost);
 }
 
-bool ProcessLifetime::hasLostReader() const {
-  pollfd output{.fd = STDOUT_FILENO, .events = 0, .revents = 0};
-  return ::poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
+bool ProcessLifetime::isOver() {
+  wasOver_ = wasOver_ || isOrphan_ || ::getppid() != parent_ || hasLostTerminal() || isUnread() ||
+             !std::ranges::all_of(ancestors_, isAlive);
+  return wasOver_;
 }
 
-bool ProcessLifetime::isOver() {
-  wasOver_ = wasOver_ || isOrphan_ || ::getppid() != parent_ || hasLostTerminal() ||
-             hasLostReader() || !std::ranges::all_of(ancestors_, isAlive);
-  return wasOver_;
+bool ProcessLifetime::isUnread() const {
+  pollfd output{.fd = STDOUT_FILENO, .events = 0, .revents = 0};
+  return ::poll(&output, 1, 0) > 0 && (output.revents & (POLLERR | POLLHUP)) != 0;
 }
 
 }  // namespace quillpost

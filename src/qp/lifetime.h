@@ -20,6 +20,8 @@ struct Lifetime {
   /// Whether the terminal, the process that started this one, or whoever reads it has gone. Once
   /// it has, it stays so.
   virtual bool isOver() = 0;
+  /// Whether nobody can read what the process prints any more.
+  virtual bool isUnread() const = 0;
 };
 
 /// A process and when it started, which together no other process has.
@@ -50,12 +52,12 @@ class ProcessLifetime final : public Lifetime {
   /// and lets a hang-up end the process, though whoever started it had that ignored.
   void begin() override;
   bool isOver() override;
+  bool isUnread() const override;
 
  private:
   void rememberTerminals();
   void rememberAncestors();
   bool hasLostTerminal() const;
-  bool hasLostReader() const;
 
   std::string seatVariable_;
   pid_t parent_ = 0;

@@ -158,6 +158,7 @@ Status runCalls(const Calls& calls, const Surroundings& around) {
     const Call& call = calls[i];
     const ToolReply reply = replyTo(call, desk, around);
     if (reply.end == CallEnd::callerGone) {
+      if (around.lifetime.isUnread()) return Status::hungUp;
       console.errors.write("qp: whoever started this wait has gone, and it ends with them\n");
       return Status::hungUp;
     }

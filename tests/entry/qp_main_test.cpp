@@ -175,6 +175,25 @@ TEST_F(QpProgram, EndsQuietlyWhenItsReaderGoesAway) {
   EXPECT_EQ(ending.status, 0);
   EXPECT_EQ(ending.errors, "");
   EXPECT_TRUE(ending.output.starts_with("qp VERB")) << ending.output;
+  // More than a pipe holds, so that the rest is written when nobody reads any more.
+  app.otherwise([](const std::string&) {
+    return testing::reply(
+        text::cat(R"({"kind":"written","message":"One.\n)", std::string(500'000, 'x'), "\"}"));
+  });
+  const Ending large = shell("qp unwatch t1 | head -1; qp unwatch t1 --json | head -c 3");
+  EXPECT_EQ(large.output, "One.\n{\"t");
+  EXPECT_EQ(large.errors, "");
+}
+
+TEST_F(QpProgram, FollowsNoLongerThanItsReader) {
+  app.otherwise([](const std::string&) {
+    std::string news(quietFeed);
+    news.insert(news.size() - 2, R"(,"wakeReasons":[{"kind":"k","summary":"t1 is READY"}])");
+    return testing::reply(news);
+  });
+  const Ending ending = shell("qp wait --follow | head -1");
+  EXPECT_EQ(ending.output, "r7 woken: t1 is READY\n");
+  EXPECT_EQ(ending.errors, "");
 }
 
 TEST_F(QpProgram, WorksWithItsStandardDescriptorsClosed) {
@@ -208,6 +227,29 @@ TEST_F(QpProgram, GoesOnWhereNothingCanBeRemembered) {
   EXPECT_EQ(ending.status, 0) << ending.errors;
   EXPECT_TRUE(ending.output.starts_with("Taken.")) << ending.output;
   EXPECT_EQ(ending.errors, "");
+}
+
+TEST_F(QpProgram, GoesOnWhenTheDiskUnderItsMemoryIsFull) {
+  // A small file system of its own where the machine lets this user make one; elsewhere no file may
+  // grow, which fails in the same place.
+  std::filesystem::create_directories(home.pathOf("full"));
+  home.write("fill.sh",
+             "mount -t tmpfs -o size=16k none ~/full || exit 1\n"
+             "mkdir -m 700 ~/full/quillpost\n"
+             "cat /dev/zero >~/full/fill 2>~/full-errors\n"
+             "XDG_RUNTIME_DIR=~/full qp unwatch t1 then unwatch t2 || exit\n"
+             "ls ~/full/quillpost\n");
+  const Ending ending = shell(
+      "for own in 'unshare -m' 'unshare -rm'; do\n"
+      "  if $own mount -t tmpfs none ~/full 2>/dev/null; then exec $own sh ~/fill.sh; fi\n"
+      "done\n"
+      "mkdir -m 700 ~/full/quillpost; trap '' XFSZ; ulimit -f 0\n"
+      "XDG_RUNTIME_DIR=~/full qp unwatch t1 then unwatch t2 | cat; ls ~/full/quillpost");
+  EXPECT_EQ(ending.status, 0) << ending.errors;
+  EXPECT_EQ(ending.errors, "");
+  EXPECT_TRUE(ending.output.starts_with("[1/2] unwatch_task t1\nTaken.\n")) << ending.output;
+  EXPECT_TRUE(ending.output.ends_with("\n")) << ending.output;
+  EXPECT_EQ(ending.output.find("seat-"), std::string::npos) << "nothing half is left";
 }
 
 // --- With whom a wait ends

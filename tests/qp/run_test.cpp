@@ -196,6 +196,14 @@ TEST_F(WaitRun, SendsNothingMoreOnceWhoeverStartedItHasGone) {
   EXPECT_TRUE(bridge.requests.empty());
 }
 
+TEST_F(WaitRun, EndsWithoutAWordWhenItsReaderHasGone) {
+  holdForever();
+  lifetime.leavesAfter = 0;
+  lifetime.unread = true;
+  EXPECT_EQ(run({"wait"}), 129);
+  EXPECT_EQ(err.text, "");
+}
+
 TEST_F(WaitRun, SendsOneHeartbeatEveryTwentySecondsAndOnePollBetween) {
   holdForever();
   bridge.answers("poll_changes", responseFrom(feed(7, "")));
