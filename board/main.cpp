@@ -6,6 +6,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "board/person/client.h"
+#include "board/person/command_path.h"
 #include "board/person/options.h"
 #include "board/serving/listener.h"
 #include "board/serving/places.h"
@@ -20,6 +21,7 @@
 #include <filesystem>
 #include <random>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 #include <vector>
@@ -117,7 +119,7 @@ int serve(const Options& options) {
   return service.isOver() ? failure : 0;
 }
 
-int ask(const Options& options) {
+int ask(const Options& options, std::string_view program) {
   std::string why;
   const std::optional<std::string> suffix = findServed(options.directory, options.suffix, why);
   if (!suffix) return complain(why);
@@ -126,11 +128,13 @@ int ask(const Options& options) {
   const std::string message = response->message.value_or("");
   if (response->kind == TeamworkResponse::Kind::error) return complain(message);
   std::fputs(message.ends_with('\n') ? message.c_str() : (message + "\n").c_str(), stdout);
+  if (options.command == "seat")
+    std::fputs(commandPathLine(program, ProcessEnvironment()).c_str(), stdout);
   if (response->notice) complain(*response->notice);
   return 0;
 }
 
-int run(const std::vector<std::string>& arguments) {
+int run(const std::vector<std::string>& arguments, std::string_view program) {
   std::string why;
   std::optional<Options> options = readOptions(arguments, why);
   if (!options) {
@@ -150,12 +154,12 @@ int run(const std::vector<std::string>& arguments) {
   if (options->database.empty()) {
     options->database = files::joinPath(options->directory, "board.db");
   }
-  return options->command == "serve" ? serve(*options) : ask(*options);
+  return options->command == "serve" ? serve(*options) : ask(*options, program);
 }
 
 }  // namespace
 }  // namespace quillpost::board
 
 int main(int argc, char** argv) {
-  return quillpost::board::run({argv + std::min(argc, 1), argv + argc});
+  return quillpost::board::run({argv + std::min(argc, 1), argv + argc}, argc > 0 ? *argv : "");
 }

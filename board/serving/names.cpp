@@ -22,18 +22,6 @@ std::string pickAll(const Random& random, std::string_view from, int count) {
   return picked;
 }
 
-std::string quoted(std::string_view value) {
-  std::string out = "'";
-  for (const char letter : value) {
-    if (letter == '\'') {
-      out += "'\\''";
-    } else {
-      out += letter;
-    }
-  }
-  return out + "'";
-}
-
 }  // namespace
 
 std::string mintTag(const Random& random) { return "T-" + pickAll(random, tagLetters, 6); }
@@ -49,10 +37,22 @@ bool isSecret(std::string_view text) {
          text.find_first_not_of(hexDigits) == std::string_view::npos;
 }
 
+std::string quotedForShell(std::string_view value) {
+  std::string out = "'";
+  for (const char letter : value) {
+    if (letter == '\'') {
+      out += "'\\''";
+    } else {
+      out += letter;
+    }
+  }
+  return out + "'";
+}
+
 std::string environmentLines(const SeatEnvironment& seat) {
-  return text::cat("export QUILLPOST_SESSION_ID=", quoted(seat.sessionID), "\n",
-                   "export QUILLPOST_COLLAB_TOKEN_FILE=", quoted(seat.tokenPath), "\n",
-                   "export QUILLPOST_COLLAB_SOCKET=", quoted(seat.socketPath), "\n");
+  return text::cat("export QUILLPOST_SESSION_ID=", quotedForShell(seat.sessionID), "\n",
+                   "export QUILLPOST_COLLAB_TOKEN_FILE=", quotedForShell(seat.tokenPath), "\n",
+                   "export QUILLPOST_COLLAB_SOCKET=", quotedForShell(seat.socketPath), "\n");
 }
 
 }  // namespace quillpost::board

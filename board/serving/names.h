@@ -27,6 +27,9 @@ struct SeatEnvironment {
   std::string socketPath;
 };
 
+/// A word as a shell takes it, whatever stands in it.
+std::string quotedForShell(std::string_view value);
+
 /// The lines that put a seat into a shell's environment, quoted so that any path survives.
 std::string environmentLines(const SeatEnvironment& seat);
 
