@@ -5,7 +5,8 @@
 
 BUILD is the folder with the built programs. With --serve the board then runs on until Ctrl-C, for
 agents of yours. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
-this file from top to bottom: Seat is all that a harness has to do, play() is what agents do.
+this file from top to bottom: Seat is all that a harness has to do, play() is what agents do,
+first through tools and then, in playByShell(), with commands alone.
 """
 
 import contextlib
@@ -157,7 +158,7 @@ class Board:
         """A new seat: the handle that others reach it by, and the variables that make the agent of
         a terminal sit on it."""
         said = self.command("seat", *words, expect="This seat answers to")
-        lines = [line for line in said.splitlines() if line.startswith("export ")]
+        lines = [line for line in said.splitlines() if line.startswith("export QUILLPOST_")]
         variables = dict(shlex.split(line)[1].split("=", 1) for line in lines)
         return re.search(r"answers to (\w+)", said)[1], variables
 
@@ -170,12 +171,14 @@ class Board:
 class Seat:
     """An agent, as its harness sees it: a quillpost-teamwork process and lines of JSON."""
 
-    def __init__(self, cleanup, name, build, board):
+    def __init__(self, cleanup, name, build, board, runtime):
+        self.cleanup = cleanup
         self.name = name
         self.handle, variables = board.seat()
         self.program = os.path.join(build, "quillpost-teamwork")
         mine = {key: value for key, value in os.environ.items() if not key.startswith("QUILLPOST_")}
-        self.environment = {**mine, **variables}
+        path = os.pathsep.join([build, os.environ.get("PATH", os.defpath)])
+        self.environment = {**mine, "PATH": path, "XDG_RUNTIME_DIR": runtime, **variables}
         self.lastID = 0
         self.process = start(cleanup, [self.program], env=self.environment,
                              stdin=subprocess.PIPE, stdout=subprocess.PIPE)
@@ -229,6 +232,32 @@ class Seat:
     def wake(self, expect):
         """Ends the wait that listen() began."""
         return self.end(expect, self.name)
+
+    def shell(self, line, expect):
+        """One command of the agent's, and what it prints."""
+        signal.alarm(PATIENCE)
+        say(self.name, "$", line)
+        done = subprocess.run(["/bin/sh", "-c", line], env=self.environment, encoding="utf-8",
+                              stdin=subprocess.DEVNULL, capture_output=True, check=False)
+        check(done.returncode == 0, "status 0", done.stdout + done.stderr)
+        return show("", done.stdout.removesuffix("\n"), expect)
+
+    def listenByShell(self, quietFor=0):
+        """Begins a wait in the background, and sees that it holds while nothing happens. It starts
+        from what the seat's last command has seen, so that nothing is lost in between."""
+        signal.alarm(PATIENCE)
+        say(self.name, "$", "qp wait &")
+        self.waiting = start(self.cleanup, ["/bin/sh", "-c", "exec qp wait"], env=self.environment,
+                             stdin=subprocess.DEVNULL, stdout=subprocess.PIPE)
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            status = self.waiting.wait(quietFor) if quietFor else None
+            check(status is None, "a wait that holds", f"status {status} before anything happened")
+
+    def wakeByShell(self, expect):
+        """The end of the wait that listenByShell() began: a harness starts a turn with it."""
+        text, _ = self.waiting.communicate(timeout=PATIENCE)
+        check(self.waiting.returncode == 0, "status 0", f"status {self.waiting.returncode}")
+        return show(self.name, text.removesuffix("\n"), expect)
 
     def stop(self, status):
         """The agent wants to end its turn, so its harness runs the stop hook."""
@@ -304,43 +333,56 @@ def play(board, ada, bo):
     bo.call("complete_task", f"Completed {hours}", taskID=hours,
             summary="The footer says: closed on Tuesdays. Looked at it in two browsers.")
 
-    title("6. A difference of opinion",
-          "An agent that owes an answer is not let go: its stop hook ends with status 2.")
-    debate = ada.call("open_discussion", {"state": "open", "yourTurn": False}, addressTo=["Bo"],
-                      question="A loaf is sold out: hide it or grey it out? I would hide it.")["id"]
-    bo.stop(KEEP_GOING)
-    bo.listen()
-    bo.wake({"wakeReasons": ["discussionOpened"], "obligations.oweReply": [debate]})
-    bo.call("reply_discussion", {"state": "open", "yourTurn": False}, discussionID=debate,
-            text="Grey it out: people shall see that we bake it.")
-    ada.listen()
-    ada.wake({"wakeReasons": ["discussionReply"], "obligations.oweReply": [debate]})
-    ada.call("resolve_discussion", {"state": "resolved"}, discussionID=debate,
-             resolution="A sold-out loaf stays on the page, greyed out.")
-    bo.listen()
-    bo.wake({"wakeReasons": ["discussionResolved"], "obligations.clear": True})
+    return bread, page
 
-    title("7. What is done makes more READY",
+
+def playByShell(board, ada, bo, bread, page):
+    title("6. The same seats, from a shell",
+          "From here on no tool is called. Whoever runs commands has the whole board in qp, with "
+          "the same answers; a wait is a command that ends when the board moves.")
+    ada.shell("qp register Ada --role planner", {"yourHandle": ada.handle})
+    bo.shell("qp register Bo --role executor", {"yourHandle": bo.handle})
+    ada.shell("qp tasks", {"yours": [bread], "waiting": [page], "doneCount": 1})
+    bo.shell("qp tasks", {"yours": [], "waiting": [bread, page], "doneCount": 1})
+
+    title("7. A difference of opinion",
+          "An agent that owes an answer is not let go: its stop hook ends with status 2.")
+    question = "A loaf is sold out: hide it or grey it out? I would hide it."
+    debate = ada.shell(f"qp discuss '{question}' --address-to Bo",
+                       {"state": "open", "yourTurn": False})["id"]
+    bo.stop(KEEP_GOING)
+    bo.listenByShell()
+    bo.wakeByShell({"wakeReasons": ["discussionOpened"], "obligations.oweReply": [debate]})
+    bo.shell(f"qp reply {debate} 'Grey it out: people shall see that we bake it.'",
+             {"state": "open", "yourTurn": False})
+    ada.listenByShell()
+    ada.wakeByShell({"wakeReasons": ["discussionReply"], "obligations.oweReply": [debate]})
+    ada.shell(f"qp resolve {debate} 'A sold-out loaf stays on the page, greyed out.'",
+              {"state": "resolved"})
+    bo.listenByShell()
+    bo.wakeByShell({"wakeReasons": ["discussionResolved"], "obligations.clear": True})
+
+    title("8. What is done makes more READY",
           "Bo has nothing to do and listens. Ada's completion opens the task that waited for it.")
     bo.stop(NOTHING_WAITS)
-    bo.listen(quietFor=1)
-    ada.call("complete_task", f"Completed {bread}", taskID=bread,
-             summary="bread.json holds what is left, every minute. Compared with the till.")
-    bo.wake({"changed": True, "goalComplete": False})
-    bo.call("list_tasks", {"readyToClaim": [page], "doneCount": 2})
-    bo.call("claim_task", f"You hold {page}", taskID=page)
-    bo.call("complete_task", f"Completed {page}", taskID=page,
-            summary="The front page shows the bread; what is sold out is grey. Tested with both.")
+    bo.listenByShell(quietFor=1)
+    ada.shell(f"qp done {bread} 'bread.json holds what is left, every minute. Compared with the "
+              "till.'", f"Completed {bread}")
+    bo.wakeByShell({"changed": True, "goalComplete": False})
+    bo.shell("qp tasks", {"readyToClaim": [page], "doneCount": 2})
+    bo.shell(f"qp claim {page}", f"You hold {page}")
+    bo.shell("echo 'The front page shows the bread; what is sold out is grey. Tested with both.' | "
+             f"qp done {page} -", f"Completed {page}")
 
-    title("8. The goal is met, and both may go",
+    title("9. The goal is met, and both may go",
           "Agents propose, the person confirms. Then nothing keeps the agents any more.")
-    ada.call("propose_goal_complete", "Completion is proposed.")
+    ada.shell("qp propose-complete", "Completion is proposed.")
     board.command("confirm-goal", expect="The goal is complete.")
     for seat in (ada, bo):
         seat.stop(KEEP_GOING)
-        seat.listen()
-        seat.wake({"goalComplete": True, "resolved": True, "obligations.clear": True})
-        seat.call("unregister", "You have left the board.")
+        seat.listenByShell()
+        seat.wakeByShell({"goalComplete": True, "resolved": True, "obligations.clear": True})
+        seat.shell("qp leave", "You have left the board.")
         seat.stop(NOTHING_WAITS)
     board.command("show", expect="The goal is complete.")
 
@@ -372,9 +414,13 @@ def run(build, staysOpen):
                   "quillpost-board plays the app. A seat is three variables in a terminal's "
                   "environment; others know it by its handle.")
             board = Board(cleanup, build, folder)
-            ada = Seat(cleanup, "Ada", build, board)
-            bo = Seat(cleanup, "Bo", build, board)
-            play(board, ada, bo)
+            # Where the seats remember what they have seen from one command to the next.
+            runtime = tempfile.mkdtemp(prefix="quillpost.")
+            cleanup.callback(shutil.rmtree, runtime)
+            ada = Seat(cleanup, "Ada", build, board, runtime)
+            bo = Seat(cleanup, "Bo", build, board, runtime)
+            bread, page = play(board, ada, bo)
+            playByShell(board, ada, bo, bread, page)
             ada.close()
             bo.close()
             print("\n" + paint("good", "Every step came out as expected") +

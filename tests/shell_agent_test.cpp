@@ -34,6 +34,27 @@ TEST(ShellAgent, PlaysAWholeBoardFromTheFirstTaskToTheConfirmedGoal) {
   EXPECT_TRUE(has(planner.run("qp claim t000001", 1), "t000001"));
   EXPECT_TRUE(has(planner.run("qp guard src/leases/a.cpp", 1), "holds t000001"));
   worker.run("qp guard src/leases/a.cpp");
+
+  // A question that only the person can answer.
+  worker.run(
+      "qp update t000001 --blocked --blocker-kind decision --blocker-question 'Which form?' "
+      "--blocker-options Text,JSON");
+  const std::unique_ptr<Process> asking = worker.start("qp wait");
+  ASSERT_TRUE(board.person({"answer", "t000001", "2", "--thread", "main"}));
+  EXPECT_EQ(asking->waitForExit(board::realPatience), 0);
+  EXPECT_TRUE(has(asking->restOfOutput(), "JSON"));
+
+  // A difference of opinion, which keeps the one who owes an answer from stopping.
+  const std::string hook = "quillpost-teamwork --wake-stop-hook </dev/null 2>&1";
+  const std::string debate = planner.run(
+      "qp discuss 'One file or two?' --address-to Worker --json 2>/dev/null | jq -j .id");
+  worker.run(hook, 2);
+  EXPECT_TRUE(has(worker.run("qp wait"), "discussionOpened"));
+  worker.run(text::cat("qp reply ", debate, " 'One.'"));
+  EXPECT_TRUE(has(planner.run("qp wait"), "discussionReply"));
+  planner.run(text::cat("qp resolve ", debate, " 'One file.'"));
+  EXPECT_TRUE(has(worker.run("qp wait"), "discussionResolved"));
+
   worker.run("qp update t000001 'branch leases; `parser` done, $tests next'");
   worker.run("printf 'Parsed: all\\ntests pass.\\n' | qp done t000001 -");
   EXPECT_EQ(planner.run("qp tasks --json | jq -r '.readyToClaim[].id'"), "t000002\n");
@@ -46,6 +67,18 @@ TEST(ShellAgent, PlaysAWholeBoardFromTheFirstTaskToTheConfirmedGoal) {
   EXPECT_TRUE(has(worker.run("qp wait"), "\"goalComplete\":true"));
   worker.run("qp leave");
   planner.run("qp leave");
+}
+
+TEST(ShellAgent, FindsTheCommandByTheLinesOfItsSeat) {
+  const RealBoard board;
+  Process shell(
+      {"/bin/bash",
+       {"-c",
+        text::cat("eval \"$('", testing::boardProgram(), "' --dir '", board.directory().path(),
+                  "' seat --thread main)\"; command -v qp; ", "qp register >/dev/null")},
+       {{"PATH", "/usr/bin:/bin"}, {"XDG_RUNTIME_DIR", board.directory().path()}}});
+  EXPECT_TRUE(has(shell.restOfOutput(), "/qp\n"));
+  EXPECT_EQ(shell.waitForExit(board::realPatience), 0) << shell.errors();
 }
 
 /// A tool, and a line that asks for it.

@@ -131,6 +131,26 @@ TEST(ShellWait, LosesNoMoveWhileTheBoardIsReplacedByOneAtAnotherSocket) {
   listening.expectEachToldOnce();
 }
 
+TEST(ShellWait, LeavesTheStopHookNothingToSayButWhatIsOwed) {
+  const RealBoard board;
+  const ShellAgent listener(board), peer(board);
+  ASSERT_TRUE(board.person({"squad", "on", "--thread", "main"}));
+  const std::string hook = "quillpost-teamwork --wake-stop-hook </dev/null 2>&1";
+  Listening listening(listener, peer);
+  listening.move();
+  const std::string handle =
+      listener.run("qp agents --json 2>/dev/null | jq -j '.[] | select(.isSelf) | .handle'");
+  peer.run(text::cat("qp send ", handle, " 'the schema is there'"));
+  readUntil(*listening.follower, "the schema is there");
+  listener.run(hook, 0);
+  const std::string debate = peer.run(
+      text::cat("qp discuss 'Grey or hidden?' --address-to ", handle, " --json | jq -j .id"));
+  readUntil(*listening.follower, "woken:");
+  listener.run(hook, 2);
+  listener.run(text::cat("qp reply ", debate, " 'Grey.'"));
+  listener.run(hook, 0);
+}
+
 TEST(ShellWait, WakesEveryWaitOfASeat) {
   const RealBoard board;
   const ShellAgent listener(board), peer(board);
