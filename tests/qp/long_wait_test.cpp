@@ -1,6 +1,7 @@
 // A wait that lasts a day, on a clock that has it pass in a moment.
 
 #include "harness/json_object.h"
+#include "harness/sanitized.h"
 #include "harness/temp_dir.h"
 #include "qp/run.h"
 
@@ -17,15 +18,7 @@
 #include <sys/resource.h>
 #include <unistd.h>
 
-// A sanitizer has an allocator of its own, which keeps what was freed, and tells what was not.
-#if defined(__SANITIZE_ADDRESS__)
-#define QUILLPOST_OWN_ALLOCATOR
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define QUILLPOST_OWN_ALLOCATOR
-#endif
-#endif
-#if defined(QUILLPOST_OWN_ALLOCATOR)
+#if QUILLPOST_SANITIZED
 #include <sanitizer/allocator_interface.h>
 #endif
 
@@ -37,7 +30,7 @@ using namespace std::chrono_literals;
 /// How many bytes of memory this process occupies; where the system does not tell, the most that it
 /// ever has.
 std::size_t residentBytes() {
-#if defined(QUILLPOST_OWN_ALLOCATOR)
+#if QUILLPOST_SANITIZED
   return __sanitizer_get_current_allocated_bytes();
 #endif
   std::ifstream file("/proc/self/statm");
