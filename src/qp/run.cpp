@@ -1,5 +1,6 @@
 #include "qp/run.h"
 
+#include "base/nearest.h"
 #include "base/text.h"
 #include "base/unicode.h"
 #include "base/version.h"
@@ -10,7 +11,6 @@
 #include "qp/guard.h"
 #include "qp/help.h"
 #include "qp/manual.h"
-#include "qp/nearest.h"
 #include "qp/options.h"
 #include "qp/show.h"
 #include "qp/terminal_text.h"

@@ -1,8 +1,8 @@
 #include "qp/verb_reader.h"
 
+#include "base/nearest.h"
 #include "base/text.h"
 #include "base/unicode.h"
-#include "qp/nearest.h"
 
 #include <algorithm>
 #include <utility>

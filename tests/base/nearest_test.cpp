@@ -1,4 +1,4 @@
-#include "qp/nearest.h"
+#include "base/nearest.h"
 
 #include <gtest/gtest.h>
 
