@@ -6,6 +6,7 @@
 #include "base/unique_fd.h"
 #include "board/serving/publication.h"
 #include "bridge/unix_socket.h"
+#include "json/decoder.h"
 #include "model/coding.h"
 
 #include <array>
@@ -47,8 +48,8 @@ std::string readToEnd(const UniqueFd& socket) {
 
 }  // namespace
 
-std::optional<std::string> findServed(const std::string& directory,
-                                      const std::optional<std::string>& suffix, std::string& why) {
+std::optional<std::string> findServed(const std::string& directory, const std::string& suffix,
+                                      std::string& why) {
   std::vector<std::string> served;
   const auto isSocket = [](std::string_view name) {
     return name.size() >= prefix.size() + extension.size() && name.starts_with(prefix) &&
@@ -58,12 +59,13 @@ std::optional<std::string> findServed(const std::string& directory,
     const std::string_view name = entry.name;
     const std::string found(
         name.substr(prefix.size(), name.size() - prefix.size() - extension.size()));
-    if (suffix && found != *suffix) continue;
+    if (!suffix.empty() && found != suffix) continue;
     if (isServed(filesIn(directory, found).socket)) served.push_back(found);
   }
   if (served.size() == 1) return served.front();
   if (served.empty()) {
-    why = text::cat("no board is served in ", directory, ": start one with quillpost-board");
+    why =
+        text::cat("no board is served in ", directory, ": start one with `quillpost-board serve`");
   } else {
     why = text::cat("several boards are served in ", directory, " (", text::join(served, ", "),
                     "): say which with --suffix");
@@ -89,6 +91,36 @@ std::optional<TeamworkResponse> askBoard(const std::string& directory, const std
   std::optional<TeamworkResponse> response = decodeResponse(readToEnd(socket));
   if (!response) why = text::cat("the board at ", files.socket, " did not answer");
   return response;
+}
+
+std::optional<TeamworkResponse> askServed(const Line& line, const TeamworkRequest& request,
+                                          std::string& why) {
+  const std::optional<std::string> suffix = findServed(line.directory, line.suffix, why);
+  if (!suffix) return std::nullopt;
+  std::optional<TeamworkResponse> response = askBoard(line.directory, *suffix, request, why);
+  if (response && response->kind == TeamworkResponse::Kind::error) {
+    why = response->message.value_or("the board refuses, and does not say why");
+    response.reset();
+  }
+  return response;
+}
+
+std::optional<Sheet> askForSheet(const Line& line, const TeamworkRequest& request,
+                                 std::string& why) {
+  std::optional<TeamworkResponse> response = askServed(line, request, why);
+  if (!response) return std::nullopt;
+  std::optional<Sheet> sheet = json::decode<Sheet>(std::move(response->message).value_or(""));
+  if (!sheet) why = "the board is of another version than this command";
+  return sheet;
+}
+
+TeamworkRequest viewOf(const Line& line) {
+  TeamworkRequest request = line.request;
+  if (line.all) request.status = "all";
+  if (line.openOnly) request.status = "open";
+  if (line.mineOnly) request.status = "mine";
+  if (line.sinceMs > 0) request.holdMs = line.sinceMs;
+  return request;
 }
 
 }  // namespace quillpost::board

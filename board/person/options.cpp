@@ -1,140 +1,255 @@
 #include "board/person/options.h"
 
+#include "base/nearest.h"
 #include "base/text.h"
-#include "board/verbs/person.h"
 
 #include <algorithm>
 #include <limits>
-#include <vector>
+#include <utility>
 
 namespace quillpost::board {
 
 namespace {
 
-constexpr std::string_view usageText =
-    R"(quillpost-board: a board for agents that plays the app's part on any machine.
+/// The longest time that can be asked for: any longer one is a slip of the finger.
+constexpr int64_t longestMs = int64_t{std::numeric_limits<int32_t>::max()} * 1000;
 
-  quillpost-board [serve]            serve the board until it is interrupted
-  quillpost-board seat               print the environment lines of a new terminal's seat
-  quillpost-board show               show the board as a table
-  quillpost-board answer TASK TEXT   answer a task's question (an option by its number),
-                                        comment on a task, or speak in a discussion
-  quillpost-board confirm-goal       confirm that the goal is complete
-  quillpost-board reopen-goal        take a proposal or a confirmation back
-  quillpost-board say HANDLE TEXT    say something to an agent
-  quillpost-board squad on|off       let agents address each other, or not
-  quillpost-board restore TASK       put a deleted task back
+/// "; did you mean X?", or nothing when no word is near.
+std::string guess(std::string_view written, const std::vector<std::string_view>& words) {
+  const std::string_view nearest = nearestWord(written, words);
+  return nearest.empty() ? std::string() : text::cat("; did you mean ", nearest, "?");
+}
 
-  --dir DIR        where the socket is published and looked for
-                   (default: Quillpost-board in the application-support directory)
-  --suffix NAME    which board of that directory (serving: dev)
-  --thread NAME    which thread of that board (default: the first; seat makes a missing one)
-  --db FILE        where the board is kept (default: board.db in DIR; ":memory:" keeps nothing)
-  --lease SECONDS  how long a claim is held without a sign of life (default: 900)
-  --help           print this
-  --               what follows is no option, whatever it begins with
-)";
+template <class... Cases>
+struct Overloaded : Cases... {
+  using Cases::operator()...;
+};
 
-/// A command of the person's: its method, and what the words after it are.
-struct Command {
-  std::string_view name;
-  std::string_view method;
-  std::string_view words;
+/// Puts a value where its option wants it; false when it makes no sense there.
+bool put(const Option& option, const std::string& value, Line& line) {
+  TeamworkRequest& request = line.request;
+  return std::visit(Overloaded{[&](bool Line::*flag) { return line.*flag = true; },
+                               [&](std::string Line::*text) {
+                                 line.*text = value;
+                                 return !value.empty();
+                               },
+                               [&](Span span) {
+                                 const std::optional<int64_t> lengthMs = spanFrom(value);
+                                 line.*span.member = lengthMs.value_or(0);
+                                 return lengthMs.has_value();
+                               },
+                               [&](std::optional<std::string> TeamworkRequest::*text) {
+                                 request.*text = value;
+                                 return true;
+                               },
+                               [&](std::optional<int64_t> TeamworkRequest::*number) {
+                                 request.*number = text::parseInteger(value);
+                                 return (request.*number).has_value();
+                               },
+                               [&](std::optional<bool> TeamworkRequest::*flag) {
+                                 request.*flag = true;
+                                 return true;
+                               },
+                               [&](std::optional<std::vector<std::string>> TeamworkRequest::*list) {
+                                 std::vector<std::string>& entries =
+                                     request.*list ? *(request.*list) : (request.*list).emplace();
+                                 for (const std::string_view entry : text::split(value, ','))
+                                   if (!entry.empty()) entries.emplace_back(entry);
+                                 return true;
+                               }},
+                    option.target);
+}
+
+/// Where the words after a command go, by what they are called.
+struct Place {
+  std::string_view word;
+  std::variant<std::string Line::*, std::optional<std::string> TeamworkRequest::*> target;
 };
 
 // clang-format off
-constexpr Command commands[] = {
-    {"serve",        "",                 ""},
-    {"help",         "",                 ""},
-    {"seat",         personSeat,         ""},
-    {"show",         personShow,         ""},
-    {"answer",       personAnswer,       "TASK TEXT"},
-    {"confirm-goal", personConfirmGoal,  ""},
-    {"reopen-goal",  personReopenGoal,   ""},
-    {"say",          personSay,          "HANDLE TEXT"},
-    {"squad",        personSquad,        "on|off"},
-    {"restore",      personRestore,      "TASK"},
+constexpr Place places[] = {
+    {"TASK",       &TeamworkRequest::taskID},
+    {"WHAT",       &TeamworkRequest::taskID},
+    {"DISCUSSION", &TeamworkRequest::taskID},
+    {"HANDLE",     &TeamworkRequest::to},
+    {"HANDLE|all", &TeamworkRequest::to},
+    {"on|off",     &TeamworkRequest::status},
+    {"TEXT",       &TeamworkRequest::body},
+    {"OUTCOME",    &TeamworkRequest::body},
+    {"TITLE",      &TeamworkRequest::title},
+    {"REASON",     &TeamworkRequest::releaseReason},
+    {"NAME",       &Line::thread},
+    {"FILE",       &Line::file},
+    {"COMMAND",    &Line::file},
 };
 // clang-format on
 
-std::size_t wordsWanted(const Command& command) {
-  return command.words.empty() ? 0 : text::split(command.words, ' ').size();
-}
-
-/// Fills in what the words after a command mean; false when they make no sense.
-bool takeWords(const Command& command, const std::vector<std::string>& words,
-               TeamworkRequest& request) {
-  request.method = command.method;
-  if (command.method == personAnswer || command.method == personRestore) request.taskID = words[0];
-  if (command.method == personSay) request.to = words[0];
-  if (words.size() > 1) request.body = words[1];
-  if (command.method != personSquad) return true;
-  request.approve = words[0] == "on";
-  return words[0] == "on" || words[0] == "off";
-}
-
-bool takeOption(const std::string& name, const std::string& value, Options& options) {
-  if (name == "--dir") {
-    options.directory = value;
-  } else if (name == "--db") {
-    options.database = value;
-  } else if (name == "--suffix") {
-    options.suffix = value;
-  } else if (name == "--thread") {
-    options.request.name = value;
-  } else if (name == "--lease") {
-    constexpr int64_t longest = std::numeric_limits<int32_t>::max();
-    const std::optional<int64_t> seconds = text::parseInteger(value);
-    if (!seconds || *seconds < 1 || *seconds > longest) return false;
-    options.leaseMs = *seconds * 1000;
+void putWord(std::string_view place, const std::string& value, Line& line) {
+  const Place* const found = std::ranges::find(places, place, &Place::word);
+  if (found == std::end(places)) return;
+  if (const auto* const ofLine = std::get_if<std::string Line::*>(&found->target)) {
+    line.** ofLine = value;
   } else {
-    return false;
+    line.request.*std::get<1>(found->target) = value;
   }
-  return !value.empty();
+}
+
+/// Gives the words to the places of the command; false when there are too many or too few.
+bool placeWords(const Command& command, std::vector<std::string> words, Line& line) {
+  if (!command.words.empty()) {
+    for (std::string_view place : text::split(command.words, ' ')) {
+      const bool isOptional = place.starts_with('[');
+      if (isOptional) place = place.substr(1, place.size() - 2);
+      const bool takesAll = place.ends_with("...");
+      if (takesAll) place.remove_suffix(3);
+      if (words.empty() && isOptional) continue;
+      if (words.empty()) return false;
+      if (takesAll) {
+        putWord(place, text::join(words, " "), line);
+        line.words = std::exchange(words, {});
+      } else {
+        putWord(place, words.front(), line);
+        line.words.push_back(words.front());
+        words.erase(words.begin());
+      }
+    }
+  }
+  if (command.words == "on|off") {
+    line.request.approve = line.request.status == "on";
+    return words.empty() && (line.request.approve.value() || line.request.status == "off");
+  }
+  return words.empty();
+}
+
+/// Everything that was written, before it is known what it means.
+struct Parts {
+  std::vector<std::string> words;
+  std::vector<std::pair<const Option*, std::string>> options;
+  bool wantsHelp = false;
+};
+
+/// Whether the next word begins what is only handed on: the command that a command runs.
+bool endsOptions(const std::vector<std::string>& words) {
+  const Command* const command = words.size() > 1 ? commandNamed(words.front()) : nullptr;
+  return command != nullptr && command->words == "COMMAND...";
+}
+
+const Option* optionNamed(std::string_view name) {
+  const Option* const found = std::ranges::find(options(), name, &Option::name).base();
+  return found == options().data() + options().size() ? nullptr : found;
+}
+
+bool readParts(std::span<const std::string> arguments, Parts& parts, Misuse& misuse) {
+  for (std::size_t i = 0; i < arguments.size(); ++i) {
+    const std::string& argument = arguments[i];
+    const bool isHandedOn = endsOptions(parts.words);
+    if (argument == "--" || isHandedOn) {
+      const std::size_t first = isHandedOn ? i : i + 1;
+      parts.words.insert(parts.words.end(), arguments.begin() + static_cast<std::ptrdiff_t>(first),
+                         arguments.end());
+      return true;
+    }
+    if (argument == "--help" || argument == "-h") {
+      parts.wantsHelp = true;
+      continue;
+    }
+    if (!argument.starts_with("--")) {
+      parts.words.push_back(argument);
+      continue;
+    }
+    const std::size_t equals = std::min(argument.find('='), argument.size());
+    const Option* const option = optionNamed(std::string_view(argument).substr(0, equals));
+    if (option == nullptr) {
+      std::vector<std::string_view> names;
+      for (const Option& row : options()) names.push_back(row.name);
+      misuse.why = text::cat("there is no option ", argument, guess(argument, names),
+                             " (write -- before a text that begins so)");
+      return false;
+    }
+    if (option->value.empty() != (equals < argument.size())) {
+      parts.options.emplace_back(option, argument.substr(std::min(equals + 1, argument.size())));
+    } else if (option->value.empty()) {
+      misuse.why = text::cat(option->name, " takes no value");
+      return false;
+    } else if (i + 1 < arguments.size()) {
+      parts.options.emplace_back(option, arguments[++i]);
+    } else {
+      misuse.why = text::cat(argument, " wants a value: ", option->gist);
+      return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace
 
-std::string_view usage() { return usageText; }
+std::optional<int64_t> spanFrom(std::string_view written) {
+  constexpr std::pair<char, int64_t> units[] = {
+      {'s', 1000}, {'m', 60'000}, {'h', 3'600'000}, {'d', 86'400'000}};
+  int64_t unitMs = 1000;
+  for (const auto& [letter, lengthMs] : units) {
+    if (!written.ends_with(letter)) continue;
+    unitMs = lengthMs;
+    written.remove_suffix(1);
+    break;
+  }
+  const std::optional<int64_t> number = text::parseInteger(written);
+  if (!number || *number < 1 || *number > longestMs / unitMs) return std::nullopt;
+  return *number * unitMs;
+}
 
-std::optional<Options> readOptions(std::span<const std::string> arguments, std::string& why) {
-  Options options;
-  std::vector<std::string> words;
-  for (std::size_t i = 0; i < arguments.size(); ++i) {
-    const std::string& argument = arguments[i];
-    if (argument == "--help" || argument == "-h") {
-      options.command = "help";
-      return options;
-    }
-    if (argument == "--") {
-      words.insert(words.end(), arguments.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                   arguments.end());
-      break;
-    }
-    if (!argument.starts_with("--")) {
-      words.push_back(argument);
-      continue;
-    }
-    if (i + 1 == arguments.size() || !takeOption(argument, arguments[i + 1], options)) {
-      why = text::cat("cannot make sense of ", argument);
+std::optional<Line> readLine(std::span<const std::string> arguments, Misuse& misuse) {
+  Parts parts;
+  const bool isRead = readParts(arguments, parts, misuse);
+  const std::string name = parts.words.empty() ? "serve" : parts.words.front();
+  misuse.command = commandNamed(name);
+  if (!isRead) return std::nullopt;
+  Line line;
+  if (parts.wantsHelp) {
+    line.command = commandNamed("help");
+    if (!parts.words.empty()) line.words = {name};
+    return line;
+  }
+  if (misuse.command == nullptr) {
+    std::vector<std::string_view> names;
+    for (const Command& row : commands()) names.push_back(row.name);
+    misuse.why = text::cat("there is no command ", name, guess(name, names));
+    return std::nullopt;
+  }
+  const Command& command = *misuse.command;
+  line.command = &command;
+  line.request.method = command.method;
+  for (const auto& [option, value] : parts.options) {
+    if (!takes(command, *option)) {
+      misuse.why = text::cat(command.name, " takes no ", option->name);
       return std::nullopt;
     }
-    ++i;
+    if (!put(*option, value, line)) {
+      misuse.why =
+          text::cat("\"", value, "\" makes no sense for ", option->name, ": ", option->gist);
+      return std::nullopt;
+    }
   }
-  if (words.empty()) return options;
-  options.command = words.front();
-  words.erase(words.begin());
-  const Command* command = std::ranges::find(commands, options.command, &Command::name);
-  if (command == std::end(commands)) {
-    why = text::cat("there is no command ", options.command);
+  if (!parts.words.empty()) parts.words.erase(parts.words.begin());
+  if (!placeWords(command, std::move(parts.words), line)) {
+    misuse.why = command.words.empty() ? text::cat(command.name, " takes no words")
+                                       : text::cat(command.name, " takes: ", command.words);
     return std::nullopt;
   }
-  const bool fits = words.size() == wordsWanted(*command);
-  if (!fits || (!command->method.empty() && !takeWords(*command, words, options.request))) {
-    why = text::cat("write: ", command->name, command->words.empty() ? "" : " ", command->words);
-    return std::nullopt;
+  if (!line.thread.empty()) line.request.name = line.thread;
+  return line;
+}
+
+bool fillFromInput(Line& line, const std::function<std::string()>& read) {
+  TeamworkRequest& request = line.request;
+  int count = 0;
+  for (std::optional<std::string>* text : {&request.body, &request.title, &request.releaseReason}) {
+    if (*text != "-") continue;
+    if (++count > 1) return false;
+    *text = read();
+    if ((*text)->ends_with('\n')) (*text)->pop_back();
   }
-  return options;
+  return true;
 }
 
 }  // namespace quillpost::board

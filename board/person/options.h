@@ -2,10 +2,10 @@
 
 // The command line of quillpost-board.
 
-#include "board/rules/leases.h"
-#include "model/request.h"
+#include "board/person/commands.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -13,26 +13,24 @@
 
 namespace quillpost::board {
 
-/// What `--help` prints.
-std::string_view usage();
-
-/// What was asked for.
-struct Options {
-  /// "serve", "help", or a command of the person's.
-  std::string command = "serve";
-  /// The scan directory; empty for the default.
-  std::string directory;
-  /// The file of boards; empty for the default.
-  std::string database;
-  /// Which board of the directory; when serving, "board" if it is not given.
-  std::optional<std::string> suffix;
-  int64_t leaseMs = defaultLeaseMs;
-  /// For a command of the person's: what it asks of the board.
-  TeamworkRequest request;
+/// Why a command line makes no sense.
+struct Misuse {
+  std::string why;
+  /// The command that was meant; null when that cannot be told.
+  const Command* command = nullptr;
 };
 
 /// Reads the arguments, the program's name not among them. Nothing when they make no sense: then
-/// `why` says so in words.
-std::optional<Options> readOptions(std::span<const std::string> arguments, std::string& why);
+/// `misuse` says why. Help that is asked for with an option is the command `help` with the other's
+/// name for a word.
+std::optional<Line> readLine(std::span<const std::string> arguments, Misuse& misuse);
+
+/// A length of time in milliseconds: a number of seconds, or of another unit that stands behind it.
+/// Nothing when it is none or not positive.
+std::optional<int64_t> spanFrom(std::string_view written);
+
+/// Puts what `read` gives, which is called at most once, in place of each text that is "-", without
+/// the line feed at its end. False when there are several.
+bool fillFromInput(Line& line, const std::function<std::string()>& read);
 
 }  // namespace quillpost::board

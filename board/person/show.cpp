@@ -1,3 +1,5 @@
+#include "board/person/show.h"
+
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/rules/ask.h"
@@ -6,148 +8,309 @@
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
-#include "board/verbs/person.h"
 
 #include <algorithm>
-#include <string>
+#include <array>
 #include <utility>
-#include <vector>
 
 namespace quillpost::board {
 
 namespace {
 
-/// The widest that a column is, in characters; what is longer is shortened.
-constexpr std::size_t widestColumn = 48;
+/// How much of a title or a line is carried for a list, in characters: more than fits on one line
+/// of any terminal.
+constexpr std::size_t listedLength = 240;
 
-using Cells = std::vector<std::string>;
+/// How much of an agent's name stands beside its handle, in characters.
+constexpr std::size_t shownName = 12;
 
-/// The rows in columns, two blanks between them, the last column as wide as it is.
-std::string inColumns(const std::vector<Cells>& rows) {
-  std::vector<std::size_t> widths;
-  for (const Cells& row : rows) {
-    widths.resize(std::max(widths.size(), row.size()));
-    for (std::size_t i = 0; i < row.size(); ++i)
-      widths[i] = std::max(widths[i], unicode::countCharacters(row[i]));
+/// A word behind every other of an index, so that all are found.
+constexpr std::string_view behindAll = "\xff";
+
+/// When something last happened on a task; 0 when nothing has.
+int64_t lastMoveMs(const Board& board, const Task& task) {
+  const LogLine* line = lastLine(board, task);
+  return std::max(task.claimedAtMs, line != nullptr ? line->atMs : 0);
+}
+
+/// When the latest change of that kind on a task was, of those that are in memory; else when
+/// something last happened on it.
+int64_t momentOf(const Board& board, const Task& task, MoveKind kind) {
+  for (auto at = board.changes.end(); at != board.changes.begin();) {
+    const Change& change = (--at)->second;
+    if (change.kind == kind && change.taskID == task.id) return change.atMs;
   }
-  std::string out;
-  for (const Cells& row : rows) {
-    std::string line;
-    for (std::size_t i = 0; i < row.size(); ++i) {
-      line += text::cat("  ", row[i]);
-      line.append(widths[i] - unicode::countCharacters(row[i]), ' ');
-    }
-    line.erase(line.find_last_not_of(' ') + 1);
-    out += line + "\n";
+  return lastMoveMs(board, task);
+}
+
+/// The last line of the log that is neither a summary nor a hand-off; null when there is none.
+const LogLine* lastWords(const Board& board, const Task& task) {
+  for (int64_t number = task.lastLine; number > 0; --number) {
+    const LogLine* line = board.lines.find(lineID(task.id, number));
+    if (line == nullptr) return nullptr;
+    if (line->kind == LogKind::comment || line->kind == LogKind::progress) return line;
   }
-  return out;
-}
-
-std::string section(std::string_view title, const std::vector<Cells>& rows) {
-  if (rows.empty()) return {};
-  return text::cat("\n", title, "\n", inColumns(rows));
-}
-
-std::string stateOf(const Board& board, const Task& task) {
-  if (task.blocked) return "BLOCKED";
-  if (task.state == TaskState::open) return isReady(board, task) ? "READY" : "waiting";
-  return std::string(json::wordFor(task.state));
-}
-
-/// What the person is asked, the options numbered as `answer` takes them.
-std::string questionOf(const Task& task) {
-  const Ask ask = splitAsk(task.blockerQuestion);
-  std::string question = text::cat("asks: ", ask.question);
-  if (!ask.payload) return question;
-  if (ask.payload->s) question += text::cat(" [secret ", *ask.payload->s, "]");
-  if (ask.payload->a) question += text::cat(" [look at ", *ask.payload->a, "]");
-  int64_t number = 0;
-  for (const std::string& option : ask.payload->o.value_or(std::vector<std::string>{}))
-    question += text::cat(" (", ++number, ") ", option);
-  return question;
-}
-
-/// The last line of the log that is no hand-off note; empty when there is none.
-std::string latestOf(const Board& board, const Task& task) {
-  std::string latest;
-  for (const LogLine* line : linesOf(board, task.id))
-    if (line->kind != LogKind::handOff) latest = line->text;
-  return latest;
+  return nullptr;
 }
 
 std::string remarkOn(const Board& board, const Task& task) {
-  if (task.blocked) return questionOf(task);
   if (task.state == TaskState::open && !isReady(board, task)) {
     return text::cat("after ", text::join(task.waitsOn, ", "));
   }
-  return cutWithMark(latestOf(board, task), widestColumn);
-}
-
-std::vector<Cells> taskRows(const Board& board) {
-  std::vector<Cells> rows;
-  for (const auto& [id, task] : board.tasks) {
-    rows.push_back({id, stateOf(board, task), task.owner.empty() ? "-" : calling(board, task.owner),
-                    cutWithMark(task.title, widestColumn), remarkOn(board, task)});
+  if (task.state == TaskState::open && !task.routedTo.empty()) {
+    return text::cat("meant for ", task.routedTo);
   }
-  return rows;
+  if (!task.parkedReason.empty()) return text::cat("parked: ", task.parkedReason);
+  if (!isOpen(task)) return {};
+  const LogLine* line = lastWords(board, task);
+  return line == nullptr ? std::string() : cut(oneLine(line->text), listedLength);
 }
 
-std::vector<Cells> agentRows(const Board& board, Moment at) {
-  std::vector<Cells> rows;
+/// One thing that needs the person.
+struct Need {
+  std::string id;
+  std::string_view kind;
+  std::string from;
+  int64_t sinceMs = 0;
+  std::string title;
+  std::vector<std::string> question;
+  std::string command;
+};
+
+std::vector<std::string> justWords(std::string words) { return {std::move(words), "", "", "", ""}; }
+
+void addQuestions(const Board& board, std::vector<Need>& needs) {
+  for (const Task* task : board.tasks.upTo(byBlocker, behindAll)) {
+    std::vector<std::string> question = questionCells(*task);
+    const std::string_view how = question[1].empty() ? "TEXT" : "NUMBER";
+    needs.push_back({task->id, "question", calledBy(board, task->blockedBy),
+                     momentOf(board, *task, MoveKind::taskBlocked), task->title,
+                     std::move(question), text::cat("answer ", task->id, " ", how)});
+  }
+}
+
+void addTags(const Board& board, std::vector<Need>& needs) {
+  for (const Task* task : board.tasks.with({byMention, human})) {
+    const LogLine* line = lastWords(board, *task);
+    if (task->blocked || line == nullptr) continue;
+    needs.push_back({task->id, "tag", line->name, line->atMs, task->title, justWords(line->text),
+                     text::cat("comment ", task->id, " TEXT")});
+  }
+}
+
+void addDebates(const Board& board, std::vector<Need>& needs) {
+  for (const TeamworkDiscussion* debate : board.discussions.upTo(openByTask, behindAll)) {
+    if (!owes(*debate, human)) continue;
+    const bool hasVolleys = !debate->volleys.empty();
+    needs.push_back(
+        {debate->id, debate->escalated ? "escalated" : "discussion",
+         calledBy(board, debate->openedBy), hasVolleys ? debate->volleys.back().atMs : 0, "",
+         justWords(debate->question),
+         text::cat("show ", debate->id, "; quillpost-board reply ", debate->id, " TEXT")});
+  }
+}
+
+std::vector<Need> needsOf(const Board& board) {
+  std::vector<Need> needs;
+  const Thread& thread = board.thread();
+  addQuestions(board, needs);
+  if (!thread.goalProposedBy.empty() && !thread.goalComplete) {
+    needs.push_back({"goal", "proposal", calledBy(board, thread.goalProposedBy), 0, "",
+                     justWords("The goal is complete?"),
+                     "confirm-goal, or quillpost-board reopen-goal"});
+  }
+  addDebates(board, needs);
+  addTags(board, needs);
+  return needs;
+}
+
+Section needSection() {
+  return {"needs",
+          {"id", "thread", "kind", "from", "since", "title", "question", "options", "consequence",
+           "artifact", "secret", "do"},
+          {}};
+}
+
+/// Adds what a Thread needs of the person; its name when there are others.
+void addNeeds(Section& section, const Board& board, std::string_view thread) {
+  for (const Need& need : needsOf(board)) {
+    const std::string_view option = thread.empty() ? "" : " --thread ";
+    section.add(need.id, thread, need.kind, need.from,
+                need.sinceMs > 0 ? text::cat(need.sinceMs) : std::string(),
+                cut(need.title, listedLength), need.question[0], need.question[1], need.question[2],
+                need.question[3], need.question[4],
+                text::cat("quillpost-board ", need.command, option, thread));
+  }
+}
+
+Section threadSection(const Board& board) {
+  Section section{
+      "thread",
+      {"thread", "tag", "revision", "squad", "state", "open", "finished", "goal", "charter"},
+      {}};
+  const Thread& thread = board.thread();
+  const int64_t open = text::countOf(board.tasks.with({openTasks, {}}));
+  section.add(thread.name, thread.id, board.counted().rev, thread.squadOn ? "on" : "off",
+              thread.goalComplete ? "GOAL COMPLETE" : "", open, text::countOf(board.tasks) - open,
+              thread.goal.empty() ? "none yet: quillpost-board goal TEXT" : thread.goal,
+              thread.charter);
+  return section;
+}
+
+void addAgents(Sheet& sheet, const Board& board, Moment at) {
+  Section agents{
+      "agents", {"handle", "mark", "state", "lease", "silent", "holds", "name", "status"}, {}};
   for (const auto& [id, seat] : board.seats) {
-    if (!isLive(seat)) {
-      rows.push_back({seat.handle, "-", "nobody home"});
-      continue;
-    }
-    const int64_t seconds = std::max<int64_t>(0, (seat.leaseUntilMs - at.nowMs) / 1000);
-    rows.push_back({seat.handle, seat.fingerprint, seat.waiting ? "listening" : "working",
-                    text::cat("lease ", seconds, " s"), cutWithMark(seat.name, widestColumn),
-                    cutWithMark(seat.status, widestColumn)});
+    if (!isLive(seat)) continue;
+    agents.add(seat.handle, seat.fingerprint, stateOf(seat, at),
+               std::max<int64_t>(0, seat.leaseUntilMs - at.nowMs), at.nowMs - seat.lastCallMs,
+               claimsOf(board, seat), seat.name, seat.status);
   }
-  return rows;
+  sheet.sections.push_back(std::move(agents));
 }
 
-std::vector<Cells> discussionRows(const Board& board) {
-  std::vector<Cells> rows;
-  for (const auto& [id, discussion] : board.discussions) {
-    const std::string state =
-        discussion.escalated ? "FOR YOU" : text::cat(discussion.volleysSinceHuman, "/", volleyCap);
-    rows.push_back({id, isOpen(discussion) ? state : "resolved",
-                    discussion.taskID.value_or("board"),
-                    cutWithMark(discussion.question, widestColumn),
-                    discussion.resolution.value_or(
-                        text::cat("waits for ", counterpart(board, discussion, "")))});
+void addLeftovers(Sheet& sheet, const Board& board, Extent extent) {
+  Section helpers{"helpers", {"name", "command", "text", "by"}, {}};
+  Section deleted{"deleted", {"id", "since", "title", "reason"}, {}};
+  for (const auto& [name, helper] : board.suggestions)
+    helpers.add(name, helper.command, helper.explanation, helper.by);
+  if (extent != Extent::open)
+    for (const auto& [id, task] : board.trash)
+      deleted.add(id, task.deletedAtMs, cut(task.title, listedLength), task.deleteReason);
+  sheet.sections.push_back(std::move(helpers));
+  sheet.sections.push_back(std::move(deleted));
+}
+
+/// The tasks that were last done, the latest first.
+void addLatestDone(Section& done, const Board& board) {
+  std::vector<std::string_view> seen;
+  for (auto at = board.changes.end(); at != board.changes.begin() && seen.size() < doneShown;) {
+    const Change& change = (--at)->second;
+    if (change.kind != MoveKind::taskCompleted) continue;
+    if (std::ranges::find(seen, change.taskID) != seen.end()) continue;
+    const Task* task = board.tasks.find(change.taskID);
+    if (task == nullptr || task->state != TaskState::done) continue;
+    seen.push_back(change.taskID);
+    addTask(done, board, *task);
   }
-  return rows;
+}
+
+void addTasks(Sheet& sheet, const Board& board, Extent extent) {
+  constexpr std::array<std::string_view, 6> states = {"blocked", "working", "ready",
+                                                      "waiting", "done",    "declined"};
+  std::vector<Section> sections;
+  for (const std::string_view state : states) sections.push_back(taskSection(state));
+  std::vector<const Task*> tasks = board.tasks.with({openTasks, {}});
+  if (extent == Extent::all) {
+    tasks.clear();
+    for (const auto& [id, task] : board.tasks) tasks.push_back(&task);
+  }
+  std::ranges::stable_sort(tasks, std::ranges::greater(), &Task::priority);
+  for (const Task* task : tasks) {
+    const auto* const state = std::ranges::find(states, stateOf(board, *task));
+    addTask(sections[static_cast<std::size_t>(state - states.begin())], board, *task);
+  }
+  if (extent == Extent::usual) addLatestDone(sections[4], board);
+  for (Section& section : sections) sheet.sections.push_back(std::move(section));
 }
 
 }  // namespace
 
-std::string showBoard(const Board& board, Moment at) {
-  const Thread& thread = board.thread();
-  const std::string_view goal =
-      thread.goal.empty() ? std::string_view("none yet") : std::string_view(thread.goal);
-  std::string out = text::cat("Thread ", thread.name, " (", thread.id, "), revision ",
-                              board.counted().rev, ", squad ", thread.squadOn ? "on" : "off", "\n");
-  if (!thread.charter.empty()) out += text::cat("Charter: ", thread.charter, "\n");
-  out += text::cat("Goal: ", goal, "\n");
-  if (thread.goalComplete) out += "The goal is complete.\n";
-  if (!thread.goalProposedBy.empty()) {
-    out += text::cat("PROPOSED as complete by ", calling(board, thread.goalProposedBy),
-                     ": confirm-goal or reopen-goal.\n");
+std::string calledBy(const Board& board, const std::string& party) {
+  if (party == human) return "you";
+  const Seat* seat = seatOf(board, party);
+  if (seat == nullptr || seat->name.empty()) return calling(board, party);
+  return text::cat(seat->handle, " ", cutWithMark(seat->name, shownName));
+}
+
+std::string debtorsOf(const Board& board, const TeamworkDiscussion& discussion) {
+  return text::join(discussion.owingParties, ", ",
+                    [&](const std::string& party) { return calledBy(board, party); });
+}
+
+std::vector<std::string> questionCells(const Task& task) {
+  const Ask ask = splitAsk(task.blockerQuestion);
+  if (!ask.payload) return justWords(ask.question);
+  return {ask.question, text::join(ask.payload->o.value_or(std::vector<std::string>{}), "\n"),
+          ask.payload->c.value_or(""), ask.payload->a.value_or(""), ask.payload->s.value_or("")};
+}
+
+std::string_view stateOf(const Board& board, const Task& task) {
+  if (task.deletedAtMs > 0) return "deleted";
+  if (task.state == TaskState::done) return "done";
+  if (task.state == TaskState::rejected) return "declined";
+  if (task.blocked) return "blocked";
+  if (task.state == TaskState::claimed) return "working";
+  return isReady(board, task) ? "ready" : "waiting";
+}
+
+std::string stateOf(const Seat& seat, Moment at) {
+  if (!seat.registered) return "-";
+  if (seat.away) return "away";
+  if (!isAttending(seat, at.nowMs) && !seat.waiting) return "silent";
+  if (seat.stoodDown) return "stood down";
+  return seat.waiting ? "listening" : "working";
+}
+
+Section taskSection(std::string_view name) {
+  return {std::string(name), {"id", "holder", "since", "priority", "title", "note"}, {}};
+}
+
+void addTask(Section& section, const Board& board, const Task& task) {
+  const int64_t movedMs = lastMoveMs(board, task);
+  section.add(task.id, task.owner.empty() ? "" : calledBy(board, task.owner),
+              movedMs > 0 ? text::cat(movedMs) : std::string(),
+              task.priority != 0 ? text::cat(task.priority) : std::string(),
+              cut(task.title, listedLength), remarkOn(board, task));
+}
+
+Section debateSection() { return {"debates", {"id", "task", "volleys", "question", "remark"}, {}}; }
+
+void addDebate(Section& section, const Board& board, const TeamworkDiscussion& discussion) {
+  const std::string count = text::cat(discussion.volleysSinceHuman, "/", volleyCap);
+  section.add(discussion.id, discussion.taskID.value_or("board"),
+              !isOpen(discussion)                               ? "resolved"
+              : discussion.escalated || owes(discussion, human) ? "FOR YOU"
+                                                                : count,
+              cut(discussion.question, listedLength),
+              isOpen(discussion) ? text::cat("waits for ", debtorsOf(board, discussion))
+                                 : discussion.resolution.value_or(""));
+}
+
+Sheet boardSheet(std::span<const Board* const> boards, Extent extent, Moment at) {
+  Sheet sheet{at.nowMs, 0, {}};
+  const bool areSeveral = boards.size() > 1;
+  Section needs = needSection();
+  for (const Board* board : boards)
+    addNeeds(needs, *board, areSeveral ? std::string_view(board->thread().name) : "");
+  if (extent == Extent::mine) {
+    sheet.sections.push_back(std::move(needs));
+    return sheet;
   }
-  out += section("TASKS", taskRows(board));
-  out += section("AGENTS", agentRows(board, at));
-  out += section("DISCUSSIONS", discussionRows(board));
-  std::vector<Cells> suggestions;
-  std::vector<Cells> deleted;
-  for (const auto& [name, suggestion] : board.suggestions)
-    suggestions.push_back({name, suggestion.command, suggestion.explanation, suggestion.by});
-  for (const auto& [id, task] : board.trash)
-    deleted.push_back({id, cutWithMark(task.title, widestColumn), task.deleteReason});
-  out += section("SUGGESTED HELPERS", suggestions);
-  out += section("DELETED (restore puts one back)", deleted);
-  return out;
+  const Board& board = *boards.front();
+  if (areSeveral) sheet.sections.push_back(threadRows(boards));
+  sheet.sections.push_back(threadSection(board));
+  sheet.sections.push_back(std::move(needs));
+  addTasks(sheet, board, extent);
+  addAgents(sheet, board, at);
+  Section debates = debateSection();
+  for (const auto& [id, discussion] : board.discussions)
+    if (isOpen(discussion) || extent == Extent::all) addDebate(debates, board, discussion);
+  sheet.sections.push_back(std::move(debates));
+  addLeftovers(sheet, board, extent);
+  return sheet;
+}
+
+Section threadRows(std::span<const Board* const> boards) {
+  Section rows{"threads", {"thread", "tag", "open", "finished", "needing", "present", "goal"}, {}};
+  for (const Board* board : boards) {
+    const auto isHere = [](const auto& entry) { return isLive(entry.second); };
+    const int64_t open = text::countOf(board->tasks.with({openTasks, {}}));
+    rows.add(board->thread().name, board->thread().id, open, text::countOf(board->tasks) - open,
+             text::countOf(needsOf(*board)), std::ranges::count_if(board->seats, isHere),
+             cut(oneLine(board->thread().goal), listedLength));
+  }
+  return rows;
 }
 
 }  // namespace quillpost::board

@@ -26,6 +26,8 @@ struct Seat {
   bool away = false;
   /// The agent's public mark, such as "#a3f9"; empty until one registers.
   std::string fingerprint;
+  /// What the person calls the seat; its agents are called so that do not say otherwise.
+  std::string label;
   std::string name;
   std::string status;
   std::string role;
@@ -53,6 +55,7 @@ struct Seat {
         json::defaulted("registered",   &Seat::registered),
         json::defaulted("away",         &Seat::away),
         json::defaulted("fingerprint",  &Seat::fingerprint),
+        json::defaulted("label",        &Seat::label),
         json::defaulted("name",         &Seat::name),
         json::defaulted("status",       &Seat::status),
         json::defaulted("role",         &Seat::role),

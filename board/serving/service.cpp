@@ -1,9 +1,12 @@
 #include "board/serving/service.h"
 
 #include "base/text.h"
+#include "board/person/views.h"
 #include "board/rules/feed.h"
+#include "board/rules/limits.h"
 #include "board/rules/people.h"
 #include "board/rules/views.h"
+#include "board/serving/keeping.h"
 #include "board/serving/names.h"
 #include "board/verbs/person.h"
 #include "tools/tool_name.h"
@@ -43,6 +46,11 @@ Delivery carriedBy(const Board& board, const Seat& seat, const TeamworkRequest& 
   return delivery;
 }
 
+std::string noSuchThread(const std::string& name) {
+  if (name.empty()) return "There is no thread yet: `seat` or `thread` makes the first one.";
+  return text::cat("There is no thread called \"", name, "\"; `threads` lists them.");
+}
+
 bool isFor(const Board& board, std::string_view name) {
   return name.empty() || board.thread().name == name || board.thread().id == name;
 }
@@ -63,6 +71,12 @@ Service::Service(Store& store, Boards boards, Settings settings, Now now, Random
 }
 
 Answer Service::answer(const TeamworkRequest& request) {
+  Answer answer = carryOutOne(request);
+  if (settings_.log && answer.holdMs == 0) settings_.log(request, answer.response);
+  return answer;
+}
+
+Answer Service::carryOutOne(const TeamworkRequest& request) {
   if (request.protocolVersion != protocolVersion) {
     return {refused(text::cat("This board speaks version ", protocolVersion,
                               " of the protocol, and the request is of version ",
@@ -72,7 +86,7 @@ Answer Service::answer(const TeamworkRequest& request) {
     if (request.token != settings_.personToken) {
       return {refused("Only the person may do that, and this is not the person's token.")};
     }
-    return {answerPerson(request)};
+    return answerPerson(request);
   }
   if (request.token != settings_.token) {
     return {
@@ -112,7 +126,8 @@ Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& requ
   answer.response.threadTag = board.thread().id;
   if (before == nullptr) {
     answer.receipt = Receipt{carriedBy(board, seat, request, answer.response)};
-    if (seat.registered) {
+    // Nobody reads the answer to the heartbeat of a wait; the poll that follows carries it all.
+    if (seat.registered && !seat.waiting) {
       answer.receipt->delivery.saidUpTo = carrySaid(board, seat, answer.response);
     }
   }
@@ -244,24 +259,70 @@ bool Service::save(Board& board) {
   return true;
 }
 
-TeamworkResponse Service::answerPerson(const TeamworkRequest& request) {
+Answer Service::answerPerson(const TeamworkRequest& request) {
   const std::string name = request.name.value_or("");
-  if (name.empty() && boards_.size() > 1 && request.method != personShow) {
-    std::vector<std::string> names;
-    for (const Board& board : boards_) names.push_back(board.thread().name);
-    return refused(text::cat("There are several threads (", text::join(names, ", "),
-                             "): say which with --thread."));
+  if (isFileKeeping(request.method)) return {keepFile(store_, request)};
+  std::vector<Board*> meant;
+  for (Board& board : boards_)
+    if (isFor(board, name)) meant.push_back(&board);
+  if (isViewing(request.method)) return answerViewer(meant, request);
+  if (meant.size() > 1) {
+    return {refused(
+        text::cat("There are several threads (",
+                  text::join(meant, ", ", [](const Board* board) { return board->thread().name; }),
+                  "): say which with --thread."))};
   }
-  if (request.method == personSeat) return newSeat(request);
-  for (Board& board : boards_) {
-    if (!isFor(board, name)) continue;
-    if (!isFailing()) lapse(board, moment());
-    TeamworkResponse response = carryOutForPerson(board, request, moment());
-    if (!save(board)) return refused(cannotWrite);
-    return response;
+  if (request.method == personSeat) return {newSeat(request)};
+  if (request.method == personThread) return {newThread(request)};
+  // A board that is new is begun by saying what it is for, or what is to be done.
+  const bool isBeginning = request.method == personGoal || request.method == personCharter ||
+                           request.method == personAdd;
+  if (boards_.empty() && name.empty() && isBeginning) meant.push_back(&addBoard(""));
+  if (meant.empty()) return {refused(noSuchThread(name))};
+  Board& board = *meant.front();
+  if (!isFailing()) lapse(board, moment());
+  TeamworkResponse response = carryOutForPerson(board, request, moment());
+  if (!save(board)) return {refused(cannotWrite)};
+  return {std::move(response)};
+}
+
+Answer Service::answerViewer(const std::vector<Board*>& meant, const TeamworkRequest& request) {
+  if (meant.empty() && !request.name.value_or("").empty()) {
+    return {refused(noSuchThread(*request.name))};
   }
-  if (name.empty()) return refused("There is no thread yet: `seat` makes the first one.");
-  return refused(text::cat("There is no thread called \"", name, "\"."));
+  for (Board* board : meant) {
+    if (!isFailing()) lapse(*board, moment());
+    save(*board);
+  }
+  const std::vector<const Board*> boards(meant.begin(), meant.end());
+  Answer answer;
+  if (request.method == personShow && request.sinceRev == revisionOf(boards)) {
+    answer.holdMs = std::clamp<int64_t>(request.holdMs.value_or(0), 0, holdLimitMs);
+  }
+  if (answer.holdMs == 0) answer.response = view(boards, store_, request, moment());
+  return answer;
+}
+
+TeamworkResponse Service::newThread(const TeamworkRequest& request) {
+  const std::string name = request.name.value_or("");
+  if (std::ranges::any_of(boards_, [&](const Board& board) { return isFor(board, name); })) {
+    return refused(text::cat("There is a thread called \"", name, "\" already."));
+  }
+  Board& board = addBoard(name);
+  TeamworkResponse response =
+      written(text::cat("Made the thread \"", name, "\" (", board.thread().id, ")."));
+  if (save(board)) return response;
+  boards_.pop_back();
+  return refused(cannotWrite);
+}
+
+Board& Service::addBoard(std::string_view name) {
+  Thread thread;
+  thread.id = mintTag(random_);
+  thread.name = name.empty() ? firstThread : name;
+  thread.place = boards_.empty() ? 1 : boards_.back().thread().place + 1;
+  boards_.push_back(newBoard(std::move(thread)));
+  return boards_.back();
 }
 
 TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
@@ -269,15 +330,9 @@ TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
   const auto found =
       std::ranges::find_if(boards_, [&](const Board& board) { return isFor(board, name); });
   const bool isNew = found == boards_.end();
-  if (isNew) {
-    Thread thread;
-    thread.id = mintTag(random_);
-    thread.name = name.empty() ? firstThread : name;
-    thread.place = boards_.empty() ? 1 : boards_.back().thread().place + 1;
-    boards_.push_back(newBoard(std::move(thread)));
-  }
-  Board& board = isNew ? boards_.back() : *found;
+  Board& board = isNew ? addBoard(name) : *found;
   Seat seat;
+  seat.label = cutWithMark(oneLine(request.agent.value_or("")), roleLimit);
   seat.id = mintSecret(random_);
   do {
     seat.handle = mintHandle(random_);
@@ -287,6 +342,8 @@ TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
       written(environmentLines({added.id, settings_.tokenPath, settings_.socketPath}),
               text::cat("This seat answers to ", added.handle, " on the thread \"",
                         board.thread().name, "\" (", board.thread().id, ")."));
+  response.panes = {{added.handle}};
+  response.threadTag = board.thread().id;
   if (save(board)) return response;
   if (isNew) boards_.pop_back();
   return refused(cannotWrite);

@@ -16,6 +16,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace quillpost::board {
 
@@ -47,6 +48,8 @@ struct Settings {
   std::function<void(const std::string&)> say = {};
   /// Called about once a second, for what else is to be looked after. May be empty.
   std::function<void()> care = {};
+  /// Told of every request when its answer is known. May be empty.
+  std::function<void(const TeamworkRequest&, const TeamworkResponse&)> log = {};
 };
 
 /// The time in milliseconds since 1970.
@@ -91,7 +94,11 @@ class Service {
   void addReceipt(const TeamworkRequest& request, Answer& answer);
   void addRevision(const TeamworkRequest& request, Answer& answer) const;
   const TeamworkResponse* answeredBefore(const TeamworkRequest& request) const;
-  TeamworkResponse answerPerson(const TeamworkRequest& request);
+  Answer carryOutOne(const TeamworkRequest& request);
+  Answer answerPerson(const TeamworkRequest& request);
+  Answer answerViewer(const std::vector<Board*>& meant, const TeamworkRequest& request);
+  TeamworkResponse newThread(const TeamworkRequest& request);
+  Board& addBoard(std::string_view name);
   TeamworkResponse newSeat(const TeamworkRequest& request);
   Board* boardOf(std::string_view sessionID);
   bool save(Board& board);

@@ -57,13 +57,18 @@ std::optional<std::string> whyNotClaimable(const Call& call, const Task& task) {
   return std::nullopt;
 }
 
-/// Tells of every task that is READY now that this one is done.
-void announceUnlocked(const Call& call, const Task& done) {
-  for (const Task* task : dependentsOf(call.board, done.id)) {
-    tellIfReady(call.board, *task, call.move(MoveKind::taskReady, task->id, named(done)),
-                text::cat(named(done), " is done"));
+}  // namespace
+
+void announceUnlocked(Board& board, const Task& done, Move move) {
+  move.kind = MoveKind::taskReady;
+  move.what = named(done);
+  for (const Task* task : dependentsOf(board, done.id)) {
+    move.taskID = task->id;
+    tellIfReady(board, *task, move, text::cat(named(done), " is done"));
   }
 }
+
+namespace {
 
 /// Tells those whose verdict is asked for: whom the request names, or all here who have the
 /// authority and, when one is given, the role. Whether there is any.
@@ -131,7 +136,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   }
   announce(call.board, call.move(MoveKind::taskCompleted, task.id, cut(summary, summaryLimit)),
            notices);
-  announceUnlocked(call, task);
+  announceUnlocked(call.board, task, call.move(MoveKind::taskReady));
   // Asked for while it was under way, or for a completion before this one.
   if (task.reviewState.empty() && !task.reviewRequestedBy.empty()) task.reviewState = reviewWanted;
   if (task.reviewState == reviewWanted) askReviewers(call, task);

@@ -5,6 +5,7 @@
 
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
+#include "board/rules/moves.h"
 #include "model/request.h"
 #include "model/response.h"
 #include "tools/tool_name.h"
@@ -94,6 +95,21 @@ std::span<const Method> helperMethods();
 
 /// Adds a task with the next id and that brief; everything else is taken from `task`.
 Task& fileTask(Board& board, Task task, std::string brief);
+
+/// Replaces what a request says of a task, its brief too, and leaves the rest. Whether anything was
+/// replaced; sentences about what was cut are added to `notice`.
+bool correct(Board& board, const TeamworkRequest& request, Task& task, std::string& notice);
+
+/// Tells whom it concerns that a task waits on less or is meant for somebody else than `before`, by
+/// moves like `move` but for their kind.
+void tellOfCorrection(Board& board, const Task& before, Move move);
+
+/// Takes the verdict off a task that is to be done again. Who asked for one stays.
+void clearVerdict(Task& task);
+
+/// Tells of every task that is READY now that this one is done, by moves like `move` but for their
+/// kind.
+void announceUnlocked(Board& board, const Task& done, Move move);
 
 /// Why a handle cannot be addressed from here; nothing when its agent can. Squad verbs ask this.
 std::optional<std::string> whyUnreachable(const Call& call, const std::string& handle);

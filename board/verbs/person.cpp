@@ -4,11 +4,11 @@
 #include "base/unicode.h"
 #include "board/rules/ask.h"
 #include "board/rules/debates.h"
+#include "board/rules/ids.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
-#include "board/rules/removal.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
@@ -20,60 +20,67 @@ namespace quillpost::board {
 
 namespace {
 
-struct Deed {
-  Board& board;
-  const TeamworkRequest& request;
-  Moment at;
+/// What the person writes on a task: an answer to what it asks, or a comment.
+enum class Speech { answer, comment };
 
-  std::string words() const { return std::string(unicode::trim(request.body.value_or(""))); }
-  std::string subject() const { return request.taskID.value_or(""); }
-
-  /// A move of the person's, now; about no task when `taskID` is empty.
-  Move move(MoveKind kind, std::string taskID = {}, std::string what = {}) const {
-    return {kind, std::move(taskID), std::string(human), at.nowMs, std::move(what)};
-  }
-};
-
-TeamworkResponse show(const Deed& deed) { return written(showBoard(deed.board, deed.at)); }
-
-TeamworkResponse answerTask(const Deed& deed, Task& task) {
-  const bool wasBlocked = task.blocked;
+TeamworkResponse speakOn(const Deed& deed, Task& task, Speech speech) {
+  const bool isAnswer = speech == Speech::answer && task.blocked;
   const Ask ask = splitAsk(task.blockerQuestion);
-  const std::string given = spellOut(ask, deed.words());
+  const std::string given = isAnswer ? spellOut(ask, deed.words()) : deed.words();
   // Everybody reads the log, the wakes and the history.
-  const bool isSecret = wasBlocked && isForSecret(ask);
+  const bool isSecret = isAnswer && isForSecret(ask);
   const std::string words = isSecret ? "a secret was given" : given;
   addLine(deed.board, task,
           {"", LogKind::comment, std::string(human), std::string(human), words, deed.at.nowMs});
   std::erase(task.mentions, human);
-  if (wasBlocked) {
+  if (isAnswer) {
     task.blocked = false;
     task.blockerAnswer = given;
     task.isAnswerSecret = isSecret;
   }
-  const WakeKind kind = wasBlocked ? WakeKind::blockerAnswered : WakeKind::humanReplied;
+  const WakeKind kind = isAnswer ? WakeKind::blockerAnswered : WakeKind::humanReplied;
   const std::string summary = text::cat("The human answered on ", named(task), ": ", words);
   std::vector<Notice> notices;
   for (const std::string& party : {task.blockedBy, task.owner, task.filedBy}) {
-    const bool isConcerned = !wasBlocked || party != task.filedBy || party == task.blockedBy;
+    const bool isConcerned = !isAnswer || party != task.filedBy || party == task.blockedBy;
     if (!party.empty() && isConcerned) notices.push_back({party, kind, summary});
   }
   announce(deed.board,
-           deed.move(wasBlocked ? MoveKind::taskUnblocked : MoveKind::taskCommented, task.id,
+           deed.move(isAnswer ? MoveKind::taskUnblocked : MoveKind::taskCommented, task.id,
                      cutWithMark(words, noteLimit)),
            notices);
-  return written(text::cat(wasBlocked ? "Answered " : "Commented on ", named(task), "."));
+  return written(text::cat(isAnswer ? "Answered " : "Commented on ", named(task), "."));
 }
 
-TeamworkResponse answer(const Deed& deed) {
+TeamworkResponse comment(const Deed& deed) {
   if (deed.words().empty()) return refused("Say something.");
-  if (Task* task = deed.board.tasks.touch(deed.subject())) return answerTask(deed, *task);
+  if (Task* task = deed.board.tasks.touch(deed.subject())) {
+    return speakOn(deed, *task, Speech::comment);
+  }
+  return refused(text::cat("No task is called ", deed.subject(), "."));
+}
+
+TeamworkResponse reply(const Deed& deed) {
+  if (deed.words().empty()) return refused("Say something.");
   TeamworkDiscussion* discussion = deed.board.discussions.touch(deed.subject());
-  if (discussion == nullptr || !isOpen(*discussion)) {
-    return refused(text::cat("No task and no open discussion is called ", deed.subject(), "."));
+  if (discussion == nullptr) {
+    return refused(text::cat("No discussion is called ", deed.subject(), "."));
+  }
+  if (!isOpen(*discussion)) {
+    return refused(text::cat(discussion->id, " is resolved: ", discussion->resolution.value_or(""),
+                             ". A comment reaches the agents."));
   }
   addVolley(deed.board, *discussion, {std::string(human), deed.words(), deed.at.nowMs});
   return written(text::cat("Spoke in ", discussion->id, "."));
+}
+
+TeamworkResponse answer(const Deed& deed) {
+  if (deed.board.discussions.find(deed.subject()) != nullptr) return reply(deed);
+  if (deed.words().empty()) return refused("Say something.");
+  if (Task* task = deed.board.tasks.touch(deed.subject())) {
+    return speakOn(deed, *task, Speech::answer);
+  }
+  return refused(text::cat("No task and no discussion is called ", deed.subject(), "."));
 }
 
 void wakeEverybody(Board& board, const Reason& reason) {
@@ -81,8 +88,50 @@ void wakeEverybody(Board& board, const Reason& reason) {
     if (isLive(seat)) wake(board, seat, reason);
 }
 
+TeamworkResponse setGoal(const Deed& deed) {
+  std::string notice;
+  const std::string goal = briefText(deed.words(), "goal", notice);
+  if (goal.empty()) return refused("Say what the goal is.");
+  if (deed.board.thread().goalComplete) {
+    return refused("The goal is complete: `reopen-goal` comes before another one.");
+  }
+  Thread& thread = deed.board.editThread();
+  thread.goal = goal;
+  thread.goalProposedBy.clear();
+  record(deed.board, deed.move(MoveKind::goalSet, "", cutWithMark(goal, noteLimit)));
+  return written("The goal is set.", notice);
+}
+
+TeamworkResponse setCharter(const Deed& deed) {
+  std::string notice;
+  const std::string charter = lineOf(deed.words(), "charter", notice);
+  if (charter.empty()) return refused("Say what the charter is.");
+  deed.board.editThread().charter = charter;
+  record(deed.board, deed.move(MoveKind::charterSet, "", charter));
+  return written("The charter is set.", notice);
+}
+
+/// Why a goal is not simply confirmed; empty when nothing stands against it.
+std::string whyNotConfirmed(const Deed& deed) {
+  std::string why;
+  if (deed.board.thread().goalProposedBy.empty())
+    why = "No agent has proposed that it is complete.";
+  const int64_t open = text::countOf(deed.board.tasks.with({openTasks, {}}));
+  if (open > 0) {
+    addSentence(
+        why, text::cat(open, " task", text::s(open), open == 1 ? " is" : " are", " still open."));
+  }
+  return why;
+}
+
 TeamworkResponse confirmGoal(const Deed& deed) {
   if (deed.board.thread().goal.empty()) return refused("There is no goal to confirm.");
+  if (deed.board.thread().goalComplete) return written("The goal is complete already.");
+  std::string why = whyNotConfirmed(deed);
+  if (!why.empty() && !deed.request.acknowledgeOpenTasks.value_or(false)) {
+    addSentence(why, "With --anyway it is confirmed all the same.");
+    return refused(why);
+  }
   Thread& thread = deed.board.editThread();
   thread.goalComplete = true;
   thread.goalProposedBy.clear();
@@ -105,13 +154,32 @@ TeamworkResponse reopenGoal(const Deed& deed) {
 
 TeamworkResponse say(const Deed& deed) {
   const std::string handle = deed.request.to.value_or("");
+  if (deed.words().empty()) return refused("Say something.");
+  // A wake and not a message: messages are told as another agent's words.
+  const Reason reason{WakeKind::humanSaid, "", text::cat("The human says: ", deed.words())};
+  if (handle == "all") {
+    wakeEverybody(deed.board, reason);
+    return written("Said to all who are here.");
+  }
   const Seat* seat = seatAt(deed.board, handle);
   if (seat == nullptr || !seat->registered)
     return refused(text::cat("Nobody is home at ", handle, "."));
-  if (deed.words().empty()) return refused("Say something.");
-  // A wake and not a message: messages are told as another agent's words.
-  wake(deed.board, *seat, {WakeKind::humanSaid, "", text::cat("The human says: ", deed.words())});
+  wake(deed.board, *seat, reason);
   return written(text::cat("Said to ", seat->handle, "."));
+}
+
+TeamworkResponse unseat(const Deed& deed) {
+  const Seat* found = seatAt(deed.board, deed.request.to.value_or(""));
+  if (found == nullptr) {
+    return refused(text::cat("There is no seat ", deed.request.to.value_or(""), "."));
+  }
+  Seat& seat = *deed.board.seats.touch(found->id);
+  const std::string handle = seat.handle;
+  const int64_t returned = seat.registered ? leave(deed.board, seat, deed.at) : 0;
+  emptySeat(deed.board, seat);
+  deed.board.seats.remove(std::string(seat.id));
+  return written(text::cat("Took the seat ", handle, " away; ", returned, " claim",
+                           text::s(returned), " went back to the pool."));
 }
 
 TeamworkResponse switchSquad(const Deed& deed) {
@@ -121,46 +189,42 @@ TeamworkResponse switchSquad(const Deed& deed) {
   return written(deed.board.thread().squadOn ? "The squad is on." : "The squad is off.");
 }
 
-TeamworkResponse restore(const Deed& deed) {
-  const Task* deleted = deed.board.trash.find(deed.subject());
-  if (deleted == nullptr) {
-    return refused(text::cat("No deleted task is called ", deed.subject(), "."));
-  }
-  if (const auto reason = whyNotRestorable(deed.board, *deleted)) return refused(*reason);
-  const Task& restored =
-      restoreTask(deed.board, std::string(deleted->id),
-                  deed.move(MoveKind::taskAdded, deleted->id, deleted->title), deed.at);
-  return written(text::cat("Put back ", named(restored), "."));
-}
-
-struct PersonMethod {
-  std::string_view name;
-  TeamworkResponse (*run)(const Deed&);
-};
-
-// clang-format off
-constexpr PersonMethod table[] = {
-    {personShow,        show},
-    {personAnswer,      answer},
-    {personConfirmGoal, confirmGoal},
-    {personReopenGoal,  reopenGoal},
-    {personSay,         say},
-    {personSquad,       switchSquad},
-    {personRestore,     restore},
-};
-// clang-format on
-
 }  // namespace
 
-bool isForPerson(std::string_view method) {
-  return method == personSeat ||
-         std::ranges::find(table, method, &PersonMethod::name) != std::end(table);
+std::string Deed::words() const { return std::string(unicode::trim(request.body.value_or(""))); }
+
+std::string Deed::subject() const { return wholeID(request.taskID.value_or("")); }
+
+Move Deed::move(MoveKind kind, std::string taskID, std::string what) const {
+  return {kind, std::move(taskID), std::string(human), at.nowMs, std::move(what)};
 }
 
+// clang-format off
+std::span<const PersonMethod> personTalk() {
+  static constexpr PersonMethod rows[] = {
+      {personAnswer,      answer},
+      {personComment,     comment},
+      {personReply,       reply},
+      {personSay,         say},
+      {personUnseat,      unseat},
+      {personGoal,        setGoal},
+      {personCharter,     setCharter},
+      {personConfirmGoal, confirmGoal},
+      {personReopenGoal,  reopenGoal},
+      {personSquad,       switchSquad},
+  };
+  return rows;
+}
+// clang-format on
+
+bool isForPerson(std::string_view method) { return method.starts_with("person_"); }
+
 TeamworkResponse carryOutForPerson(Board& board, const TeamworkRequest& request, Moment at) {
-  const PersonMethod* method = std::ranges::find(table, request.method, &PersonMethod::name);
-  if (method == std::end(table)) return refused("This board does not know that method.");
-  return method->run({board, request, at});
+  for (const std::span<const PersonMethod> rows : {personTalk(), personTasks()}) {
+    const auto method = std::ranges::find(rows, request.method, &PersonMethod::name);
+    if (method != rows.end()) return method->run({board, request, at});
+  }
+  return refused("This board does not know that method.");
 }
 
 }  // namespace quillpost::board

@@ -1,45 +1,86 @@
 #pragma once
 
-// The person's side of a board: what a window would show and what its buttons would do.
+// The person's side of a board: what a window's buttons would do.
 
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
+#include "board/rules/moves.h"
 #include "model/request.h"
 #include "model/response.h"
 
+#include <span>
 #include <string>
 #include <string_view>
 
 namespace quillpost::board {
 
-// The person's methods. Each request may name the thread that is meant; without a name it is the
-// first.
+// The person's methods. Each request may name the thread that is meant.
 
-/// Makes a seat, and the thread if there is none of that name.
-inline constexpr std::string_view personSeat = "person_seat";
-/// The board as a table, in the answer's message.
-inline constexpr std::string_view personShow = "person_show";
-/// Answers the blocker of a task, comments on a task that has none, or speaks in a discussion:
-/// taskID and body.
-inline constexpr std::string_view personAnswer = "person_answer";
-/// Confirms that the goal is complete.
-inline constexpr std::string_view personConfirmGoal = "person_confirm_goal";
-/// Takes a proposal or a confirmation back.
-inline constexpr std::string_view personReopenGoal = "person_reopen_goal";
-/// Says something to an agent: to and body.
-inline constexpr std::string_view personSay = "person_say";
-/// Switches the squad: approve.
-inline constexpr std::string_view personSquad = "person_squad";
-/// Puts a deleted task back: taskID.
+// clang-format off
+
+// What the board's desk does itself. Those that show something answer with a sheet as JSON.
+inline constexpr std::string_view personSeat = "person_seat";          // makes a seat, called `agent`
+inline constexpr std::string_view personSeats = "person_seats";
+inline constexpr std::string_view personThread = "person_thread";      // makes the thread `name`
+inline constexpr std::string_view personThreads = "person_threads";
+inline constexpr std::string_view personShow = "person_show";          // `taskID` alone; of all else as much as `status` says
+inline constexpr std::string_view personHistory = "person_history";    // of `taskID`, by `to`, within `holdMs`
+inline constexpr std::string_view personExport = "person_export";      // into the file `body`, as the next two
+inline constexpr std::string_view personBackup = "person_backup";
+inline constexpr std::string_view personImport = "person_import";
+inline constexpr std::string_view personCheck = "person_check";
+
+// What is done on a thread.
+inline constexpr std::string_view personUnseat = "person_unseat";      // the handle `to`
+inline constexpr std::string_view personAnswer = "person_answer";      // `taskID`, which may be a discussion's, and `body`
+inline constexpr std::string_view personComment = "person_comment";    // the same, for a task
+inline constexpr std::string_view personReply = "person_reply";        // the same, for a discussion
+inline constexpr std::string_view personAdd = "person_add";            // `title`, and whatever add_task takes
+inline constexpr std::string_view personEdit = "person_edit";          // `taskID`, and whatever add_task takes
+inline constexpr std::string_view personAssign = "person_assign";      // `taskID` and `to`
+inline constexpr std::string_view personRelease = "person_release";    // `taskID` and perhaps `releaseReason`
+inline constexpr std::string_view personReopen = "person_reopen";
+inline constexpr std::string_view personDone = "person_done";          // `taskID` and perhaps `body`
+inline constexpr std::string_view personReject = "person_reject";
+inline constexpr std::string_view personDelete = "person_delete";      // `acknowledgeOpenTasks`: though others wait on it
 inline constexpr std::string_view personRestore = "person_restore";
+inline constexpr std::string_view personGoal = "person_goal";          // `body`
+inline constexpr std::string_view personCharter = "person_charter";
+inline constexpr std::string_view personConfirmGoal = "person_confirm_goal";  // `acknowledgeOpenTasks`: anyway
+inline constexpr std::string_view personReopenGoal = "person_reopen_goal";
+inline constexpr std::string_view personSay = "person_say";            // `to` and `body`
+inline constexpr std::string_view personSquad = "person_squad";        // `approve`
+
+// clang-format on
+
+/// One request of the person's on its way to one board.
+struct Deed {
+  Board& board;
+  const TeamworkRequest& request;
+  Moment at;
+
+  /// What the person says, without white space around it.
+  std::string words() const;
+  /// The task or discussion that is meant, by its whole id.
+  std::string subject() const;
+  /// A move of the person's, now; about no task when `taskID` is empty.
+  Move move(MoveKind kind, std::string taskID = {}, std::string what = {}) const;
+};
+
+/// One of the person's methods that are carried out on a thread.
+struct PersonMethod {
+  std::string_view name;
+  TeamworkResponse (*run)(const Deed&);
+};
+
+/// Those that speak to agents, and those that change tasks.
+std::span<const PersonMethod> personTalk();
+std::span<const PersonMethod> personTasks();
 
 /// Whether a method is one of the person's.
 bool isForPerson(std::string_view method);
 
-/// Carries out one of the person's methods other than `personSeat`.
+/// Carries out one of the person's methods that are done on a thread.
 TeamworkResponse carryOutForPerson(Board& board, const TeamworkRequest& request, Moment at);
-
-/// The board as a table to be read in a terminal.
-std::string showBoard(const Board& board, Moment at);
 
 }  // namespace quillpost::board

@@ -55,7 +55,7 @@ TeamworkResponse registerSeat(const Call& call) {
   const bool isNew = !seat.registered;
   if (isNew) {
     seat.fingerprint = mintFingerprint(call);
-    seat.name.clear();
+    seat.name = seat.label;
     seat.status.clear();
     seat.role.clear();
     seat.authority = authorityOf("");

@@ -62,9 +62,9 @@ std::optional<std::string> whyNotBlockable(const TeamworkRequest& request, const
 /// The question that the task stands on, without its marker.
 std::string questionOf(const Task& task) { return splitAsk(task.blockerQuestion).question; }
 
-/// Replaces what was given and leaves the rest. Whether anything was.
-bool correct(const Call& call, Task& task, std::string& notice) {
-  const TeamworkRequest& request = call.request;
+}  // namespace
+
+bool correct(Board& board, const TeamworkRequest& request, Task& task, std::string& notice) {
   const Task before = task;
   const std::string title = lineOf(request.title.value_or(""), "title", notice);
   if (!title.empty()) task.title = title;
@@ -74,43 +74,49 @@ bool correct(const Call& call, Task& task, std::string& notice) {
   if (request.waitsOn) task.waitsOn = entriesOf(request.waitsOn, "waitsOn", notice);
   if (request.assignedRole) task.assignedRole = lineOf(*request.assignedRole, "role", notice);
   if (request.routedToFingerprint) {
-    const Seat* seat = whoIs(call.board, *request.routedToFingerprint);
+    const Seat* seat = whoIs(board, *request.routedToFingerprint);
     task.routedTo =
         seat != nullptr ? seat->handle : cut(oneLine(*request.routedToFingerprint), entryLimit);
   }
   if (!request.body) return task != before;
   const std::string brief = briefText(*request.body, "brief", notice);
-  const bool isNew = brief != briefOf(call.board, task.id);
-  setBrief(call.board, task.id, brief);
+  const bool isNew = brief != briefOf(board, task.id);
+  setBrief(board, task.id, brief);
   return isNew || task != before;
 }
 
-/// Tells whom it concerns that the task waits on less or is meant for somebody else than before.
-void tellOfCorrection(const Call& call, const Task& task, const Task& before) {
+void tellOfCorrection(Board& board, const Task& before, Move move) {
+  const Task& task = *board.tasks.find(before.id);
   if (task.routedTo != before.routedTo && isOpen(task)) {
     std::vector<Notice> notices;
-    if (const Seat* seat = addresseeOf(call.board, task)) {
+    if (const Seat* seat = addresseeOf(board, task)) {
       notices.push_back({seat->fingerprint, WakeKind::taskAssigned,
-                         text::cat(call.seat.handle, " handed you ", named(task))});
+                         text::cat(calling(board, move.by), " handed you ", named(task))});
     }
-    announce(call.board,
-             call.move(MoveKind::taskAssigned, task.id,
-                       task.routedTo.empty() ? "to nobody" : text::cat("to ", task.routedTo)),
-             notices);
+    move.kind = MoveKind::taskAssigned;
+    move.what = task.routedTo.empty() ? "to nobody" : text::cat("to ", task.routedTo);
+    announce(board, move, notices);
   }
-  const bool wasReady = isReady(call.board, before);
+  const bool wasReady = isReady(board, before);
   if (task.waitsOn == before.waitsOn || wasReady) return;
-  tellIfReady(call.board, task, call.move(MoveKind::taskReady, task.id, "waits on less"),
-              "it waits on less than before");
+  move.kind = MoveKind::taskReady;
+  move.what = "waits on less";
+  tellIfReady(board, task, move, "it waits on less than before");
 }
+
+void clearVerdict(Task& task) {
+  task.reviewState.clear();
+  task.reviewBy.clear();
+  task.reviewNote.clear();
+}
+
+namespace {
 
 /// Takes a finished task up again for the caller. The verdict on it was on what it was then; who
 /// asked for one stays, so that the next completion is judged anew.
 void reopen(const Call& call, Task& task) {
   takeClaim(call.board, task, call.seat, call.at);
-  task.reviewState.clear();
-  task.reviewBy.clear();
-  task.reviewNote.clear();
+  clearVerdict(task);
 }
 
 /// Raises or clears the question to the person. The kind of move that was, if any.
@@ -195,7 +201,7 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
   }
   std::string notice;
   const Task before = task;
-  const bool isCorrected = correct(call, task, notice);
+  const bool isCorrected = correct(call.board, request, task, notice);
   const std::string progress = writeProgress(call, task, notice);
   const std::optional<MoveKind> blocker = raiseOrClear(call, task);
   if (request.parkReason) task.parkedReason = lineOf(*request.parkReason, "reason", notice);
@@ -219,7 +225,7 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
   if (request.parkReason) {
     announce(call.board, call.move(MoveKind::taskParked, task.id, task.parkedReason));
   }
-  if (isCorrected) tellOfCorrection(call, task, before);
+  if (isCorrected) tellOfCorrection(call.board, before, call.move(MoveKind::taskEdited, task.id));
   if (request.waitsOn) addSentence(notice, noticeOfWaits(call.board, task.waitsOn));
   if (settleReleaseAsks(call.board, task, call.self(), call.at)) {
     addSentence(notice, text::cat(calling(call.board, task.owner),

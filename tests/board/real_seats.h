@@ -85,6 +85,14 @@ class RealSeat {
   explicit RealSeat(std::map<std::string, std::string> environment)
       : environment_(std::move(environment)),
         process_({testing::seatProgram(), {}, environment_}) {}
+  /// One that another program starts, in an environment that it makes.
+  explicit RealSeat(const testing::Command& command) : process_(command) {}
+
+  /// Ends the agent's input; gives the exit status of what was started.
+  int end() {
+    process_.closeInput();
+    return process_.waitForExit().value_or(-1);
+  }
 
   /// Calls a tool and gives the text of its result; `arguments` is a JSON object. Progress on the
   /// way is passed over.

@@ -24,13 +24,13 @@ std::optional<Publication> publish(const std::string& directory, const std::stri
 TEST(Finding, TakesTheOneBoardThatIsServed) {
   const TempDir dir;
   std::string why;
-  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_EQ(findServed(dir.path(), "", why), std::nullopt);
   EXPECT_THAT(why, HasSubstr("no board"));
   const auto first = publish(dir.path(), "one");
   dir.write("teamwork-dead.sock", "");
-  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), "one");
+  EXPECT_EQ(findServed(dir.path(), "", why), "one");
   const auto second = publish(dir.path(), "two");
-  EXPECT_EQ(findServed(dir.path(), std::nullopt, why), std::nullopt);
+  EXPECT_EQ(findServed(dir.path(), "", why), std::nullopt);
   EXPECT_THAT(why, HasSubstr("--suffix"));
   EXPECT_EQ(findServed(dir.path(), "two", why), "two");
   EXPECT_EQ(findServed(dir.path(), "dead", why), std::nullopt);
@@ -68,6 +68,48 @@ TEST(Asking, SaysThatABoardDidNotAnswer) {
   request.body = "\xff";
   EXPECT_FALSE(askBoard(dir.path(), "dev", request, why));
   EXPECT_THAT(why, HasSubstr("UTF-8"));
+}
+
+/// A line that means the board of a directory.
+Line lineFor(const TempDir& dir) {
+  Line line;
+  line.directory = dir.path();
+  return line;
+}
+
+TEST(Asking, AServedBoardsRefusalIsToldInItsWords) {
+  const TempDir dir;
+  std::string why;
+  EXPECT_FALSE(askServed(lineFor(dir), {}, why));
+  EXPECT_THAT(why, HasSubstr("quillpost-board serve"));
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::closeWithoutReply());  // the look whether anybody is there
+  app.play(testing::reply(R"({"kind":"error","message":"Not like this."})"));
+  EXPECT_FALSE(askServed(lineFor(dir), {}, why));
+  EXPECT_EQ(why, "Not like this.");
+}
+
+TEST(Asking, AnAnswerThatIsNoSheetIsOfAnotherVersion) {
+  const TempDir dir;
+  std::string why;
+  testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
+  app.play(testing::closeWithoutReply());
+  app.play(testing::reply(R"({"kind":"written","message":"Thread main"})"));
+  EXPECT_FALSE(askForSheet(lineFor(dir), {}, why));
+  EXPECT_THAT(why, HasSubstr("another version"));
+}
+
+TEST(Asking, WhatIsToBeSeenIsSaidInTheRequest) {
+  Line line;
+  EXPECT_EQ(viewOf(line).status, std::nullopt);
+  line.all = true;
+  EXPECT_EQ(viewOf(line).status, "all");
+  line.openOnly = true;
+  EXPECT_EQ(viewOf(line).status, "open");
+  line.mineOnly = true;
+  EXPECT_EQ(viewOf(line).status, "mine");
+  line.sinceMs = 5;
+  EXPECT_EQ(viewOf(line).holdMs, 5);
 }
 
 }  // namespace

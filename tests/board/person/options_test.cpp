@@ -1,64 +1,106 @@
 #include "board/person/options.h"
 
-#include "board/desk.h"
+#include "board/verbs/person.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string>
 #include <vector>
 
 namespace quillpost::board {
 namespace {
 
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using Words = std::vector<std::string>;
 
-std::optional<Options> read(const std::vector<std::string>& arguments) {
-  std::string why;
-  std::optional<Options> options = readOptions(arguments, why);
-  EXPECT_NE(options.has_value(), !why.empty());
-  return options;
+std::optional<Line> read(const Words& arguments) {
+  Misuse misuse;
+  std::optional<Line> line = readLine(arguments, misuse);
+  EXPECT_NE(line.has_value(), !misuse.why.empty());
+  return line;
+}
+
+std::string whyNot(const Words& arguments) {
+  Misuse misuse;
+  EXPECT_FALSE(readLine(arguments, misuse));
+  return misuse.why;
 }
 
 TEST(Options, WithoutAnyTheBoardIsServed) {
-  const auto options = read({});
-  ASSERT_TRUE(options);
-  EXPECT_EQ(options->command, "serve");
-  EXPECT_EQ(options->leaseMs, 900'000);
-  EXPECT_EQ(options->suffix, std::nullopt);
+  const auto line = read({});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->command->name, "serve");
+  EXPECT_EQ(line->leaseMs, 900'000);
+  EXPECT_EQ(line->suffix, "");
 }
 
 TEST(Options, MayStandBeforeOrAfterTheCommand) {
-  for (const auto& arguments : {std::vector<std::string>{"--dir", "/d", "answer", "t000001", "yes"},
-                                {"answer", "t000001", "yes", "--dir", "/d"}}) {
-    const auto options = read(arguments);
-    ASSERT_TRUE(options);
-    EXPECT_EQ(options->directory, "/d");
-    EXPECT_EQ(options->request.method, personAnswer);
-    EXPECT_EQ(options->request.taskID, "t000001");
-    EXPECT_EQ(options->request.body, "yes");
+  for (const Words& arguments : {Words{"--dir", "/d", "answer", "t000001", "yes"},
+                                 {"answer", "--dir", "/d", "t000001", "yes"},
+                                 {"answer", "t000001", "yes", "--dir=/d"}}) {
+    const auto line = read(arguments);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->directory, "/d");
+    EXPECT_EQ(line->request.method, personAnswer);
+    EXPECT_EQ(line->request.taskID, "t000001");
+    EXPECT_EQ(line->request.body, "yes");
   }
 }
 
 TEST(Options, EachFillsItsOwnPlace) {
-  const auto options = read({"--dir", "/d", "--db", "/b", "--suffix", "s", "--thread", "t"});
-  ASSERT_TRUE(options);
-  EXPECT_EQ(options->directory, "/d");
-  EXPECT_EQ(options->database, "/b");
-  EXPECT_EQ(options->suffix, "s");
-  EXPECT_EQ(options->request.name, "t");
+  const auto line = read({"--dir", "/d", "--db", "/b", "--suffix", "s", "--thread", "t", "--log"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->directory, "/d");
+  EXPECT_EQ(line->database, "/b");
+  EXPECT_EQ(line->suffix, "s");
+  EXPECT_EQ(line->thread, "t");
+  EXPECT_EQ(line->request.name, "t");
+  EXPECT_TRUE(line->isLogged);
+}
+
+TEST(Options, WordsAfterTheIdNeedNoQuotes) {
+  const auto line = read({"comment", "3", "use", "the", "second", "one"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->request.taskID, "3");
+  EXPECT_EQ(line->request.body, "use the second one");
+  EXPECT_EQ(read({"add", "Show", "the", "bread", "--priority", "2"})->request.title,
+            "Show the bread");
 }
 
 TEST(Options, AfterTwoDashesAWordMayBeginWithAnything) {
-  const auto options = read({"say", "KQ3", "--", "--help yourself"});
-  ASSERT_TRUE(options);
-  EXPECT_EQ(options->request.to, "KQ3");
-  EXPECT_EQ(options->request.body, "--help yourself");
+  const auto line = read({"say", "KQ3", "--", "--help", "yourself"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->request.to, "KQ3");
+  EXPECT_EQ(line->request.body, "--help yourself");
+  EXPECT_EQ(read({"say", "KQ3", "-5 degrees"})->request.body, "-5 degrees");
 }
 
-TEST(Options, TheLeaseIsInSeconds) {
+TEST(Options, WhatIsRunKeepsItsOwnOptions) {
+  const auto line = read({"run", "--thread", "x", "codex", "--no-daemon", "--help"});
+  ASSERT_TRUE(line);
+  EXPECT_EQ(line->thread, "x");
+  EXPECT_THAT(line->words, ElementsAre("codex", "--no-daemon", "--help"));
+  EXPECT_THAT(read({"run", "--", "--odd", "--thread"})->words, ElementsAre("--odd", "--thread"));
+  EXPECT_THAT(read({"run", "a", "--", "b"})->words, ElementsAre("a", "--", "b"));
+}
+
+TEST(Options, TimesAreSecondsOrHaveAUnit) {
   EXPECT_EQ(read({"--lease", "5"})->leaseMs, 5'000);
-  for (const char* wrong : {"0", "-1", "x", "", "99999999999999"})
-    EXPECT_FALSE(read({"--lease", wrong})) << wrong;
+  EXPECT_EQ(read({"serve", "--lease", "15m"})->leaseMs, 900'000);
+  EXPECT_EQ(read({"history", "--since", "2h"})->sinceMs, 7'200'000);
+  EXPECT_EQ(spanFrom("3d"), 259'200'000);
+  for (const char* wrong :
+       {"0", "-1", "x", "", "m", "1.5h", "99999999999999", "2147483648", "25000d"})
+    EXPECT_FALSE(spanFrom(wrong)) << wrong;
+}
+
+TEST(Options, ListsAreWithCommasOrRepeated) {
+  const auto line = read({"add", "x", "--waits-on", "1,2", "--waits-on", "t3", "--resources", ""});
+  ASSERT_TRUE(line);
+  EXPECT_THAT(*line->request.waitsOn, ElementsAre("1", "2", "t3"));
+  EXPECT_TRUE(line->request.resources->empty());
 }
 
 TEST(Options, TheSquadIsOnOrOff) {
@@ -67,24 +109,60 @@ TEST(Options, TheSquadIsOnOrOff) {
   EXPECT_FALSE(read({"squad", "maybe"}));
 }
 
-TEST(Options, WhatMakesNoSenseIsRefused) {
-  for (const auto& arguments : {std::vector<std::string>{"frobnicate"},
-                                {"--frobnicate", "x"},
-                                {"--dir"},
-                                {"--dir", ""},
-                                {"answer", "t000001"},
-                                {"answer", "t000001", "a", "b"},
-                                {"show", "me"},
-                                {"say"}}) {
-    EXPECT_FALSE(read(arguments)) << arguments.front();
+TEST(Options, WhatMakesNoSenseIsRefusedWithTheCommandThatWasMeant) {
+  struct Wrong {
+    Words arguments;
+    std::string why;
+    std::string command;
+  };
+  const Wrong wrongs[] = {
+      {{"frobnicate"}, "there is no command frobnicate", ""},
+      {{"anwser", "t1", "x"}, "there is no command anwser; did you mean answer?", ""},
+      {{"--frobnicate", "x"}, "there is no option --frobnicate", "serve"},
+      {{"show", "--opne"}, "there is no option --opne; did you mean --open?", "show"},
+      {{"--dir"}, "--dir wants a value", "serve"},
+      {{"--dir", ""}, "\"\" makes no sense for --dir", "serve"},
+      {{"show", "--log"}, "show takes no --log", "show"},
+      {{"show", "--json=yes"}, "--json takes no value", "show"},
+      {{"answer", "t000001"}, "answer takes: WHAT TEXT...", "answer"},
+      {{"show", "t1", "t2"}, "show takes: [WHAT]", "show"},
+      {{"threads", "x"}, "threads takes no words", "threads"},
+      {{"say"}, "say takes: HANDLE|all TEXT...", "say"},
+      {{"add", "x", "--priority", "high"}, "\"high\" makes no sense for --priority", "add"},
+      {{"run"}, "run takes: COMMAND...", "run"},
+  };
+  for (const Wrong& wrong : wrongs) {
+    Misuse misuse;
+    EXPECT_FALSE(readLine(wrong.arguments, misuse)) << wrong.why;
+    EXPECT_THAT(misuse.why, HasSubstr(wrong.why));
+    EXPECT_EQ(misuse.command == nullptr ? "" : misuse.command->name, wrong.command) << wrong.why;
   }
+  EXPECT_THAT(whyNot({"say", "all", "--what"}), HasSubstr("write -- before a text"));
 }
 
-TEST(Options, HelpTellsOfEveryCommand) {
-  EXPECT_EQ(read({"show", "--help"})->command, "help");
-  for (const char* name : {"serve", "seat", "show", "answer", "confirm-goal", "reopen-goal", "say",
-                           "squad", "restore", "--dir", "--db", "--suffix", "--thread", "--lease"})
-    EXPECT_THAT(std::string(usage()), HasSubstr(name));
+TEST(Options, HelpIsACommandWithTheOtherForAWord) {
+  for (const Words& arguments :
+       {Words{"show", "--help"}, {"--help", "show"}, {"show", "x", "-h"}}) {
+    const auto line = read(arguments);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->command->name, "help");
+    EXPECT_THAT(line->words, ElementsAre("show"));
+  }
+  EXPECT_TRUE(read({"--help"})->words.empty());
+  EXPECT_THAT(read({"help", "show"})->words, ElementsAre("show"));
+}
+
+TEST(Options, ATextMayComeFromStandardInputButOnlyOne) {
+  const auto whole = [] { return std::string("two\nlines\n\n"); };
+  auto line = read({"comment", "t1", "-"});
+  ASSERT_TRUE(line);
+  EXPECT_TRUE(fillFromInput(*line, whole));
+  EXPECT_EQ(line->request.body, "two\nlines\n") << "one line feed at the end is dropped";
+  line = read({"add", "-", "--body", "-"});
+  EXPECT_FALSE(fillFromInput(*line, whole));
+  line = read({"comment", "t1", "a", "-", "b"});
+  EXPECT_TRUE(fillFromInput(*line, [] { return std::string("never asked for"); }));
+  EXPECT_EQ(line->request.body, "a - b");
 }
 
 }  // namespace

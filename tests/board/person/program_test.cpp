@@ -1,35 +1,54 @@
 // quillpost-board as a person starts it: what goes to which stream, and its exit status.
 
-#include "board/person/options.h"
-#include "harness/paths.h"
-#include "harness/process.h"
+#include "board/person/commanded.h"
+#include "board/person/help.h"
 
 #include <gtest/gtest.h>
-
-#include <string>
-#include <utility>
-#include <vector>
 
 namespace quillpost::board {
 namespace {
 
-testing::Command boardCommand(std::vector<std::string> arguments) {
-  return {testing::boardProgram(), std::move(arguments), {}};
-}
-
 TEST(BoardProgram, HelpIsWhatWasAskedFor) {
-  testing::Process process(boardCommand({"--help"}));
-  EXPECT_EQ(process.restOfOutput(), usage());
-  EXPECT_EQ(process.errors(), "");
-  EXPECT_EQ(process.waitForExit(), 0);
+  const testing::TempDir dir;
+  EXPECT_EQ(typed(dir.path(), {"--help"}).output, overview());
+  for (const Command& command : commands()) {
+    const Said said = typed(dir.path(), {std::string(command.name), "--help"});
+    EXPECT_EQ(said.output, helpOn(command));
+    EXPECT_EQ(said.errors, "");
+    EXPECT_EQ(said.status, 0);
+  }
 }
 
-TEST(BoardProgram, WrongUseIsToldAndAnsweredWithHelpAmongTheErrors) {
-  testing::Process process(boardCommand({"frobnicate"}));
-  EXPECT_EQ(process.errors(),
-            "quillpost-board: there is no command frobnicate\n" + std::string(usage()));
-  EXPECT_EQ(process.restOfOutput(), "");
-  EXPECT_EQ(process.waitForExit(), 2);
+TEST(BoardProgram, WrongUseIsToldWithTheUsageOfThatCommandAlone) {
+  const testing::TempDir dir;
+  Said said = typed(dir.path(), {"anwser", "1", "x"});
+  EXPECT_EQ(said.errors,
+            "quillpost-board: there is no command anwser; did you mean answer?\n"
+            "usage: quillpost-board COMMAND (--help lists them)\n");
+  EXPECT_EQ(said.output, "");
+  EXPECT_EQ(said.status, 2);
+  said = typed(dir.path(), {"restore"});
+  EXPECT_EQ(said.errors,
+            "quillpost-board: restore takes: TASK\nusage: quillpost-board restore TASK\n");
+  EXPECT_EQ(said.status, 2);
+  EXPECT_EQ(typed(dir.path(), {"help", "frobnicate"}).status, 2);
+}
+
+TEST(BoardProgram, WhatWasWrittenSteersNoTerminalEither) {
+  const testing::TempDir dir;
+  EXPECT_EQ(typed(dir.path(), {"\x1b[2Jshow"}).errors.find('\x1b'), std::string::npos);
+}
+
+TEST(BoardProgram, TwoTextsCannotBothComeFromStandardInput) {
+  const testing::TempDir dir;
+  EXPECT_EQ(typed(dir.path(), {"add", "-", "--body", "-"}, {}, "x").status, 2);
+}
+
+TEST(BoardProgram, WithoutAHomeThereIsNoBoardToLookFor) {
+  testing::Process process({"/usr/bin/env",
+                            {"-i", testing::boardProgram(), "show", "--suffix", "none"},
+                            {{"HOME", "/nowhere"}}});
+  EXPECT_EQ(process.waitForExit(), 1);
 }
 
 }  // namespace

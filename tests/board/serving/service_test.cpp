@@ -303,10 +303,11 @@ TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown)
   desk.seat(R"("name":"another")");
   EXPECT_TRUE(wasRefused(person(personSquad, R"("approve":true)"), "(main, another)"));
   EXPECT_TRUE(wasWritten(person(personSquad, R"("approve":true,"name":"another")")));
-  EXPECT_THAT(person(personShow, "").message.value_or(""), HasSubstr("Thread main"));
+  EXPECT_THAT(person(personShow, "").message.value_or(""), HasSubstr(R"("cells":["main")"));
   Service again = desk.make();
   EXPECT_THAT(again.answer(requestOf("", personShow, "", "persons")).response.message.value_or(""),
-              HasSubstr("Thread main"))
+              HasSubstr(R"("thread","columns":["thread","tag","revision","squad","state","open",)"
+                        R"("finished","goal","charter"],"rows":[{"cells":["main")"))
       << "in the order of their making, whatever their tags";
 }
 

@@ -69,6 +69,76 @@ TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
   EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t9"));
 }
 
+TEST(Person, SpeaksToAllWhoAreHere) {
+  Desk desk;
+  EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"all","body":"Lunch")")));
+  EXPECT_THAT(desk.wakes("AA2"), ElementsAre("humanSaid"));
+  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
+}
+
+TEST(Person, ACommentLeavesAQuestionOpen) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+  desk.settle();
+  EXPECT_TRUE(wasWritten(desk.person(personComment, R"("taskID":"1","body":"Let me think")")));
+  EXPECT_TRUE(desk.task(id).blocked);
+  EXPECT_TRUE(desk.isWoken("BB3", "humanReplied " + id));
+  EXPECT_TRUE(wasRefused(desk.person(personComment, R"("taskID":"t9","body":"x")"), "t000009"));
+  EXPECT_TRUE(wasRefused(desk.person(personComment, R"("taskID":"1","body":" ")"), "Say"));
+}
+
+TEST(Person, SpeaksInADiscussionUntilItIsResolved) {
+  Desk desk;
+  desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["human","BB3"])");
+  EXPECT_TRUE(wasWritten(desk.person(personReply, R"("taskID":"d1","body":"Left")")));
+  EXPECT_TRUE(wasWritten(desk.person(personAnswer, R"("taskID":"d1","body":"Left, I said")")));
+  EXPECT_EQ(desk.board.discussions.find("d000001")->volleys.size(), 2u);
+  EXPECT_TRUE(wasRefused(desk.person(personReply, R"("taskID":"d2","body":"x")"), "d000002"));
+  desk.ask("AA2", "resolve_discussion", R"("discussionID":"d000001","body":"Left")");
+  EXPECT_TRUE(wasRefused(desk.person(personReply, R"("taskID":"d1","body":"x")"), "resolved"));
+}
+
+TEST(Person, SetsGoalAndCharter) {
+  Desk desk;
+  EXPECT_TRUE(wasWritten(desk.person(personGoal, R"("body":"Ship it")")));
+  EXPECT_TRUE(wasWritten(desk.person(personCharter, R"("body":"Owns the ship")")));
+  EXPECT_EQ(desk.board.thread().goal, "Ship it");
+  EXPECT_EQ(desk.board.thread().charter, "Owns the ship");
+  EXPECT_TRUE(wasRefused(desk.person(personGoal), "Say"));
+  EXPECT_TRUE(wasRefused(desk.person(personCharter, R"("body":" ")"), "Say"));
+}
+
+TEST(Person, ConfirmsOnlyWhatIsProposedAndDoneUnlessTheySayAnyway) {
+  Desk desk;
+  desk.person(personGoal, R"("body":"Ship it")");
+  desk.add("one");
+  EXPECT_TRUE(wasRefused(desk.person(personConfirmGoal),
+                         "No agent has proposed that it is complete. 1 task is still open. With "
+                         "--anyway"));
+  EXPECT_FALSE(desk.board.thread().goalComplete);
+  desk.ask("AA2", "propose_goal_complete", R"("acknowledgeOpenTasks":true)");
+  EXPECT_TRUE(wasRefused(desk.person(personConfirmGoal), "1 task is still open. With --anyway"));
+  EXPECT_TRUE(wasWritten(desk.person(personConfirmGoal, R"("acknowledgeOpenTasks":true)")));
+  EXPECT_TRUE(desk.board.thread().goalComplete);
+  EXPECT_TRUE(desk.isWoken("BB3", "goalConfirmed"));
+  EXPECT_TRUE(wasWritten(desk.person(personConfirmGoal))) << "said twice";
+  EXPECT_TRUE(wasRefused(desk.person(personGoal, R"("body":"More")"), "reopen-goal"));
+  EXPECT_TRUE(wasWritten(desk.person(personReopenGoal)));
+  EXPECT_TRUE(wasWritten(desk.person(personGoal, R"("body":"More")")));
+}
+
+TEST(Person, TakesASeatAwayWithWhatItsAgentHolds) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  EXPECT_TRUE(wasWritten(desk.person(personUnseat, R"("to":"bb3")")));
+  EXPECT_EQ(seatAt(desk.board, "BB3"), nullptr);
+  EXPECT_EQ(desk.task(id).state, TaskState::open);
+  EXPECT_TRUE(wasRefused(desk.person(personUnseat, R"("to":"BB3")"), "no seat"));
+}
+
 TEST(Person, IsHeardByAnAgentWhoseLeaseHasLapsed) {
   Desk desk;
   desk.pass(900);

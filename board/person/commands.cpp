@@ -1,0 +1,128 @@
+#include "board/person/commands.h"
+
+#include "base/files.h"
+#include "base/text.h"
+#include "board/verbs/person.h"
+
+#include <algorithm>
+
+namespace quillpost::board {
+
+namespace {
+
+// clang-format off
+constexpr std::string_view keeping = "Keeping a board", agents = "Agents", looking = "Looking",
+                           word = "Your word on tasks and discussions", goals = "Goal and team";
+
+constexpr Command commandRows[] = {
+    {keeping, "serve",   "",                 serve,      "",            "serve the board until it is interrupted",
+     "Without a command at all, this is what is done."},
+    {keeping, "export",  "FILE",             keep,       personExport,  "write everything into a new file, a line of JSON for each row"},
+    {keeping, "import",  "FILE",             keep,       personImport,  "take such lines into a file that has no board yet",
+     "The board must not be served meanwhile. What was exported and is imported is the same board."},
+    {keeping, "backup",  "FILE",             keep,       personBackup,  "copy the board's file into a new one, while it is served or not"},
+    {keeping, "check",   "",                 keep,       personCheck,   "say what is wrong with the board's file; status 1 when something is"},
+
+    {agents,  "run",     "COMMAND...",       runInSeat,  personSeat,    "run a harness in a seat of its own, which is freed when it ends",
+     "qp is put on its PATH, and its status is the status. With --host it runs on another machine, "
+     "which needs quillpost-teamwork and qp: ssh carries the board's socket there and nothing listens on a network. "
+     "Write -- before a command that begins with a dash."},
+    {agents,  "seat",    "",                 makeSeat,   personSeat,    "print the lines that put a new seat into a shell's environment"},
+    {agents,  "seats",   "",                 show,       personSeats,   "list all seats and who sits there"},
+    {agents,  "unseat",  "HANDLE",           ask,        personUnseat,  "take a seat away; what its agent holds goes back to the pool"},
+
+    {looking, "show",    "[WHAT]",           show,       personShow,    "show the board, or one task, discussion or agent whole",
+     "What needs you stands first. An id may be written without its zeros: t12, d3, or 12 for a task."},
+    {looking, "watch",   "",                 watchBoard, personShow,    "show the board and draw it anew whenever it moves",
+     "The bell rings when something new needs you. The command of --exec is then run by sh for each such thing, "
+     "which it finds in QUILLPOST_NEED_ID, QUILLPOST_NEED_KIND and QUILLPOST_NEED."},
+    {looking, "history", "[TASK]",           show,       personHistory, "list what moved: when, who and what"},
+    {looking, "threads", "",                 show,       personThreads, "list all threads with their counts"},
+    {looking, "thread",  "NAME",             ask,        personThread,  "make a thread"},
+
+    {looking, "help",    "[COMMAND]",        help,       "",            "say more about a command"},
+
+    {word,    "answer",  "WHAT TEXT...",     ask,        personAnswer,  "answer a task's question (an option by its number); comment or reply when it asks nothing"},
+    {word,    "comment", "TASK TEXT...",     ask,        personComment, "write on a task; a question of it stays open"},
+    {word,    "reply",   "DISCUSSION TEXT...", ask,      personReply,   "speak in a discussion"},
+    {word,    "add",     "TITLE...",         ask,        personAdd,     "file a task"},
+    {word,    "edit",    "TASK",             ask,        personEdit,    "change what is said of a task"},
+    {word,    "assign",  "TASK HANDLE",      ask,        personAssign,  "hand a task that nobody holds to an agent"},
+    {word,    "release", "TASK [REASON...]", ask,        personRelease, "take a task from its holder, back to the pool"},
+    {word,    "reopen",  "TASK [REASON...]", ask,        personReopen,  "put a task that is done or declined back into the pool"},
+    {word,    "done",    "TASK [OUTCOME...]", ask,       personDone,    "say that a task is done, whoever holds it"},
+    {word,    "reject",  "TASK [REASON...]", ask,        personReject,  "decline a task that nobody is to do"},
+    {word,    "delete",  "TASK [REASON...]", ask,        personDelete,  "delete a task; for seven days it can be put back"},
+    {word,    "restore", "TASK",             ask,        personRestore, "put a deleted task back as it was"},
+
+    {goals,   "goal",    "TEXT...",          ask,        personGoal,    "set the goal"},
+    {goals,   "charter", "TEXT...",          ask,        personCharter, "set the charter: one short line"},
+    {goals,   "confirm-goal", "",            ask,        personConfirmGoal, "confirm that the goal is complete"},
+    {goals,   "reopen-goal",  "",            ask,        personReopenGoal,  "take a proposal or a confirmation back"},
+    {goals,   "say",     "HANDLE|all TEXT...", ask,      personSay,     "say something to an agent, or to all"},
+    {goals,   "squad",   "on|off",           ask,        personSquad,   "let agents address each other, or not"},
+};
+
+constexpr std::string_view showing = "show history threads seats";
+constexpr std::string_view writing = "add edit";
+constexpr std::string_view fileUsers = "serve export import backup check";
+
+constexpr Option optionRows[] = {
+    {"--dir",       "DIR",     &Line::directory, "", "where the board is published and looked for (default: Quillpost-board in the application-support directory)"},
+    {"--suffix",    "NAME",    &Line::suffix,    "", "which board of that directory, when there are several (serving: board)"},
+    {"--thread",    "NAME",    &Line::thread,    "", "which thread of that board, when there are several"},
+    {"--db",        "FILE",    &Line::database,  fileUsers, "where the board is kept (default: board.db in DIR; \":memory:\" keeps nothing)"},
+    {"--lease",     "TIME",    Span{&Line::leaseMs}, "serve", "how long a claim is held without a sign of life: 900, 15m or 1h (default: 15m)"},
+    {"--log",       "",        &Line::isLogged,  "serve", "write a line for each request to standard error"},
+    {"--name",      "NAME",    &TeamworkRequest::agent, "run seat", "what the seat is called until its agent says otherwise"},
+    {"--host",      "USER@HOST", &Line::host,    "run", "run it on that machine, by ssh"},
+    {"--json",      "",        &Line::asJson,    showing, "print JSON"},
+    {"--mine",      "",        &Line::mineOnly,  "show watch", "only what needs you; of show the status is then 1 when there is something"},
+    {"--open",      "",        &Line::openOnly,  "show watch", "no task that is done, declined or deleted"},
+    {"--all",       "",        &Line::all,       "show watch", "every task, those that are done too"},
+    {"--exec",      "COMMAND", &Line::exec,      "watch", "what to run when something new needs you"},
+    {"--agent",     "HANDLE",  &TeamworkRequest::to, "history", "only what this agent did; \"human\" is you"},
+    {"--since",     "TIME",    Span{&Line::sinceMs}, "history", "only so far back: 90s, 30m, 2h, 3d"},
+    {"--title",     "TEXT",    &TeamworkRequest::title, "edit", "the title"},
+    {"--body",      "TEXT",    &TeamworkRequest::body, writing, "the brief; - reads standard input"},
+    {"--priority",  "NUMBER",  &TeamworkRequest::priority, writing, "higher comes first; 0 is normal"},
+    {"--type",      "TEXT",    &TeamworkRequest::taskType, writing, "what kind of work it is"},
+    {"--resources", "LIST",    &TeamworkRequest::resources, writing, "what it touches, with commas between"},
+    {"--waits-on",  "LIST",    &TeamworkRequest::waitsOn, writing, "the tasks it waits on, with commas between; \"\" for none"},
+    {"--role",      "TEXT",    &TeamworkRequest::assignedRole, writing, "the role it is meant for"},
+    {"--to",        "HANDLE",  &TeamworkRequest::routedToFingerprint, writing, "the agent it is meant for; \"\" for nobody"},
+    {"--anyway",    "",        &TeamworkRequest::acknowledgeOpenTasks, "confirm-goal delete", "though something stands against it"},
+    {"--help",      "",        Target(),         "", "say how a command is written"},
+};
+// clang-format on
+
+}  // namespace
+
+std::span<const Command> commands() { return commandRows; }
+
+std::span<const Option> options() { return optionRows; }
+
+const Command* commandNamed(std::string_view name) {
+  const Command* const found = std::ranges::find(commandRows, name, &Command::name);
+  return found == std::end(commandRows) ? nullptr : found;
+}
+
+bool takes(const Command& command, const Option& option) {
+  if (option.commands.empty()) return true;
+  const auto names = text::split(option.commands, ' ');
+  return std::ranges::find(names, command.name) != names.end();
+}
+
+std::string usualDatabase(const Line& line) { return files::joinPath(line.directory, "board.db"); }
+
+std::string usageOf(const Command& command) {
+  std::string line =
+      text::cat("quillpost-board ", command.name, command.words.empty() ? "" : " ", command.words);
+  for (const Option& option : options()) {
+    if (option.commands.empty() || !takes(command, option)) continue;
+    line += text::cat(" [", option.name, option.value.empty() ? "" : " ", option.value, "]");
+  }
+  return line;
+}
+
+}  // namespace quillpost::board

@@ -1,0 +1,128 @@
+// The board's own process.
+
+#include "base/clock.h"
+#include "base/files.h"
+#include "base/text.h"
+#include "board/person/commands.h"
+#include "board/person/console.h"
+#include "board/serving/listener.h"
+#include "board/serving/publication.h"
+#include "board/serving/service.h"
+#include "board/serving/store.h"
+
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <random>
+#include <system_error>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace quillpost::board {
+
+namespace {
+
+/// Where the signal handler writes, since a handler can be given nothing.
+int& stopWriter() {
+  static int descriptor = -1;
+  return descriptor;
+}
+
+extern "C" void stopServing(int) {
+  const ssize_t ignored = ::write(stopWriter(), "", 1);
+  static_cast<void>(ignored);
+}
+
+void report(const std::string& sentence) { complain(sentence); }
+
+int64_t epochMs() {
+  const auto since1970 = std::chrono::system_clock::now().time_since_epoch();
+  return std::chrono::duration_cast<std::chrono::milliseconds>(since1970).count();
+}
+
+/// The reading end of a pipe that can be read once the program is to stop; none when that fails.
+UniqueFd catchSignals() {
+  int ends[2];
+  if (::pipe(ends) != 0) return {};
+  UniqueFd reading(ends[0]);
+  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
+  ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
+  stopWriter() = ends[1];
+  struct sigaction action {};
+  action.sa_handler = stopServing;
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
+  return reading;
+}
+
+/// One line about a request, for `--log`: who asked what, and what came of it.
+void logRequest(const TeamworkRequest& request, const TeamworkResponse& response) {
+  // Of a session only so much as tells it from another: the rest of it is a secret.
+  constexpr std::size_t told = 4;
+  const std::string about = request.taskID.value_or(request.discussionID.value_or(""));
+  const bool isError = response.kind == TeamworkResponse::Kind::error;
+  report(text::cat(request.sessionID.empty() ? "person" : request.sessionID.substr(0, told), " ",
+                   request.method, about.empty() ? "" : " ", about, ": ",
+                   json::wordFor(response.kind), isError ? ": " : "",
+                   isError ? response.message.value_or("") : ""));
+}
+
+}  // namespace
+
+int serve(const Line& line, const Surroundings&) {
+  ::umask(S_IRWXG | S_IRWXO);
+  const UniqueFd stop = catchSignals();
+  if (!stop) return complain("no pipe to be stopped by");
+  std::error_code failed;
+  std::filesystem::create_directories(line.directory, failed);
+  if (failed) return complain(text::cat("cannot make ", line.directory, ": ", failed.message()));
+
+  std::string why;
+  std::optional<Store> store = Store::open(line.database, why);
+  if (!store) return complain(why);
+  std::optional<Loaded> loaded = store->load(why);
+  if (!loaded) return complain(why);
+  for (const std::string& damage : loaded->damages) complain(damage);
+
+  std::random_device device;
+  const Random random = [&device] { return static_cast<uint32_t>(device()); };
+  SteadyClock clock;
+  // From here on by the steady clock, so that no lease ends because somebody sets the time.
+  const Now now = [&clock, startMs = epochMs(), start = clock.now()] {
+    return startMs +
+           std::chrono::duration_cast<std::chrono::milliseconds>(clock.now() - start).count();
+  };
+  auto publication =
+      Publication::open(line.directory, line.suffix.empty() ? "board" : line.suffix, random, why);
+  if (!publication) return complain(why);
+  const BoardFiles& files = publication->files();
+  Listener* listening = nullptr;
+  const auto care = [&] {
+    if (UniqueFd socket = publication->restore(); socket && listening != nullptr) {
+      listening->listenOn(std::move(socket));
+      complain(text::cat(files.socket, " was deleted, and is published again"));
+    }
+  };
+  Settings settings{publication->token(),
+                    publication->personToken(),
+                    line.leaseMs,
+                    files.socket,
+                    files.token,
+                    report,
+                    care};
+  if (line.isLogged) settings.log = logRequest;
+  Service service(*store, std::move(loaded->boards), std::move(settings), now, random);
+  Listener listener(publication->takeSocket(), service, clock);
+  listening = &listener;
+  std::fputs(text::cat("quillpost-board: listening on ", files.socket, ", board in ", line.database,
+                       ", lease ", line.leaseMs / 1000, " s\n")
+                 .c_str(),
+             stderr);
+  listener.run(stop.get());
+  return service.isOver() ? failure : 0;
+}
+
+}  // namespace quillpost::board

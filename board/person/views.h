@@ -1,0 +1,28 @@
+#pragma once
+
+// The person's methods that show something: each answered with a sheet.
+
+#include "board/rules/board.h"
+#include "board/rules/leases.h"
+#include "board/serving/store.h"
+#include "model/request.h"
+#include "model/response.h"
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+namespace quillpost::board {
+
+/// Whether a method is one of these.
+bool isViewing(std::string_view method);
+
+/// What the Threads that are meant, in the order of their making, have to show. Of several the
+/// first counts for what only one can show. Refused in words when there is no such thing.
+TeamworkResponse view(std::span<const Board* const> boards, const Store& store,
+                      const TeamworkRequest& request, Moment at);
+
+/// The revision of all these Threads together, which goes up whenever one of theirs does.
+int64_t revisionOf(std::span<const Board* const> boards);
+
+}  // namespace quillpost::board

@@ -1,0 +1,45 @@
+#include "board/person/commands.h"
+
+#include "base/text.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+
+namespace quillpost::board {
+namespace {
+
+TEST(Commands, EachStandsOnceAndOptionsNameOnlyThese) {
+  std::set<std::string_view> names;
+  for (const Command& command : commands()) {
+    EXPECT_TRUE(names.insert(command.name).second) << command.name;
+    EXPECT_EQ(commandNamed(command.name), &command);
+    EXPECT_NE(command.run, nullptr) << command.name;
+    EXPECT_FALSE(command.gist.empty()) << command.name;
+  }
+  EXPECT_EQ(commandNamed("frobnicate"), nullptr);
+  std::set<std::string_view> options_;
+  for (const Option& option : options()) {
+    EXPECT_TRUE(options_.insert(option.name).second) << option.name;
+    EXPECT_TRUE(option.name.starts_with("--")) << option.name;
+    if (option.commands.empty()) continue;
+    for (const std::string_view name : text::split(option.commands, ' '))
+      EXPECT_TRUE(names.contains(name)) << option.name << " is said to be of " << name;
+  }
+}
+
+TEST(Commands, AUsageLineHasTheWordsAndTheCommandsOwnOptions) {
+  EXPECT_EQ(usageOf(*commandNamed("confirm-goal")), "quillpost-board confirm-goal [--anyway]");
+  EXPECT_EQ(usageOf(*commandNamed("history")),
+            "quillpost-board history [TASK] [--json] [--agent HANDLE] [--since TIME]");
+}
+
+TEST(Commands, TheUsualFileLiesInTheBoardsFolder) {
+  Line line;
+  line.directory = "/d";
+  EXPECT_EQ(usualDatabase(line), "/d/board.db");
+}
+
+}  // namespace
+}  // namespace quillpost::board
