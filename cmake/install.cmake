@@ -1,22 +1,18 @@
-# What `cmake --install` puts where, and what `cpack` packs: the component "teamwork". The component
-# "board" is a development tool and is installed only when it is named.
+# What `cmake --install` puts where, and what `cpack` packs: the component "teamwork".
 
 include(GNUInstallDirs)
 set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
-install(TARGETS quillpost-teamwork qp RUNTIME COMPONENT teamwork)
-if(TARGET quillpost-board)
-  install(TARGETS quillpost-board RUNTIME COMPONENT board EXCLUDE_FROM_ALL)
-endif()
+install(TARGETS quillpost-teamwork qp quillpost-board RUNTIME COMPONENT teamwork)
 
-install(FILES man/quillpost-teamwork.1 man/qp.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
+install(FILES man/quillpost-teamwork.1 man/qp.1 man/quillpost-board.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
 
 file(GLOB pages CONFIGURE_DEPENDS *.md)
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT teamwork)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT teamwork
   FILES_MATCHING PATTERN "*.md")
-foreach(harness claude codex cursor antigravity git)
-  install(DIRECTORY contrib/${harness} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
+foreach(folder claude codex cursor antigravity git systemd launchd)
+  install(DIRECTORY contrib/${folder} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
     COMPONENT teamwork USE_SOURCE_PERMISSIONS)
 endforeach()
 
@@ -71,7 +67,7 @@ endif()
 set(CPACK_PACKAGE_NAME quillpost-teamwork)
 set(CPACK_PACKAGE_VENDOR Quillpost)
 set(CPACK_PACKAGE_CONTACT "Quillpost <teamwork@quillpost.invalid>")
-set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Seat on a shared work board for an AI coding agent")
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Shared work board for AI coding agents: board, seat, command line")
 set(CPACK_PACKAGE_FILE_NAME
   quillpost-teamwork-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_VERBATIM_VARIABLES ON)
@@ -86,12 +82,11 @@ if(DPKG_DEB)
   set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
   set(CPACK_DEBIAN_PACKAGE_SECTION devel)
   find_program(DPKG_SHLIBDEPS dpkg-shlibdeps)
-  if(staticPie)
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS "")
-  elseif(DPKG_SHLIBDEPS)
+  # The board uses the system's database library, the other two nothing where they are static.
+  if(DPKG_SHLIBDEPS)
     set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
   else()
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS libc6)
+    set(CPACK_DEBIAN_PACKAGE_DEPENDS "libc6, libsqlite3-0")
   endif()
 endif()
 set(CPACK_PROJECT_CONFIG_FILE ${PROJECT_SOURCE_DIR}/cmake/package.cmake)

@@ -3,8 +3,8 @@
 
     demo.py BUILD [--serve]
 
-BUILD is the folder with the built programs. With --serve the board then runs on until Ctrl-C, for
-agents of yours. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
+BUILD is the folder with the built programs. With --serve a board of your own is then served until
+Ctrl-C, and kept. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
 this file from top to bottom: Seat is all that a harness has to do, play() is what agents do,
 first through tools and then, in playByShell(), with commands alone.
 """
@@ -126,15 +126,16 @@ def start(cleanup, command, **options):
 
 
 class Board:
-    """A quillpost-board that serves in a folder of its own, and the person who commands it."""
+    """A quillpost-board that serves in a folder, and the person who commands it. Without a folder
+    it is the one that agents look in by themselves."""
 
-    def __init__(self, cleanup, build, folder):
+    def __init__(self, cleanup, build, folder=None):
         self.program = os.path.join(build, "quillpost-board")
-        self.folder = folder
+        self.where = ["--dir", folder] if folder else []
         signal.alarm(PATIENCE)
-        self.process = start(cleanup, [self.program, "serve", "--dir", folder],
+        self.process = start(cleanup, [self.program, "serve", *self.where],
                              stdin=subprocess.DEVNULL, stderr=subprocess.PIPE)
-        say("person", "$", "quillpost-board serve --dir " + folder)
+        say("person", "$", shlex.join(["quillpost-board", "serve", *self.where]))
         greeting = self.process.stderr.readline().strip()
         check("listening on" in greeting, "a board that listens", greeting)
         say("", " ", greeting)
@@ -144,7 +145,7 @@ class Board:
         signal.alarm(PATIENCE)
         say("person", "$", shlex.join(["quillpost-board", *words]))
         done = subprocess.run(
-            [self.program, "--dir", self.folder, *words], stdin=subprocess.DEVNULL,
+            [self.program, *self.where, *words], stdin=subprocess.DEVNULL,
             capture_output=True, encoding="utf-8", check=False)
         said = done.stdout + done.stderr
         check(done.returncode == 0 and expect in said, expect, said)
@@ -384,20 +385,20 @@ def playByShell(board, ada, bo, bread, page):
         seat.wakeByShell({"goalComplete": True, "resolved": True, "obligations.clear": True})
         seat.shell("qp leave", "You have left the board.")
         seat.stop(NOTHING_WAITS)
-    board.command("show", expect="The goal is complete.")
+    board.command("show", expect="GOAL COMPLETE")
 
 
-def serve(board, program):
-    """Leaves the board to the person, on a thread where nothing has happened yet."""
-    title("The board runs on, until Ctrl-C",
-          "An agent of yours gets a thread of its own. Its terminal needs these lines:")
-    board.seat("--thread", "yours")
+def serve(cleanup, build, program):
+    """Leaves a board to the person: their own, of which nothing is ever deleted here."""
+    title("A board of your own, until Ctrl-C",
+          "It is kept in the file that it names, and is there again the next time it is served.")
+    board = Board(cleanup, build)
     print("\nIn the harness's MCP configuration:\n")
     print(json.dumps({"mcpServers": {"teamwork": {"command": program}}}, indent=2))
     print("\nAs the harness's stop hook:\n\n" + shlex.join([program, "--wake-stop-hook"]))
-    print("\nAnd this shows the thread:\n\n"
-          + shlex.join([board.program, "--dir", board.folder, "--thread", "yours", "show"]),
-          flush=True)
+    print("\nThese say what it is for, start an agent on it, and show it:\n")
+    for words in (["goal", "WHAT IT IS FOR"], ["run", "HARNESS"], ["watch"]):
+        print(shlex.join([board.program, *words]), flush=True)
     signal.alarm(0)
     with contextlib.suppress(KeyboardInterrupt):
         board.process.wait()
@@ -425,11 +426,11 @@ def run(build, staysOpen):
             bo.close()
             print("\n" + paint("good", "Every step came out as expected") +
                   f", in {time.monotonic() - begin:.1f} seconds.", flush=True)
-            if staysOpen:
-                serve(board, ada.program)
             board.close()
             left = [name for name in os.listdir(folder) if not name.startswith("board.db")]
             check(not left, "no socket and no token left", left)
+            if staysOpen:
+                serve(cleanup, build, ada.program)
         finally:
             # Nothing interrupts the tidying up.
             signal.alarm(0)

@@ -1,6 +1,7 @@
 // The ready configuration files in contrib/, each read as its harness reads it and the command in
 // it started as its harness starts it.
 
+#include "base/clock.h"
 #include "base/text.h"
 #include "contrib/toml.h"
 #include "harness/paths.h"
@@ -13,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <csignal>
 #include <map>
 #include <optional>
 #include <ostream>
@@ -260,6 +263,48 @@ INSTANTIATE_TEST_SUITE_P(
                  "",
                  "{\"decision\":\"stop\"}\n"}),
     hookName);
+
+/// Holds a command of a unit to serving a board in the place where agents look, until it is told to
+/// end.
+void expectToServe(const std::vector<std::string>& words) {
+  ASSERT_EQ(words.size(), 2u);
+  EXPECT_THAT(words[0], ::testing::EndsWith("/bin/quillpost-board"));
+  EXPECT_EQ(words[1], "serve");
+  const TempDir home;
+  const std::map<std::string, std::string> variables = {{"HOME", home.path()},
+                                                        {"XDG_DATA_HOME", home.path()}};
+  Process board({testing::boardProgram(), {words[1]}, variables});
+  const auto status = [&] {
+    return Process({testing::boardProgram(), {"threads"}, variables}).waitForExit();
+  };
+  const Instant deadline = SteadyClock().now() + std::chrono::seconds(60);
+  while (status() != 0 && SteadyClock().now() < deadline) continue;
+  EXPECT_EQ(status(), 0);
+  board.signal(SIGTERM);
+  EXPECT_EQ(board.waitForExit(), 0) << "so that nothing starts it again";
+}
+
+/// What stands between two texts after a third one; empty when they are not there.
+std::string between(const std::string& whole, std::string_view after, std::string_view begin,
+                    std::string_view end) {
+  const std::size_t at = whole.find(begin, whole.find(after)) + begin.size();
+  return whole.substr(at, whole.find(end, at) - at);
+}
+
+TEST(Units, TheSystemdUnitServesTheBoard) {
+  const std::string unit = contribFile("systemd/quillpost-board.service");
+  const std::string command = between(unit, "[Service]", "\nExecStart=", "\n");
+  std::vector<std::string> words;
+  for (const std::string_view word : text::split(command, ' ')) words.emplace_back(word);
+  expectToServe(words);
+}
+
+TEST(Units, TheLaunchdPropertyListServesTheBoard) {
+  const std::string list = contribFile("launchd/quillpost.board.plist");
+  const std::string array = between(list, "<key>ProgramArguments</key>", "<array>", "</array>");
+  const std::string first = between(array, "", "<string>", "</string>");
+  expectToServe({first, between(array, first, "<string>", "</string>")});
+}
 
 TEST(Toml, IsReadAsFarAsAConfigurationNeedsIt) {
   const std::optional<Toml> toml =

@@ -42,6 +42,22 @@ TEST(Docs, TheManualOfTheCommandLineIsWhatTheProgramPrints) {
   EXPECT_EQ(command.waitForExit(), 0);
 }
 
+/// What the board's program says of itself when it is asked for a page.
+std::string boardPage(const std::string& name) {
+  testing::Process board({testing::boardProgram(), {"help", name}, {}});
+  const std::string page = board.restOfOutput();
+  EXPECT_EQ(board.waitForExit(), 0);
+  return page;
+}
+
+TEST(Docs, TheBoardsManualAndItsListOfCommandsAreWhatTheProgramPrints) {
+  EXPECT_TRUE(matchesGolden(testing::inSources("man/quillpost-board.1"), boardPage("manual-page")));
+  const std::string path = pathOf("board.md");
+  const std::string list = "\n" + boardPage("command-list") + "\n";
+  EXPECT_TRUE(matchesGolden(path, filled(readFile(path), {{"commands", list}})));
+  EXPECT_EQ(countOf(readFile(path), "commands -->"), 1);
+}
+
 TEST(Docs, ThePageOfTheCommandLineIsWhatItsHelpSays) {
   const std::string path = pathOf("qp.md");
   EXPECT_TRUE(matchesGolden(path, filled(readFile(path), commandBlocks())));

@@ -1,7 +1,9 @@
 // The commands that ask a served board once, and print what it says.
 
 #include "base/environment.h"
+#include "base/text.h"
 #include "board/person/client.h"
+#include "board/person/command_path.h"
 #include "board/person/commands.h"
 #include "board/person/console.h"
 #include "board/person/seat.h"
@@ -33,11 +35,11 @@ int show(const Line& line, const Surroundings&) {
   return line.mineOnly && needs != nullptr && !needs->rows.empty() ? failure : 0;
 }
 
-int makeSeat(const Line& line, const Surroundings&) {
+int makeSeat(const Line& line, const Surroundings& around) {
   std::string why;
   const std::optional<NewSeat> seat = askForSeat(line, why);
   if (!seat) return complain(why);
-  print(seat->lines);
+  print(text::cat(seat->lines, commandPathLine(around.program, ProcessEnvironment())));
   complain(seat->sentence);
   return 0;
 }

@@ -20,9 +20,6 @@ std::string mintSecret(const Random& random);
 /// Whether a text has the form of such a secret.
 bool isSecret(std::string_view text);
 
-/// A word as a shell takes it, whatever stands in it.
-std::string quotedForShell(std::string_view word);
-
 /// What a terminal's environment holds for its seat.
 struct SeatEnvironment {
   std::string sessionID;

@@ -1,7 +1,7 @@
 # Builds the checkout that this file belongs to. Put a link to it into the Formula folder of a tap of
 # your own, then: brew install --HEAD <tap>/quillpost-teamwork
 class QuillpostTeamwork < Formula
-  desc "Seat on a shared work board for an AI coding agent"
+  desc "Shared work board for AI coding agents: board, seat, command line"
   head "file://#{File.expand_path("../..", File.dirname(File.realpath(__FILE__)))}",
        using: :git, branch: "main"
 
@@ -13,13 +13,14 @@ class QuillpostTeamwork < Formula
   def install
     system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DBUILD_TESTING=OFF",
            "-DCMAKE_BUILD_TYPE=Release", *std_cmake_args
-    system "cmake", "--build", "build", "--target", "quillpost-teamwork"
+    system "cmake", "--build", "build", "--target", "programs"
     system "cmake", "--install", "build", "--component", "teamwork"
   end
 
   test do
     ping = '{"jsonrpc":"2.0","id":1,"method":"ping"}'
     assert_match '"result":{}', pipe_output(bin/"quillpost-teamwork", "#{ping}\n", 0)
+    assert_match "serve", shell_output("#{bin}/quillpost-board --help")
     assert_empty pipe_output("#{bin}/quillpost-teamwork --wake-stop-hook", "{}", 0)
   end
 end
