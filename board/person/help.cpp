@@ -17,7 +17,7 @@ std::string inColumn(std::string_view begin, std::string_view words, std::size_t
   constexpr std::size_t width = 80;
   std::string out(begin);
   std::size_t at = begin.size();
-  if (at + 1 > column) {
+  if (at > 0 && at + 1 > column) {
     out += "\n";
     at = 0;
   }

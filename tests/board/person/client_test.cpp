@@ -70,6 +70,13 @@ TEST(Asking, SaysThatABoardDidNotAnswer) {
   EXPECT_THAT(why, HasSubstr("UTF-8"));
 }
 
+/// Every command looks whether somebody is there before it asks, and says nothing then.
+void answers(testing::ScriptedApp& app, const std::string& reply) {
+  app.otherwise([reply](const std::string& request) {
+    return request.empty() ? testing::closeWithoutReply() : testing::reply(reply);
+  });
+}
+
 /// A line that means the board of a directory.
 Line lineFor(const TempDir& dir) {
   Line line;
@@ -83,8 +90,7 @@ TEST(Asking, AServedBoardsRefusalIsToldInItsWords) {
   EXPECT_FALSE(askServed(lineFor(dir), {}, why));
   EXPECT_THAT(why, HasSubstr("quillpost-board serve"));
   testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
-  app.play(testing::closeWithoutReply());  // the look whether anybody is there
-  app.play(testing::reply(R"({"kind":"error","message":"Not like this."})"));
+  answers(app, R"({"kind":"error","message":"Not like this."})");
   EXPECT_FALSE(askServed(lineFor(dir), {}, why));
   EXPECT_EQ(why, "Not like this.");
 }
@@ -93,8 +99,7 @@ TEST(Asking, AnAnswerThatIsNoSheetIsOfAnotherVersion) {
   const TempDir dir;
   std::string why;
   testing::ScriptedApp app(dir.pathOf("teamwork-dev.sock"));
-  app.play(testing::closeWithoutReply());
-  app.play(testing::reply(R"({"kind":"written","message":"Thread main"})"));
+  answers(app, R"({"kind":"written","message":"Thread main"})");
   EXPECT_FALSE(askForSheet(lineFor(dir), {}, why));
   EXPECT_THAT(why, HasSubstr("another version"));
 }

@@ -39,7 +39,7 @@ TEST(BoardHelp, FitsATerminalOfTheUsualWidth) {
   std::string all = overview();
   for (const Command& command : commands()) all += helpOn(command);
   for (const std::string_view line : text::split(all, '\n'))
-    if (!line.starts_with("usage: ")) EXPECT_LE(line.size(), 80u) << line;
+    EXPECT_TRUE(line.starts_with("usage: ") || line.size() <= 80) << line;
 }
 
 }  // namespace
