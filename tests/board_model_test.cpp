@@ -9,6 +9,7 @@
 
 #include "base/text.h"
 #include "board_model/session.h"
+#include "harness/sanitized.h"
 
 #include <gtest/gtest.h>
 
@@ -24,7 +25,7 @@ namespace {
 /// Which sessions are played: `sessions` of them, each by the seed after the last one's.
 struct Run {
   uint64_t seed = 1;
-  uint64_t sessions = 2'000;
+  uint64_t sessions = QUILLPOST_SANITIZED ? 300 : 2'000;
 };
 Run run;
 

@@ -13,6 +13,7 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
+#include <chrono>
 #include <memory>
 #include <thread>
 
@@ -409,9 +410,10 @@ TEST(Listener, WithoutADescriptorItRestsRatherThanSpins) {
   tight.rlim_cur = static_cast<rlim_t>(UniqueFd(::dup(0)).get());
   ::setrlimit(RLIMIT_NOFILE, &tight);
   desk.step();
-  const Instant start = SteadyClock().now();
+  // The clock itself, since a sanitizer looks through a pipe at what is called through a table.
+  const auto start = std::chrono::steady_clock::now();
   desk.listener.step(milliseconds(20));
-  const Duration rested = SteadyClock().now() - start;
+  const auto rested = std::chrono::steady_clock::now() - start;
   ::setrlimit(RLIMIT_NOFILE, &usual);
   EXPECT_EQ(desk.listener.connections(), 0u);
   EXPECT_GE(rested, milliseconds(15));
