@@ -54,7 +54,8 @@ std::array<uint32_t, rounds> scheduleOf(std::string_view block) {
   std::array<uint32_t, rounds> words{};
   for (std::size_t i = 0; i < 16; ++i) words[i] = wordAt(block, i);
   for (std::size_t i = 16; i < rounds; ++i) {
-    const uint32_t a = words[i - 15], b = words[i - 2];
+    const uint32_t a = words[i - 15];
+    const uint32_t b = words[i - 2];
     const uint32_t mixedA = std::rotr(a, 7) ^ std::rotr(a, 18) ^ (a >> 3);
     const uint32_t mixedB = std::rotr(b, 17) ^ std::rotr(b, 19) ^ (b >> 10);
     words[i] = words[i - 16] + mixedA + words[i - 7] + mixedB;

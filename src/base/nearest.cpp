@@ -21,7 +21,9 @@ std::string plain(std::string_view word) {
 
 /// How many letters must be added, lost, changed or swapped with their neighbour.
 std::size_t distanceBetween(std::string_view a, std::string_view b) {
-  std::vector<std::size_t> before, last(b.size() + 1), row(b.size() + 1);
+  std::vector<std::size_t> before;
+  std::vector<std::size_t> last(b.size() + 1);
+  std::vector<std::size_t> row(b.size() + 1);
   for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= a.size(); ++i) {
     before = last;

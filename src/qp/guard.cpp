@@ -78,7 +78,8 @@ Roster rosterIn(const std::string& agents) {
 }  // namespace
 
 bool coversPath(std::string_view resource, std::string_view path) {
-  const std::string over(trimmed(resource)), under(trimmed(path));
+  const std::string over(trimmed(resource));
+  const std::string under(trimmed(path));
   if (over.empty() || under.empty()) return false;
   if (over == under || over == "." || under.starts_with(over + "/")) return true;
   // Without a flag "*" passes "/" too, as "**" is meant to.

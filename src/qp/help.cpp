@@ -22,7 +22,8 @@ std::string padded(std::string_view word, std::size_t width) {
 /// The text in lines of at most `lineWidth` bytes, each behind `indent` blanks.
 std::string wrapped(std::string_view text, std::size_t indent) {
   const std::string margin(indent, ' ');
-  std::string out, line = margin;
+  std::string out;
+  std::string line = margin;
   for (const std::string_view word : text::split(text, ' ')) {
     if (line.size() > indent && line.size() + 1 + word.size() > lineWidth) {
       out += line + "\n";
@@ -53,7 +54,8 @@ std::string optionHelp(const Property& property) {
 }
 
 std::string verbLines() {
-  constexpr std::size_t headingWidth = 23, nameWidth = 17;
+  constexpr std::size_t headingWidth = 23;
+  constexpr std::size_t nameWidth = 17;
   std::string lines;
   const auto add = [&](std::string_view heading, std::string_view name, std::string_view gist) {
     lines += text::cat(padded(heading, headingWidth), padded(name, nameWidth), gist, "\n");

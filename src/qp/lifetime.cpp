@@ -49,9 +49,12 @@ bool isAlive(const ProcessMark& process) {
 
 ProcessFacts readProcessLine(std::string_view line) {
   // The name stands in parentheses and may hold any character, a ")" too.
-  const std::size_t open = line.find('('), close = line.rfind(')');
+  const std::size_t open = line.find('(');
+  const std::size_t close = line.rfind(')');
   if (open == std::string_view::npos || close == std::string_view::npos || close < open) return {};
-  constexpr std::size_t stateAt = 1, parentAt = 2, startAt = 20;
+  constexpr std::size_t stateAt = 1;
+  constexpr std::size_t parentAt = 2;
+  constexpr std::size_t startAt = 20;
   const std::vector<std::string_view> fields = text::split(line.substr(close + 1), ' ');
   if (fields.size() <= startAt) return {};
   const std::optional<int64_t> parent = text::parseInteger(fields[parentAt]);

@@ -2,8 +2,8 @@
 
 #include "base/unicode.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 
 namespace quillpost {
 namespace {
@@ -18,16 +18,31 @@ std::string pictureOf(unsigned char control) {
   return picture;
 }
 
+/// The number of a character of two or three bytes; 0 for every other, since none of these steers.
+uint32_t numberOf(std::string_view character) {
+  const auto bits = [character](std::size_t at, uint32_t mask) {
+    return static_cast<unsigned char>(character[at]) & mask;
+  };
+  if (character.size() == 2) return bits(0, 0x1F) << 6U | bits(1, 0x3F);
+  if (character.size() == 3) return bits(0, 0x0F) << 12U | bits(1, 0x3F) << 6U | bits(2, 0x3F);
+  return 0;
+}
+
 /// Characters of several bytes that steer a terminal or turn the writing about.
 bool steers(std::string_view character) {
-  constexpr std::array<std::string_view, 12> turns = {"\u061C", "\u200E", "\u200F", "\u202A",
-                                                      "\u202B", "\u202C", "\u202D", "\u202E",
-                                                      "\u2066", "\u2067", "\u2068", "\u2069"};
-  for (const std::string_view turn : turns)
-    if (character == turn) return true;
-  // The second row of controls, U+0080 to U+009F.
-  return character.size() == 2 && character[0] == '\xC2' &&
-         static_cast<unsigned char>(character[1]) < 0xA0;
+  const uint32_t number = numberOf(character);
+  const auto isIn = [number](uint32_t first, uint32_t last) {
+    return number >= first && number <= last;
+  };
+  // The second row of controls; then marks, overrides and isolates of the direction of writing.
+  return isIn(0x80, 0x9F) || number == 0x061C || isIn(0x200E, 0x200F) || isIn(0x202A, 0x202E) ||
+         isIn(0x2066, 0x2069);
+}
+
+/// Whether it is a control that is drawn as a picture: all of one byte but line feed and tab.
+bool isDrawn(unsigned char byte) {
+  constexpr unsigned char del = 0x7F;
+  return byte == del || (byte < 0x20 && byte != '\n' && byte != '\t');
 }
 
 /// How many bytes the character at the start has; 0 when it is none in UTF-8.
@@ -46,14 +61,10 @@ std::string withVisibleControls(std::string_view text) {
     const auto first = static_cast<unsigned char>(text.front());
     const std::size_t length = first < 0x80 ? 1 : lengthOfFirst(text);
     const std::string_view character = text.substr(0, length);
-    if (length == 0) {
+    if (length == 0 || steers(character)) {
       out += unknownByte;
-    } else if (first == '\n' || first == '\t') {
-      out += character;
-    } else if (first < 0x20 || first == 0x7F) {
+    } else if (isDrawn(first)) {
       out += pictureOf(first);
-    } else if (steers(character)) {
-      out += unknownByte;
     } else {
       out += character;
     }

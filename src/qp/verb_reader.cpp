@@ -63,7 +63,7 @@ bool VerbReader::read(std::span<const std::string> words) {
       if (!readOption(words, at)) return false;
     } else if (takesOptions && word.size() > 1 && word.starts_with('-')) {
       return refuse(text::cat("there is no option ", word,
-                              "; a text that begins with \"-\" stands after \"--\""));
+                              R"(; a text that begins with "-" stands after "--")"));
     } else {
       words_.push_back(word);
     }
