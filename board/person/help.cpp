@@ -103,8 +103,8 @@ std::string overview() {
                  });
   out += text::cat("\nEvery command\n", optionLines(nullptr));
   return out +
-         "\nquillpost-board COMMAND --help says more. A text that is - is read from standard "
-         "input.\n";
+         "\nquillpost-board COMMAND --help says more.\n"
+         "A text that is - is read from standard input.\n";
 }
 
 std::string helpOn(const Command& command) {

@@ -63,7 +63,7 @@ TEST(Whole, AnAgentIsShownWithWhatItHoldsAndDidLast) {
   const std::string text = wholeOf(desk, "bb3");
   EXPECT_THAT(text, HasSubstr(text::cat("  BB3  ", desk.mark("BB3"), "  working  lease 15m")));
   EXPECT_THAT(text, HasSubstr("  Role: Reviewer\n"));
-  EXPECT_THAT(text, HasSubstr("IN WORK\n  t000001  BB3  0s  Frame\n"));
+  EXPECT_THAT(text, HasSubstr("IN WORK\n  t000001  BB3 Bo  0s  Frame\n"));
   EXPECT_THAT(text, HasSubstr("taskClaimed  t000001  Frame\n"));
   EXPECT_EQ(wholeOf(desk, "Bo"), text) << "by its name too";
 }

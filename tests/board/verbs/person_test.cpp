@@ -64,9 +64,9 @@ TEST(Person, AnAnswerToOnesOwnBlockerReachesWhoeverFiledTheTaskToo) {
 
 TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
   Desk desk;
-  EXPECT_TRUE(wasRefused(desk.person(personAnswer, R"("taskID":"t9","body":"x")"), "t9"));
+  EXPECT_TRUE(wasRefused(desk.person(personAnswer, R"("taskID":"t9","body":"x")"), "t000009"));
   EXPECT_TRUE(wasRefused(desk.person(personConfirmGoal), "no goal"));
-  EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t9"));
+  EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t000009"));
 }
 
 TEST(Person, SpeaksToAllWhoAreHere) {

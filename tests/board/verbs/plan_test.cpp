@@ -18,7 +18,8 @@ TEST(Goal, IsProposedByAgentsAndConfirmedByThePerson) {
       wasWritten(desk.ask("AA2", "propose_goal_complete", R"("acknowledgeOpenTasks":true)")));
   EXPECT_TRUE(desk.ask("BB3", "read_plan").plan->pendingGoalComplete);
   EXPECT_FALSE(desk.ask("BB3", "read_plan").plan->goalComplete);
-  desk.person(personConfirmGoal);
+  EXPECT_TRUE(wasRefused(desk.person(personConfirmGoal), "1 task is still open"));
+  desk.person(personConfirmGoal, R"("acknowledgeOpenTasks":true)");
   EXPECT_TRUE(desk.ask("BB3", "read_plan").plan->goalComplete);
   EXPECT_FALSE(desk.ask("BB3", "read_plan").plan->pendingGoalComplete);
   EXPECT_TRUE(wasRefused(desk.claim("BB3", id), "complete"));
