@@ -10,7 +10,7 @@ namespace {
 using enum ColumnKind;
 
 // What a terminal is told, after ESC [, to write in a colour.
-constexpr std::string_view plain = "";
+constexpr std::string_view plain;
 constexpr std::string_view loud = "1;33m";
 constexpr std::string_view red = "31m";
 constexpr std::string_view green = "32m";

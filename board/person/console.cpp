@@ -17,7 +17,8 @@ winsize sizeOfTerminal() {
   winsize size{};
   if (::isatty(STDOUT_FILENO) == 0) return size;
   // One that does not know its size, as on a serial line, is taken for the usual one.
-  constexpr unsigned short usualLines = 24, usualColumns = 80;
+  constexpr unsigned short usualLines = 24;
+  constexpr unsigned short usualColumns = 80;
   const bool isKnown = ::ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
   if (!isKnown) size.ws_col = usualColumns;
   if (!isKnown || size.ws_row == 0) size.ws_row = usualLines;

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "base/unicode.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -50,9 +51,9 @@ CodePoint firstOf(std::string_view text) {
 
 bool steers(uint32_t value) {
   if (value == '\n' || value == '\t') return false;
-  for (const Range& range : steering)
-    if (value >= range.first && value <= range.last) return true;
-  return false;
+  return std::ranges::any_of(steering, [value](const Range& range) {
+    return value >= range.first && value <= range.last;
+  });
 }
 
 std::string hexOf(uint32_t value) {

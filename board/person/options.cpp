@@ -24,6 +24,8 @@ template <class... Cases>
 struct Overloaded : Cases... {
   using Cases::operator()...;
 };
+template <class... Cases>
+Overloaded(Cases...) -> Overloaded<Cases...>;
 
 /// Puts a value where its option wants it; false when it makes no sense there.
 bool put(const Option& option, const std::string& value, Line& line) {

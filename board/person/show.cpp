@@ -199,6 +199,7 @@ void addTasks(Sheet& sheet, const Board& board, Extent extent) {
   constexpr std::array<std::string_view, 6> states = {"blocked", "working", "ready",
                                                       "waiting", "done",    "declined"};
   std::vector<Section> sections;
+  sections.reserve(states.size());
   for (const std::string_view state : states) sections.push_back(taskSection(state));
   std::vector<const Task*> tasks = board.tasks.with({openTasks, {}});
   if (extent == Extent::all) {

@@ -42,14 +42,19 @@ constexpr int leftToOthers[] = {SIGINT, SIGQUIT, SIGPIPE};
 
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
-  for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
+  pointers.reserve(texts.size() + 1);
+  // What is given them does not write there, though its type would let it.
+  for (const std::string& text : texts)
+    pointers.push_back(
+        const_cast<char*>(text.c_str()));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
   pointers.push_back(nullptr);
   return pointers;
 }
 
 /// A pipe whose ends are closed on exec; none when there is none to be had.
 struct Pipe {
-  UniqueFd reading, writing;
+  UniqueFd reading;
+  UniqueFd writing;
 
   Pipe() {
     int ends[2];
@@ -74,7 +79,8 @@ std::optional<Spawned> spawn(const Program& program, std::string& why) {
   ::posix_spawnattr_setsigdefault(&attributes, &usual);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
 
-  Pipe in, out;
+  Pipe in;
+  Pipe out;
   Spawned spawned;
   if (program.streams == Streams::piped) {
     ::posix_spawn_file_actions_adddup2(&files, in.reading.get(), STDIN_FILENO);

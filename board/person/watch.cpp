@@ -95,6 +95,22 @@ std::vector<const Section::Row*> newNeeds(const Sheet& sheet, Needs& known) {
   return fresh;
 }
 
+/// What a watcher sees: the board, or why there is none.
+std::string seenText(const std::optional<Sheet>& sheet, std::string_view why) {
+  if (!sheet) return text::cat(displayed(why), "\n");
+  std::string text = sheetText(*sheet, pageOf(ProcessEnvironment()));
+  return text.empty() ? "Nothing needs you.\n" : text;
+}
+
+/// Rings, and runs what the person wants run, for what newly needs them.
+void tellFresh(const Sheet& sheet, const std::vector<const Section::Row*>& fresh, const Line& line,
+               const Surroundings& around) {
+  if (fresh.empty()) return;
+  if (terminalLines() > 0) printLaidOut(bell);
+  if (line.exec.empty()) return;
+  for (const Section::Row* row : fresh) runFor(*sheet.find("needs"), *row, line, around);
+}
+
 int watchBoard(const Line& line, const Surroundings& around) {
   SteadyClock clock;
   Needs known;
@@ -109,10 +125,8 @@ int watchBoard(const Line& line, const Surroundings& around) {
     std::optional<Sheet> sheet = askForSheet(line, request, why);
     if (sheet) putAgentsFirst(*sheet);
     if (!sheet && isFirst) return complain(why);
-    const Page page = pageOf(ProcessEnvironment());
     const std::size_t lines = terminalLines();
-    std::string text = sheet ? sheetText(*sheet, page) : text::cat(displayed(why), "\n");
-    if (text.empty()) text = "Nothing needs you.\n";
+    const std::string text = seenText(sheet, why);
     // Without a terminal only what moved is worth printing, and not that time goes by.
     const bool hasMoved = !sheet || sheet->rev != rev;
     if (text != drawn && (lines > 0 || hasMoved)) {
@@ -127,11 +141,7 @@ int watchBoard(const Line& line, const Surroundings& around) {
     }
     rev = sheet->rev;
     const auto fresh = newNeeds(*sheet, known);
-    if (!isFirst && !fresh.empty()) {
-      if (lines > 0) printLaidOut(bell);
-      if (!line.exec.empty())
-        for (const Section::Row* row : fresh) runFor(*sheet->find("needs"), *row, line, around);
-    }
+    if (!isFirst) tellFresh(*sheet, fresh, line, around);
     isFirst = false;
   }
 }

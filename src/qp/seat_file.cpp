@@ -130,8 +130,8 @@ SeatMemory SeatFile::load() {
 }
 
 bool SeatFile::isAsKnown() const {
-  struct stat known {
-  }, now{};
+  struct stat known {};
+  struct stat now {};
   return known_ && ::fstat(known_.get(), &known) == 0 &&
          ::fstatat(folder_.get(), name_.c_str(), &now, AT_SYMLINK_NOFOLLOW) == 0 &&
          known.st_ino == now.st_ino && known.st_dev == now.st_dev;
