@@ -22,16 +22,17 @@ class CommitHook : public ::testing::Test {
         "claim t000001");
     committer.run("qp register Committer");
     committer.run(
-        "git init -q ~/work && cd ~/work && git config user.name C && git config user.email c@c &&"
+        "git init -q ~/project && cd ~/project && git config user.name C && git config user.email "
+        "c@c &&"
         "mkdir -p src/leases docs && echo 1 >src/leases/a.cpp && echo 1 >'docs/a b.md' && "
         "echo 1 >docs/ä.md && git add . && git commit -qm 'Before the hook'");
     committer.run(text::cat("cp '", testing::inSources("contrib/git/pre-commit"),
-                            "' ~/work/.git/hooks/pre-commit"));
+                            "' ~/project/.git/hooks/pre-commit"));
   }
 
   /// What a commit of the command's changes says, which must end with that status.
   std::string commitAfter(const std::string& command, int status) const {
-    return committer.run(text::cat("cd ~/work && { ", command, "; } && git add -A && ",
+    return committer.run(text::cat("cd ~/project && { ", command, "; } && git add -A && ",
                                    "git commit -qm 'A change' 2>&1"),
                          status);
   }
@@ -42,26 +43,27 @@ class CommitHook : public ::testing::Test {
 
 TEST_F(CommitHook, LetsPassWhatNobodyElseHolds) {
   EXPECT_EQ(commitAfter("echo 2 >'docs/a b.md'; echo 2 >docs/ä.md", 0), "");
-  EXPECT_EQ(committer.run("cd ~/work && git commit -q --allow-empty -m 'No file' 2>&1"), "");
+  EXPECT_EQ(committer.run("cd ~/project && git commit -q --allow-empty -m 'No file' 2>&1"), "");
 }
 
 TEST_F(CommitHook, StopsACommitOfWhatAnotherHoldsAndSaysWho) {
   const std::string said = commitAfter("echo 2 >src/leases/a.cpp", 1);
   EXPECT_TRUE(has(said, " holds t000001 (Parse leases): src/leases")) << said;
-  EXPECT_EQ(committer.run("cd ~/work && git log --oneline | wc -l | tr -d ' \n'"), "1");
+  EXPECT_EQ(committer.run("cd ~/project && git log --oneline | wc -l | tr -d ' \n'"), "1");
   // As any hook of git's, for a person who knows better.
-  committer.run("cd ~/work && git commit -qnm 'Past the hook'");
+  committer.run("cd ~/project && git commit -qnm 'Past the hook'");
 }
 
 TEST_F(CommitHook, StopsACommitThatMovesAwayOrDeletesWhatAnotherHolds) {
   commitAfter("git mv src/leases/a.cpp docs/a.cpp", 1);
-  committer.run("cd ~/work && git reset -q --hard");
+  committer.run("cd ~/project && git reset -q --hard");
   commitAfter("git rm -q src/leases/a.cpp", 1);
 }
 
 TEST_F(CommitHook, LetsTheHolderCommit) {
-  committer.run("chmod -R a+rX ~/work");
-  holder.run(text::cat("cd '", committer.home().pathOf("work"), "' && echo 2 >src/leases/a.cpp && ",
+  committer.run("chmod -R a+rX ~/project");
+  holder.run(text::cat("cd '", committer.home().pathOf("project"),
+                       "' && echo 2 >src/leases/a.cpp && ",
                        "git add -A && git commit -qm 'Its own'"));
 }
 
