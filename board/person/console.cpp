@@ -1,8 +1,8 @@
 #include "board/person/console.h"
 
+#include "base/display.h"
 #include "base/text.h"
 #include "board/person/commands.h"
-#include "board/person/display.h"
 
 #include <cstdio>
 

@@ -1,9 +1,9 @@
 // Sheets as text: for a terminal in its width and perhaps in colour, for a file as long as it is.
 
 #include "base/columns.h"
+#include "base/display.h"
 #include "base/text.h"
 #include "board/person/columns.h"
-#include "board/person/display.h"
 #include "board/person/sheet.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "board/person/sheet.h"
 
+#include "base/display.h"
 #include "board/person/columns.h"
-#include "board/person/display.h"
 #include "json/writer.h"
 
 #include <algorithm>

@@ -1,12 +1,12 @@
 #include "board/person/watch.h"
 
 #include "base/clock.h"
+#include "base/display.h"
 #include "base/environment.h"
 #include "base/text.h"
 #include "board/person/client.h"
 #include "board/person/commands.h"
 #include "board/person/console.h"
-#include "board/person/display.h"
 #include "board/person/spawn.h"
 
 #include <algorithm>

@@ -21,8 +21,7 @@ namespace {
 
 constexpr const char* cannotWrite =
     "The board cannot write to its file, so nothing was changed. Is its disk full? Reading goes "
-    "on; "
-    "try again in a moment.";
+    "on; try again in a moment.";
 
 /// The thread that the first seat of a new file is on.
 constexpr std::string_view firstThread = "main";

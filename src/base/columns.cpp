@@ -5,6 +5,7 @@
 #include <utf8proc.h>
 
 #include <algorithm>
+#include <optional>
 
 namespace quillpost::unicode {
 namespace {
@@ -14,12 +15,9 @@ namespace {
 std::size_t columnsOfOne(std::string_view character) {
   int widest = 0;
   while (!character.empty()) {
-    utf8proc_int32_t point = 0;
-    const auto length =
-        utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(character.data()),
-                         static_cast<utf8proc_ssize_t>(character.size()), &point);
-    widest = std::max(widest, length > 0 ? utf8proc_charwidth(point) : 1);
-    character.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    const std::optional<CodePoint> point = firstCodePoint(character);
+    widest = std::max(widest, point ? utf8proc_charwidth(point->value) : 1);
+    character.remove_prefix(point ? point->length : 1);
   }
   return static_cast<std::size_t>(widest);
 }

@@ -15,12 +15,6 @@ namespace quillpost::unicode {
 
 namespace {
 
-struct CodePoint {
-  int32_t value = 0;
-  /// In bytes, 1 to 4.
-  std::size_t length = 0;
-};
-
 bool isAscii(char byte) { return static_cast<unsigned char>(byte) < 0x80; }
 
 /// How many ASCII bytes `bytes` begins with.
@@ -39,7 +33,8 @@ const utf8proc_uint8_t* unsignedBytes(std::string_view bytes) {
   return reinterpret_cast<const utf8proc_uint8_t*>(bytes.data());
 }
 
-/// Nothing when `bytes` is empty or does not begin with well-formed UTF-8.
+}  // namespace
+
 std::optional<CodePoint> firstCodePoint(std::string_view bytes) {
   if (bytes.empty()) return std::nullopt;
   if (isAscii(bytes.front())) return CodePoint{bytes.front(), 1};
@@ -49,6 +44,8 @@ std::optional<CodePoint> firstCodePoint(std::string_view bytes) {
   if (length <= 0) return std::nullopt;
   return CodePoint{value, static_cast<std::size_t>(length)};
 }
+
+namespace {
 
 /// Nothing when `bytes` is empty or does not end with well-formed UTF-8.
 std::optional<CodePoint> lastCodePoint(std::string_view bytes) {

@@ -3,6 +3,8 @@
 // Text as a reader sees it: valid UTF-8, white space, case, user-perceived characters.
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +12,15 @@ namespace quillpost::unicode {
 
 /// Whether `bytes` is well-formed UTF-8 (no surrogates, no overlong forms, nothing cut off).
 bool isValid(std::string_view bytes);
+
+/// One code point of a text, and its bytes: 1 to 4.
+struct CodePoint {
+  int32_t value = 0;
+  std::size_t length = 0;
+};
+
+/// The first one; nothing when `bytes` is empty or does not begin with well-formed UTF-8.
+std::optional<CodePoint> firstCodePoint(std::string_view bytes);
 
 /// Appends one code point, which must be at most U+10FFFF and no surrogate.
 void append(std::string& out, char32_t codePoint);

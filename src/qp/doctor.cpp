@@ -1,7 +1,7 @@
 #include "qp/doctor.h"
 
+#include "base/display.h"
 #include "base/text.h"
-#include "qp/terminal_text.h"
 
 #include <array>
 #include <string>
@@ -108,18 +108,18 @@ std::vector<Finding> boardFindings(const Surroundings& around) {
   if (statusOf(reply.end) != Status::done)
     return {{.isGood = false,
              .what = "the board does not answer as it should",
-             .remedy = inOneLine(reply.text.sentences())}};
+             .remedy = displayedInLine(reply.text.sentences())}};
   std::vector<Finding> findings;
   findings.push_back(
       {.what = text::cat("the board answers", reply.threadTag.empty() ? "" : ", thread ",
-                         inOneLine(reply.threadTag))});
+                         displayedInLine(reply.threadTag))});
   const std::optional<json::Tree> roster = json::parse(reply.text.json());
   const json::TreeObject* const self = roster ? ownRowIn(*roster) : nullptr;
   const std::string_view handle =
       self != nullptr ? json::findText(*self, "handle").value_or("") : "";
   findings.push_back({.what = self != nullptr
                                   ? text::cat("this seat is registered",
-                                              handle.empty() ? "" : " as ", inOneLine(handle))
+                                              handle.empty() ? "" : " as ", displayedInLine(handle))
                                   : std::string("this seat is not registered yet: qp register")});
   const SeatState& state = desk.seat().state;
   const std::string path = desk.file().path();

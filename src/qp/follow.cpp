@@ -1,7 +1,7 @@
 #include "qp/follow.h"
 
+#include "base/display.h"
 #include "base/text.h"
-#include "qp/terminal_text.h"
 #include "render/obligations.h"
 
 #include <algorithm>
@@ -12,8 +12,8 @@ namespace {
 
 /// A reason's own words, behind its task where they do not name it.
 std::string wordsOf(const TeamworkWakeReason& reason) {
-  const std::string summary = inOneLine(reason.summary);
-  const std::string task = inOneLine(reason.taskID.value_or(""));
+  const std::string summary = displayedInLine(reason.summary);
+  const std::string task = displayedInLine(reason.taskID.value_or(""));
   const bool isNamed = task.empty() || summary.find(task) != std::string::npos;
   return isNamed ? summary : text::cat(task, " ", summary);
 }
@@ -34,11 +34,12 @@ std::string FollowLines::linesFor(const TeamworkChangeFeed& feed) {
   for (const TeamworkWakeReason& reason : feed.wakeReasons)
     add(text::cat("woken: ", wordsOf(reason)));
   for (const TeamworkSquadMessage& message : feed.messages)
-    add(text::cat("message from ", inOneLine(message.from), ": ", inOneLine(message.text)));
+    add(text::cat("message from ", displayedInLine(message.from), ": ",
+                  displayedInLine(message.text)));
   for (const TeamworkChange& change : feed.changes) {
     if (isTold(change, feed)) continue;
-    const std::string task = inOneLine(change.taskID.value_or(""));
-    add(text::cat("moved: ", inOneLine(change.kind), task.empty() ? "" : " ", task));
+    const std::string task = displayedInLine(change.taskID.value_or(""));
+    add(text::cat("moved: ", displayedInLine(change.kind), task.empty() ? "" : " ", task));
   }
   if (feed.pendingGoalComplete != std::exchange(toldPending_, feed.pendingGoalComplete))
     add(feed.pendingGoalComplete ? "the goal is proposed complete"

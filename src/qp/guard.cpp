@@ -1,8 +1,8 @@
 #include "qp/guard.h"
 
+#include "base/display.h"
 #include "base/text.h"
 #include "qp/options.h"
-#include "qp/terminal_text.h"
 
 #include <algorithm>
 #include <vector>
@@ -117,8 +117,8 @@ Status guard(std::span<const std::string> paths, const Surroundings& around) {
     if (holding.owner.empty() || holding.owner == roster.self) continue;
     isHeld = true;
     around.console.output.write(
-        inOneLine(text::cat(roster.nameOf(holding.owner), " holds ", holding.task, " (",
-                            holding.title, "): ", text::join(holding.resources, ", "))) +
+        displayedInLine(text::cat(roster.nameOf(holding.owner), " holds ", holding.task, " (",
+                                  holding.title, "): ", text::join(holding.resources, ", "))) +
         "\n");
   }
   return isHeld ? Status::refused : Status::done;

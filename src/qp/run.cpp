@@ -1,5 +1,6 @@
 #include "qp/run.h"
 
+#include "base/display.h"
 #include "base/nearest.h"
 #include "base/text.h"
 #include "base/unicode.h"
@@ -13,7 +14,6 @@
 #include "qp/manual.h"
 #include "qp/options.h"
 #include "qp/show.h"
-#include "qp/terminal_text.h"
 #include "tools/tool_name.h"
 
 #include <optional>
@@ -31,7 +31,7 @@ Status misuse(const Misuse& wrong, const Console& console) {
   }
   std::string text = text::cat("qp: ", wrong.why, "\n");
   if (wrong.tool != nullptr) text += text::cat("usage: ", usageLine(*wrong.tool), "\n");
-  console.errors.write(withVisibleControls(text));
+  console.errors.write(displayed(text));
   return Status::misuse;
 }
 
@@ -48,8 +48,8 @@ std::string headingOf(const Calls& calls, std::size_t index) {
   for (const std::string_view name : call.tool->commandLine.positionals) {
     const std::optional<std::string_view> subject = json::findText(call.arguments, name);
     if (subject)
-      text::append(heading,
-                   text::cat(" ", unicode::firstCharacters(inOneLine(*subject), longestSubject)));
+      text::append(heading, text::cat(" ", unicode::firstCharacters(displayedInLine(*subject),
+                                                                    longestSubject)));
     break;
   }
   return heading;
@@ -165,7 +165,7 @@ Status runCalls(const Calls& calls, const Surroundings& around) {
     const Status end = statusOf(reply.end);
     const bool stops = end == Status::refused || end == Status::noBoard;
     const std::string stopped = stops ? stoppedLine(calls, i, reply.end) : std::string();
-    if (!stopped.empty()) console.errors.write(withVisibleControls(stopped));
+    if (!stopped.empty()) console.errors.write(displayed(stopped));
     if (!wasFollowed(call, reply)) {
       Printed result = printed({call, reply});
       if (!console.output.write(headingLine(calls, i, console)) || !print(console, result))
@@ -208,7 +208,7 @@ Status complete(const std::vector<std::string>& words, const Surroundings& aroun
   const Candidates candidates = candidatesFor(words);
   const auto write = [&](const std::vector<std::string>& found) {
     std::string lines;
-    for (const std::string& word : found) lines += text::cat(inOneLine(word), "\n");
+    for (const std::string& word : found) lines += text::cat(displayedInLine(word), "\n");
     if (!lines.empty()) around.console.output.write(lines);
   };
   write(candidates.words);

@@ -1,9 +1,9 @@
 #include "qp/show.h"
 
+#include "base/display.h"
 #include "base/text.h"
 #include "json/writer.h"
 #include "qp/task_view.h"
-#include "qp/terminal_text.h"
 #include "tools/tool_name.h"
 
 #include <utility>
@@ -73,10 +73,9 @@ std::string errorLine(std::string_view error, Status status) {
 }
 
 bool print(const Console& console, const Printed& printed) {
-  if (!printed.errors.empty()) console.errors.write(withVisibleControls(printed.errors));
+  if (!printed.errors.empty()) console.errors.write(displayed(printed.errors));
   if (printed.output.empty()) return true;
-  return console.output.write(console.isTerminal ? withVisibleControls(printed.output)
-                                                 : printed.output);
+  return console.output.write(console.isTerminal ? displayed(printed.output) : printed.output);
 }
 
 }  // namespace quillpost

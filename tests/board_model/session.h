@@ -4,15 +4,15 @@
 // passes, answers get lost, saves fail, the program is killed. After each step the judge looks
 // whether everything that must always hold still does.
 
+#include "harness/chance.h"
+
 #include <cstdint>
-#include <map>
 #include <optional>
 #include <string>
 
 namespace quillpost::board_model {
 
-/// How often what has happened.
-using Tally = std::map<std::string, int64_t>;
+using testing::Tally;
 
 /// Plays the session of a seed and adds to the tally what happened in it. What went wrong, in
 /// words; nothing when all held. `trace` is given a line for each step.

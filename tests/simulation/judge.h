@@ -3,6 +3,7 @@
 // Watches one session from both ends and ends it at the first thing that must not happen.
 
 #include "base/environment.h"
+#include "harness/chance.h"
 #include "json/value.h"
 #include "model/request.h"
 #include "model/response.h"
@@ -29,8 +30,7 @@ struct Complaint {
   std::string what;
 };
 
-/// How often each thing happened, by name; for showing that a run was not an idle one.
-using Tally = std::map<std::string, int64_t, std::less<>>;
+using testing::Tally;
 
 /// The rules of a session. Everything that goes in or out of the server is told to it.
 class Judge {

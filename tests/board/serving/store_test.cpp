@@ -44,6 +44,15 @@ void expectSame(const Board& one, const Board& other) {
   EXPECT_EQ(ones, others);
 }
 
+/// Whether the board is what a program killed at this moment would leave in the directory: the
+/// files as they are, opened anew.
+void expectKeptIn(const TempDir& dir, const Board& board) {
+  for (const char* name : {"board.db", "board.db-wal"})
+    std::filesystem::copy_file(dir.pathOf(name), dir.pathOf(text::cat("left-", name)));
+  std::optional<Store> left = openStore(dir.pathOf("left-board.db"));
+  expectSame(loadAll(*left).front(), board);
+}
+
 /// A board with something in every table.
 Desk fullDesk() {
   Desk desk;
@@ -86,12 +95,7 @@ TEST(Store, ABoardThatWasNeverClosedLosesNothing) {
   ASSERT_TRUE(store->save(desk.board));
   desk.add("written last");
   ASSERT_TRUE(store->save(desk.board));
-  // What a killed program leaves behind: the files as they are at this moment.
-  for (const char* name : {"board.db", "board.db-wal"}) {
-    std::filesystem::copy_file(dir.pathOf(name), dir.pathOf(std::string("left-") + name));
-  }
-  std::optional<Store> left = openStore(dir.pathOf("left-board.db"));
-  expectSame(loadAll(*left).front(), desk.board);
+  expectKeptIn(dir, desk.board);
 }
 
 TEST(Store, ChangesAndRemovalsAreSavedByThemselves) {
@@ -273,10 +277,7 @@ TEST(Store, AFileWrittenAnewHasAllThatTheDeletedOneHad) {
   EXPECT_EQ(store->look(), FileState::kept);
   desk.add("written afterwards");
   ASSERT_TRUE(store->save(desk.board));
-  for (const char* name : {"board.db", "board.db-wal"})
-    std::filesystem::copy_file(dir.pathOf(name), dir.pathOf(std::string("left-") + name));
-  std::optional<Store> left = openStore(dir.pathOf("left-board.db"));
-  expectSame(loadAll(*left).front(), desk.board);
+  expectKeptIn(dir, desk.board);
 }
 
 TEST(Store, ALogOfChangesThatIsDeletedIsNoticed) {

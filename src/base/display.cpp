@@ -1,4 +1,4 @@
-#include "board/person/display.h"
+#include "base/display.h"
 
 #include "base/text.h"
 #include "base/unicode.h"
@@ -6,14 +6,15 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 
-namespace quillpost::board {
+namespace quillpost {
 
 namespace {
 
 struct Range {
-  uint32_t first;
-  uint32_t last;
+  int32_t first;
+  int32_t last;
 };
 
 // clang-format off
@@ -29,45 +30,28 @@ constexpr Range steering[] = {
 };
 // clang-format on
 
-constexpr uint32_t del = 0x7F;
+constexpr int32_t del = 0x7F;
 
-/// The first character of a text: its number and its bytes; none when it begins with a byte that is
-/// no UTF-8.
-struct CodePoint {
-  uint32_t value = 0;
-  std::size_t length = 0;
-};
-
-CodePoint firstOf(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  if (lead < 0x80) return {lead, 1};
-  const std::size_t length = lead >= 0xF0 ? 4 : lead >= 0xE0 ? 3 : 2;
-  if (text.size() < length || !unicode::isValid(text.substr(0, length))) return {};
-  uint32_t value = lead & (0x7FU >> length);
-  for (std::size_t i = 1; i < length; ++i)
-    value = value << 6U | (static_cast<unsigned char>(text[i]) & 0x3FU);
-  return {value, length};
-}
-
-bool steers(uint32_t value) {
+bool steers(int32_t value) {
   if (value == '\n' || value == '\t') return false;
   return std::ranges::any_of(steering, [value](const Range& range) {
     return value >= range.first && value <= range.last;
   });
 }
 
-std::string hexOf(uint32_t value) {
+std::string hexOf(int32_t value) {
   constexpr std::string_view digits = "0123456789ABCDEF";
   std::string hex;
-  for (int shift = 12; shift >= 0; shift -= 4) hex += digits[value >> shift & 15U];
+  for (int shift = 12; shift >= 0; shift -= 4)
+    hex += digits[static_cast<uint32_t>(value) >> shift & 15U];
   return hex;
 }
 
-std::string markFor(uint32_t value, Marks marks) {
+std::string markFor(int32_t value, Marks marks) {
   if (marks == Marks::escapes) return "\\u" + hexOf(value);
   std::string picture;
   if (value < ' ' || value == del) {
-    unicode::append(picture, value == del ? U'\u2421' : U'\u2400' + value);
+    unicode::append(picture, value == del ? U'\u2421' : U'\u2400' + static_cast<char32_t>(value));
     return picture;
   }
   return text::cat("<U+", hexOf(value), ">");
@@ -79,15 +63,15 @@ std::string displayed(std::string_view text, Marks marks) {
   std::string out;
   out.reserve(text.size());
   while (!text.empty()) {
-    const CodePoint first = firstOf(text);
-    if (first.length == 0) {
+    const std::optional<unicode::CodePoint> first = unicode::firstCodePoint(text);
+    if (!first) {
       out += "\uFFFD";
-    } else if (steers(first.value)) {
-      out += markFor(first.value, marks);
+    } else if (steers(first->value)) {
+      out += markFor(first->value, marks);
     } else {
-      out += text.substr(0, first.length);
+      out += text.substr(0, first->length);
     }
-    text.remove_prefix(first.length == 0 ? 1 : first.length);
+    text.remove_prefix(first ? first->length : 1);
   }
   return out;
 }
@@ -106,4 +90,4 @@ std::string displayedInLine(std::string_view text) {
   return out;
 }
 
-}  // namespace quillpost::board
+}  // namespace quillpost

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace quillpost::board {
+namespace quillpost {
 
 /// How a character is shown that would steer the terminal.
 enum class Marks {
@@ -22,4 +22,4 @@ std::string displayed(std::string_view text, Marks marks = Marks::visible);
 /// The same in one line, with a blank for each run of white space.
 std::string displayedInLine(std::string_view text);
 
-}  // namespace quillpost::board
+}  // namespace quillpost
