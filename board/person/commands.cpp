@@ -12,7 +12,7 @@ namespace {
 
 // clang-format off
 constexpr std::string_view keeping = "Keeping a board", agents = "Agents", looking = "Looking",
-                           word = "Your word on tasks and discussions", goals = "Goal and team";
+                           yours = "Your word on tasks and discussions", goals = "Goal and team";
 
 constexpr Command commandRows[] = {
     {keeping, "serve",   "",                 serve,      "",            "serve the board until it is interrupted",
@@ -42,18 +42,18 @@ constexpr Command commandRows[] = {
 
     {looking, "help",    "[COMMAND]",        help,       "",            "say more about a command"},
 
-    {word,    "answer",  "WHAT TEXT...",     ask,        personAnswer,  "answer a task's question (an option by its number); comment or reply when it asks nothing"},
-    {word,    "comment", "TASK TEXT...",     ask,        personComment, "write on a task; a question of it stays open"},
-    {word,    "reply",   "DISCUSSION TEXT...", ask,      personReply,   "speak in a discussion"},
-    {word,    "add",     "TITLE...",         ask,        personAdd,     "file a task"},
-    {word,    "edit",    "TASK",             ask,        personEdit,    "change what is said of a task"},
-    {word,    "assign",  "TASK HANDLE",      ask,        personAssign,  "hand a task that nobody holds to an agent"},
-    {word,    "release", "TASK [REASON...]", ask,        personRelease, "take a task from its holder, back to the pool"},
-    {word,    "reopen",  "TASK [REASON...]", ask,        personReopen,  "put a task that is done or declined back into the pool"},
-    {word,    "done",    "TASK [OUTCOME...]", ask,       personDone,    "say that a task is done, whoever holds it"},
-    {word,    "reject",  "TASK [REASON...]", ask,        personReject,  "decline a task that nobody is to do"},
-    {word,    "delete",  "TASK [REASON...]", ask,        personDelete,  "delete a task; for seven days it can be put back"},
-    {word,    "restore", "TASK",             ask,        personRestore, "put a deleted task back as it was"},
+    {yours,   "answer",  "WHAT TEXT...",     ask,        personAnswer,  "answer a task's question (an option by its number); comment or reply when it asks nothing"},
+    {yours,   "comment", "TASK TEXT...",     ask,        personComment, "write on a task; a question of it stays open"},
+    {yours,   "reply",   "DISCUSSION TEXT...", ask,      personReply,   "speak in a discussion"},
+    {yours,   "add",     "TITLE...",         ask,        personAdd,     "file a task"},
+    {yours,   "edit",    "TASK",             ask,        personEdit,    "change what is said of a task"},
+    {yours,   "assign",  "TASK HANDLE",      ask,        personAssign,  "hand a task that nobody holds to an agent"},
+    {yours,   "release", "TASK [REASON...]", ask,        personRelease, "take a task from its holder, back to the pool"},
+    {yours,   "reopen",  "TASK [REASON...]", ask,        personReopen,  "put a task that is done or declined back into the pool"},
+    {yours,   "done",    "TASK [OUTCOME...]", ask,       personDone,    "say that a task is done, whoever holds it"},
+    {yours,   "reject",  "TASK [REASON...]", ask,        personReject,  "decline a task that nobody is to do"},
+    {yours,   "delete",  "TASK [REASON...]", ask,        personDelete,  "delete a task; for seven days it can be put back"},
+    {yours,   "restore", "TASK",             ask,        personRestore, "put a deleted task back as it was"},
 
     {goals,   "goal",    "TEXT...",          ask,        personGoal,    "set the goal"},
     {goals,   "charter", "TEXT...",          ask,        personCharter, "set the charter: one short line"},

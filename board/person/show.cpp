@@ -158,15 +158,15 @@ Section threadSection(const Board& board) {
 }
 
 void addAgents(Sheet& sheet, const Board& board, Moment at) {
-  Section agents{
+  Section section{
       "agents", {"handle", "mark", "state", "lease", "silent", "holds", "name", "status"}, {}};
   for (const auto& [id, seat] : board.seats) {
     if (!isLive(seat)) continue;
-    agents.add(seat.handle, seat.fingerprint, stateOf(seat, at),
-               std::max<int64_t>(0, seat.leaseUntilMs - at.nowMs), at.nowMs - seat.lastCallMs,
-               claimsOf(board, seat), seat.name, seat.status);
+    section.add(seat.handle, seat.fingerprint, stateOf(seat, at),
+                std::max<int64_t>(0, seat.leaseUntilMs - at.nowMs), at.nowMs - seat.lastCallMs,
+                claimsOf(board, seat), seat.name, seat.status);
   }
-  sheet.sections.push_back(std::move(agents));
+  sheet.sections.push_back(std::move(section));
 }
 
 void addLeftovers(Sheet& sheet, const Board& board, Extent extent) {

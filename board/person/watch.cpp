@@ -33,9 +33,9 @@ constexpr std::string_view bell = "\a";
 /// Puts who is at work above the work: a small terminal shows the beginning.
 void putAgentsFirst(Sheet& sheet) {
   const auto needs = std::ranges::find(sheet.sections, "needs", &Section::name);
-  const auto agents = std::ranges::find(sheet.sections, "agents", &Section::name);
-  if (needs == sheet.sections.end() || agents == sheet.sections.end() || agents < needs) return;
-  std::rotate(std::next(needs), agents, std::next(agents));
+  const auto atWork = std::ranges::find(sheet.sections, "agents", &Section::name);
+  if (needs == sheet.sections.end() || atWork == sheet.sections.end() || atWork < needs) return;
+  std::rotate(std::next(needs), atWork, std::next(atWork));
 }
 
 void runFor(const Section& needs, const Section::Row& row, const Line& line,

@@ -9,8 +9,6 @@
 namespace quillpost {
 namespace {
 
-constexpr std::string_view separator = "then";
-
 constexpr std::string_view bashScript = R"sh(# qp in bash: eval "$(qp completion bash)"
 _qp() {
   local IFS=$'\n' line=()

@@ -12,8 +12,6 @@
 namespace quillpost {
 namespace {
 
-constexpr std::string_view separator = "then";
-
 using Part = std::span<const std::string>;
 using Reading = std::variant<Line, Misuse>;
 

@@ -16,6 +16,9 @@
 
 namespace quillpost {
 
+/// Stands alone between two verbs of a line.
+inline constexpr std::string_view separator = "then";
+
 /// One verb, ready to be carried out.
 struct Call {
   const Tool* tool = nullptr;
