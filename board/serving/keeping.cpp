@@ -3,11 +3,10 @@
 #include "base/output.h"
 #include "base/text.h"
 #include "base/unique_fd.h"
+#include "board/serving/system.h"
 #include "board/verbs/methods.h"
 #include "board/verbs/person.h"
 
-#include <cerrno>
-#include <cstring>
 #include <fstream>
 #include <iterator>
 #include <optional>
@@ -29,8 +28,7 @@ bool writeNew(const std::string& path, const std::string& bytes, std::string& wh
       ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
   const bool isWritten = file && FdOutput(file.get()).write(bytes) && ::fsync(file.get()) == 0;
   if (isWritten) return true;
-  why = text::cat("cannot write ", path, ": ",
-                  std::strerror(errno));  // NOLINT(concurrency-mt-unsafe): there is one thread
+  why = text::cat("cannot write ", path, ": ", reason());
   if (file) ::unlink(path.c_str());
   return false;
 }

@@ -4,11 +4,11 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/serving/names.h"
+#include "board/serving/system.h"
 #include "bridge/unix_socket.h"
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include <fcntl.h>
@@ -52,11 +52,6 @@ UniqueFd bindPrivately(const std::string& path) {
   return socket;
 }
 
-bool exists(const std::string& path) {
-  struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0;
-}
-
 /// The secret in a file that only this user can have written; nothing when there is none.
 std::optional<std::string> leftSecret(const std::string& path) {
   struct stat status {};
@@ -66,10 +61,6 @@ std::optional<std::string> leftSecret(const std::string& path) {
   }
   const std::string text(unicode::trim(files::readSmallText(path).value_or("")));
   return isSecret(text) ? std::optional(text) : std::nullopt;
-}
-
-std::string reason() {
-  return std::strerror(errno);  // NOLINT(concurrency-mt-unsafe): there is one thread
 }
 
 }  // namespace

@@ -3,12 +3,11 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/serving/rows.h"
+#include "board/serving/system.h"
 #include "json/decoder.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <utility>
 
 #include <sys/stat.h>
@@ -45,10 +44,6 @@ constexpr std::string_view putRow =
     "INSERT OR REPLACE INTO rows (thread, kind, id, about, body) VALUES (?1, ?2, ?3, ?4, ?5)";
 constexpr std::string_view dropRow = "DELETE FROM rows WHERE thread = ?1 AND kind = ?2 AND id = ?3";
 
-std::string reason() {
-  return std::strerror(errno);  // NOLINT(concurrency-mt-unsafe): there is one thread
-}
-
 /// The tags of all threads; `isRead` becomes false when they cannot be read.
 std::vector<std::string> threadsIn(Database& database, bool& isRead) {
   std::vector<std::string> tags;
@@ -62,11 +57,6 @@ std::vector<std::string> threadsIn(Database& database, bool& isRead) {
     if (!isThere) return tags;
     tags.emplace_back(next.text(0));
   }
-}
-
-bool exists(const std::string& path) {
-  struct stat status {};
-  return ::lstat(path.c_str(), &status) == 0;
 }
 
 }  // namespace

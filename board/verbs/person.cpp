@@ -88,7 +88,7 @@ void wakeEverybody(Board& board, const Reason& reason) {
     if (isLive(seat)) wake(board, seat, reason);
 }
 
-TeamworkResponse setGoal(const Deed& deed) {
+TeamworkResponse changeGoal(const Deed& deed) {
   std::string notice;
   const std::string goal = briefText(deed.words(), "goal", notice);
   if (goal.empty()) return refused("Say what the goal is.");
@@ -102,7 +102,7 @@ TeamworkResponse setGoal(const Deed& deed) {
   return written("The goal is set.", notice);
 }
 
-TeamworkResponse setCharter(const Deed& deed) {
+TeamworkResponse changeCharter(const Deed& deed) {
   std::string notice;
   const std::string charter = lineOf(deed.words(), "charter", notice);
   if (charter.empty()) return refused("Say what the charter is.");
@@ -207,8 +207,8 @@ std::span<const PersonMethod> personTalk() {
       {personReply,       reply},
       {personSay,         say},
       {personUnseat,      unseat},
-      {personGoal,        setGoal},
-      {personCharter,     setCharter},
+      {personGoal,        changeGoal},
+      {personCharter,     changeCharter},
       {personConfirmGoal, confirmGoal},
       {personReopenGoal,  reopenGoal},
       {personSquad,       switchSquad},
