@@ -67,6 +67,19 @@ TEST_F(CommitHook, LetsTheHolderCommit) {
                        "git add -A && git commit -qm 'Its own'"));
 }
 
+TEST_F(CommitHook, TakesFilesOfAnyName) {
+  EXPECT_EQ(commitAfter("touch \"$(printf 'caf\\351')\" then", 0), "");
+  const std::string said = commitAfter("touch -- --help --json; echo 2 >src/leases/a.cpp", 1);
+  EXPECT_TRUE(has(said, " holds t000001 ")) << said;
+}
+
+TEST_F(CommitHook, StopsNobodyWhenTheCommandCannotBeRun) {
+  commitAfter(
+      "echo 2 >src/leases/a.cpp; mkdir ~/bin; printf '#!/bin/sh\\nexit 2\\n' >~/bin/qp; "
+      "chmod +x ~/bin/qp; PATH=~/bin:$PATH",
+      0);
+}
+
 TEST_F(CommitHook, LetsEverythingPassWhereThereIsNoBoard) {
   commitAfter("echo 2 >src/leases/a.cpp; unset QUILLPOST_SESSION_ID", 0);
   commitAfter("echo 3 >src/leases/a.cpp; export QUILLPOST_COLLAB_SOCKET=/nonexistent", 0);

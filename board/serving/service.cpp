@@ -61,12 +61,12 @@ Service::Service(Store& store, Boards boards, Settings settings, Now now, Random
       boards_(std::move(boards)),
       settings_(std::move(settings)),
       now_(std::move(now)),
-      random_(std::move(random)) {
+      random_(std::move(random)),
+      lookAtMs_(now_() + storeCareMs) {
   for (Board& board : boards_) {
     forgiveAbsence(board, moment());
     save(board);
   }
-  lookAtMs_ = now_() + storeCareMs;
 }
 
 Answer Service::answer(const TeamworkRequest& request) {

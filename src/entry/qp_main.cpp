@@ -30,14 +30,31 @@
 namespace quillpost {
 namespace {
 
-constexpr std::string_view completing = "__complete";
-// Longer than a board on this machine takes, and no wait for a person who typed a tab.
-constexpr timeval completionTime = {.tv_sec = 0, .tv_usec = 200'000};
+/// A command that a person waits for without having asked: how long the board may take there.
+struct HurriedCommand {
+  std::string_view name;
+  timeval patience;
+};
 
-/// Ends this process when a tab has been waited for long enough. What was found by then is printed.
-void endSoon() {
+constexpr HurriedCommand hurriedCommands[] = {
+    // Longer than a board on this machine takes, and no wait for a person who typed a tab.
+    {"__complete", {.tv_sec = 0, .tv_usec = 200'000}},
+    // A commit goes on without a board that is too busy to say who holds what.
+    {"guard", {.tv_sec = 2, .tv_usec = 0}},
+};
+
+/// The time that the board has for a line; nothing for one that waits as long as need be.
+std::optional<timeval> patienceFor(const std::vector<std::string>& words) {
+  for (const HurriedCommand& command : hurriedCommands)
+    if (!words.empty() && words.front() == command.name) return command.patience;
+  return std::nullopt;
+}
+
+/// Ends this process, with nothing to complain of, when it has taken so long. What was printed by
+/// then stays.
+void endAfter(timeval patience) {
   std::signal(SIGALRM, [](int /*signal*/) { ::_exit(0); });
-  const itimerval timer = {.it_interval = {}, .it_value = completionTime};
+  const itimerval timer = {.it_interval = {}, .it_value = patience};
   ::setitimer(ITIMER_REAL, &timer, nullptr);
 }
 
@@ -45,12 +62,13 @@ void endSoon() {
 /// starts anew may have another socket.
 class FoundBridge final : public Bridge {
  public:
-  /// What is found for a tab is worth a moment and no more, which `isHurried` asks for.
-  FoundBridge(const Environment& environment, bool isHurried)
-      : environment_(environment), isHurried_(isHurried) {}
+  /// With a patience the process ends when that is over.
+  FoundBridge(const Environment& environment, std::optional<timeval> patience)
+      : environment_(environment), patience_(patience) {}
 
   std::string currentToken() override {
-    if (isHurried_) endSoon();
+    // From the first look on, and not anew with the next one.
+    if (patience_) endAfter(*std::exchange(patience_, std::nullopt));
     return found().currentToken();
   }
 
@@ -80,7 +98,7 @@ class FoundBridge final : public Bridge {
   }
 
   const Environment& environment_;
-  const bool isHurried_;
+  std::optional<timeval> patience_;
   Settings settings_;
   std::optional<SocketBridge> bridge_;
 };
@@ -113,7 +131,7 @@ int run(const std::vector<std::string>& words) {
   const ProcessEnvironment environment;
   const std::string sessionID = environment.get("QUILLPOST_SESSION_ID").value_or("");
   SteadyClock clock;
-  FoundBridge bridge(environment, !words.empty() && words.front() == completing);
+  FoundBridge bridge(environment, patienceFor(words));
   ProcessLifetime lifetime(sessionID);
   FdOutput output(STDOUT_FILENO), errors(STDERR_FILENO);
   const Status status =

@@ -62,17 +62,44 @@ void addFitting(std::vector<std::string>& out, std::string_view word, std::strin
 BoardWords boardWordsFor(std::string_view property) {
   if (property == "taskID" || property == "taskIDs" || property == "waitsOn")
     return BoardWords::tasks;
-  if (property == "to" || property == "addressTo" || property == "routedToFingerprint")
+  if (property == "to" || property == "addressTo" || property == "routedToFingerprint" ||
+      property == "handle")
     return BoardWords::handles;
   return BoardWords::none;
 }
 
-Candidates valuesOf(const Property& property, std::string_view begin) {
-  Candidates candidates;
+/// What fits as a value of which this much is typed, behind what stands before it in the same word.
+Candidates valuesOf(const Property& property, std::string_view typed,
+                    std::string_view before = {}) {
+  // The elements of a list that stand before the last comma are typed already.
+  const std::size_t comma =
+      property.type == Type::strings ? typed.rfind(',') : std::string_view::npos;
+  const std::size_t kept = comma == std::string_view::npos ? 0 : comma + 1;
+  Candidates candidates{.words = {},
+                        .fromBoard = boardWordsFor(property.name),
+                        .before = text::cat(before, typed.substr(0, kept)),
+                        .begin = std::string(typed.substr(kept))};
   for (const std::string_view value : property.oneOf)
-    if (!value.empty()) addFitting(candidates.words, value, begin);
-  candidates.fromBoard = boardWordsFor(property.name);
+    if (!value.empty() && value.starts_with(candidates.begin))
+      candidates.words.push_back(text::cat(candidates.before, value));
   return candidates;
+}
+
+/// A line as bash gives it, which breaks "--option=value" in three, with such words made whole.
+/// The last one stays in pieces: only its last piece is completed there.
+std::vector<std::string> withoutBreaks(Part words) {
+  std::vector<std::string> whole;
+  for (std::size_t i = 0; i < words.size(); ++i) {
+    const bool isBreak = words[i] == "=" && !whole.empty() && whole.back().starts_with("--");
+    if (!isBreak) {
+      whole.push_back(words[i]);
+    } else if (i + 1 == words.size()) {
+      whole.emplace_back();
+    } else if (i + 2 < words.size()) {
+      text::append(whole.back(), text::cat("=", words[++i]));
+    }
+  }
+  return whole;
 }
 
 /// The property that a bare word at this place would fill; null when none would.
@@ -135,9 +162,11 @@ std::optional<std::string_view> completionScript(std::string_view shell) {
   return std::nullopt;
 }
 
-Candidates candidatesFor(std::span<const std::string> words) {
+Candidates candidatesFor(std::span<const std::string> typed) {
+  const std::vector<std::string> words = withoutBreaks(typed);
   if (words.empty()) return {};
-  const Part verb = lastVerb(words);
+  Part verb = lastVerb(words);
+  while (verb.size() > 1 && verb.front() == "--json") verb = verb.subspan(1);
   const std::string& last = verb.back();
   if (verb.size() == 1 && last.starts_with('-')) {
     Candidates candidates;
@@ -152,8 +181,21 @@ Candidates candidatesFor(std::span<const std::string> words) {
     for (const Script& script : scripts) addFitting(candidates.words, script.shell, last);
     return candidates;
   }
+  if (verb.front() == "brief") {
+    Candidates candidates;
+    addFitting(candidates.words, "--short", last);
+    return candidates;
+  }
   const Tool* const tool = toolForVerb(verb.front());
   if (tool == nullptr) return {};
+  const std::size_t equals = last.starts_with("--") ? last.find('=') : std::string::npos;
+  if (equals != std::string::npos) {
+    const std::optional<OptionRow> row =
+        findOption(*tool, std::string_view(last).substr(2, equals - 2));
+    if (!row) return {};
+    return valuesOf(*row->property, std::string_view(last).substr(equals + 1),
+                    last.substr(0, equals + 1));
+  }
   const std::string_view before = verb[verb.size() - 2];
   if (before.starts_with("--")) {
     const std::optional<OptionRow> row = findOption(*tool, before.substr(2));
@@ -162,8 +204,7 @@ Candidates candidatesFor(std::span<const std::string> words) {
   return last.starts_with('-') ? optionsFor(*tool, last) : wordsFor(*tool, verb);
 }
 
-std::vector<std::string> boardWordsIn(const std::string& json, BoardWords which,
-                                      std::string_view begin) {
+std::vector<std::string> boardWordsIn(const std::string& json, const Candidates& wanted) {
   std::vector<std::string> found;
   const std::optional<json::Tree> tree = json::parse(json);
   if (!tree) return found;
@@ -173,11 +214,11 @@ std::vector<std::string> boardWordsIn(const std::string& json, BoardWords which,
     for (const json::Tree& element : *elements)
       if (const json::TreeObject* object = element.if_object())
         if (const std::optional<std::string_view> word = json::findText(*object, key))
-          addFitting(found, *word, begin);
+          if (word->starts_with(wanted.begin)) found.push_back(text::cat(wanted.before, *word));
   };
-  if (which == BoardWords::handles) addFrom(*tree, "handle");
+  if (wanted.fromBoard == BoardWords::handles) addFrom(*tree, "handle");
   const json::TreeObject* const backlog = tree->if_object();
-  if (which != BoardWords::tasks || backlog == nullptr) return found;
+  if (wanted.fromBoard != BoardWords::tasks || backlog == nullptr) return found;
   for (const std::string_view bucket : bucketNames)
     if (const json::Tree* list = json::find(*backlog, bucket)) addFrom(*list, "id");
   return found;

@@ -25,14 +25,17 @@ struct Candidates {
   std::vector<std::string> words;
   /// What else may fit there and only the board knows.
   BoardWords fromBoard = BoardWords::none;
+  /// What of the last word stands before that, such as "--waits-on=t000001,".
+  std::string before = {};
+  /// How it begins.
+  std::string begin = {};
 };
 
 /// The candidates for the last of the words after the program's name, which is as far as it has
 /// been typed and may be empty.
 Candidates candidatesFor(std::span<const std::string> words);
 
-/// The ids in the JSON of a backlog, or the handles in that of a roster, that begin so.
-std::vector<std::string> boardWordsIn(const std::string& json, BoardWords which,
-                                      std::string_view begin);
+/// The ids in the JSON of a backlog, or the handles in that of a roster, that are wanted.
+std::vector<std::string> boardWordsIn(const std::string& json, const Candidates& wanted);
 
 }  // namespace quillpost

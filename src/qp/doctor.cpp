@@ -104,23 +104,28 @@ const json::TreeObject* ownRowIn(const json::Tree& roster) {
 /// What the board answers, and what it says of this seat.
 std::vector<Finding> boardFindings(const Surroundings& around) {
   Desk desk(around);
-  const ToolReply reply = desk.call("list_agents", {});
+  ToolReply reply = desk.call("list_agents", {});
+  // A board may show its roster only to those on it, and its backlog to everybody with a seat.
+  if (reply.end == CallEnd::refused) {
+    ToolReply backlog = desk.call("list_tasks", {});
+    if (backlog.end == CallEnd::answered) reply = std::move(backlog);
+  }
   if (statusOf(reply.end) != Status::done)
     return {{.isGood = false,
              .what = "the board does not answer as it should",
-             .remedy = displayedInLine(reply.text.sentences())}};
+             .remedy = reply.text.sentences()}};
   std::vector<Finding> findings;
   findings.push_back(
       {.what = text::cat("the board answers", reply.threadTag.empty() ? "" : ", thread ",
-                         displayedInLine(reply.threadTag))});
+                         reply.threadTag)});
   const std::optional<json::Tree> roster = json::parse(reply.text.json());
   const json::TreeObject* const self = roster ? ownRowIn(*roster) : nullptr;
   const std::string_view handle =
       self != nullptr ? json::findText(*self, "handle").value_or("") : "";
-  findings.push_back({.what = self != nullptr
-                                  ? text::cat("this seat is registered",
-                                              handle.empty() ? "" : " as ", displayedInLine(handle))
-                                  : std::string("this seat is not registered yet: qp register")});
+  findings.push_back(
+      {.what = self != nullptr
+                   ? text::cat("this seat is registered", handle.empty() ? "" : " as ", handle)
+                   : std::string("this seat is not registered yet: qp register")});
   const SeatState& state = desk.seat().state;
   const std::string path = desk.file().path();
   findings.push_back(
@@ -144,9 +149,8 @@ Finding variablesFinding(const Environment& environment) {
 std::string lineFor(const Finding& finding, bool hasColour) {
   std::string mark(finding.isGood ? "ok" : "no");
   if (hasColour) mark = text::cat(finding.isGood ? "\x1b[32m" : "\x1b[31m", mark, "\x1b[0m");
-  std::string line = text::cat(mark, "  ", finding.what);
-  if (!finding.remedy.empty()) line += text::cat(": ", finding.remedy);
-  return line + "\n";
+  const std::string remedy = finding.remedy.empty() ? "" : text::cat(": ", finding.remedy);
+  return text::cat(mark, "  ", displayedInLine(finding.what + remedy), "\n");
 }
 
 }  // namespace

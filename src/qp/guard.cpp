@@ -5,6 +5,7 @@
 #include "qp/options.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <vector>
 
 #include <fnmatch.h>
@@ -18,10 +19,23 @@ struct Holding {
   std::vector<std::string> resources;
 };
 
-std::string_view trimmed(std::string_view path) {
-  while (path.starts_with("./")) path.remove_prefix(2);
-  while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
-  return path;
+/// The path without detours, such as "./", "//" and "a/..", and without a "/" at its end.
+std::string plainPath(std::string_view path) {
+  std::string plain = std::filesystem::path(path).lexically_normal().string();
+  while (plain.size() > 1 && plain.ends_with('/')) plain.pop_back();
+  return plain;
+}
+
+/// The pattern with "**/" standing for no folder at all, which it may.
+std::string withoutFolders(std::string_view pattern) {
+  constexpr std::string_view anyFolders = "**/";
+  std::string out;
+  while (!pattern.empty()) {
+    const std::size_t at = std::min(pattern.find(anyFolders), pattern.size());
+    out += pattern.substr(0, at);
+    pattern.remove_prefix(std::min(at + anyFolders.size(), pattern.size()));
+  }
+  return out;
 }
 
 std::string textOf(const json::TreeObject& object, std::string_view key) {
@@ -78,12 +92,13 @@ Roster rosterIn(const std::string& agents) {
 }  // namespace
 
 bool coversPath(std::string_view resource, std::string_view path) {
-  const std::string over(trimmed(resource));
-  const std::string under(trimmed(path));
+  const std::string over = plainPath(resource);
+  const std::string under = plainPath(path);
   if (over.empty() || under.empty()) return false;
   if (over == under || over == "." || under.starts_with(over + "/")) return true;
   // Without a flag "*" passes "/" too, as "**" is meant to.
-  if (::fnmatch(over.c_str(), under.c_str(), 0) == 0) return true;
+  for (const std::string& pattern : {over, withoutFolders(over)})
+    if (::fnmatch(pattern.c_str(), under.c_str(), 0) == 0) return true;
   // A path from the root, and a resource that is named from the folder of the work.
   const bool isAbsolute = under.starts_with('/') && !over.starts_with('/');
   return isAbsolute &&

@@ -74,8 +74,10 @@ void ProcessLifetime::begin() {
   rememberTerminals();
   rememberAncestors();
   // Started by something that ended at once, as setsid does in a shell at a terminal: whoever
-  // started that cannot be found any more, so nothing would ever end this.
-  isOrphan_ = takesOrphans(parent_) && !wasStartedWith(parent_, seatVariable_);
+  // started that cannot be found any more, so nothing would ever end this. In a container the
+  // first process may be the shell itself, which is of the same session.
+  isOrphan_ = takesOrphans(parent_) && !wasStartedWith(parent_, seatVariable_) &&
+              ::getsid(parent_) != ::getsid(0);
 }
 
 void ProcessLifetime::rememberTerminals() {

@@ -3,6 +3,7 @@
 #include "base/nearest.h"
 #include "base/text.h"
 #include "base/unicode.h"
+#include "calls/arguments.h"
 #include "qp/verb_reader.h"
 #include "tools/tools.h"
 
@@ -73,12 +74,13 @@ std::string fillPending(std::vector<VerbReader>& readers, const TextSources& sou
   bool hasInput = false;
   for (VerbReader& reader : readers) {
     for (const PendingText& pending : reader.pending()) {
-      if (pending.path.empty() && std::exchange(hasInput, true))
+      if (!pending.path && std::exchange(hasInput, true))
         return "standard input can be read once in a line; use --OPTION-file for another text";
       std::optional<std::string> text =
-          pending.path.empty() ? sources.input() : sources.file(pending.path);
+          pending.path ? sources.file(*pending.path) : sources.input();
       if (!text) {
-        const std::string place = pending.path.empty() ? "standard input" : pending.path;
+        std::string place = pending.path.value_or("standard input");
+        if (place.empty()) place = "an empty path";
         return text::cat(place, " cannot be read as a text in UTF-8 of at most 1 MiB");
       }
       if (text->ends_with('\n')) text->pop_back();
@@ -87,6 +89,12 @@ std::string fillPending(std::vector<VerbReader>& readers, const TextSources& sou
     }
   }
   return {};
+}
+
+/// A bucket of finished tasks is shown only to one who asks for all of them.
+void includeFinished(Call& call) {
+  const std::optional<std::string> bucket = Arguments(call.options).text("bucket");
+  if (bucket == "done" || bucket == "rejected") call.arguments.emplace("include", "all");
 }
 
 /// Whether a program asks for JSON of a wait that prints lines.
@@ -109,6 +117,7 @@ Reading readVerbs(Part words, bool asJson, const TextSources& sources) {
     const bool isRead = reader.read(part.subspan(1));
     if (asJson) reader.call().asJson = true;
     if (!isRead) return Misuse{reader.why(), tool, reader.call().asJson};
+    includeFinished(reader.call());
     if (asksLinesAsJson(reader.call()))
       return Misuse{"--follow prints lines, and no JSON; leave out one of the two", tool, true};
     if (reader.wantsHelp())
@@ -122,31 +131,59 @@ Reading readVerbs(Part words, bool asJson, const TextSources& sources) {
   return Line(std::move(calls));
 }
 
-}  // namespace
+/// The words before the first "--": behind it stands data, whatever it looks like.
+Part beforeData(Part words) {
+  return words.first(static_cast<std::size_t>(std::ranges::find(words, "--") - words.begin()));
+}
 
-std::variant<Line, Misuse> readLine(std::span<const std::string> words,
-                                    const TextSources& sources) {
-  if (!std::ranges::all_of(words, [](const std::string& word) { return unicode::isValid(word); }))
-    return Misuse{"a word of the line is not UTF-8"};
+bool contains(Part words, std::string_view word) {
+  return std::ranges::find(words, word) != words.end();
+}
+
+/// A command of the line's own that stands alone; nothing when the words are those of verbs.
+std::optional<Reading> readOwn(const CommandRow& row, Part words) {
+  const Part rest = words.subspan(1);
+  const Part options = beforeData(rest);
+  const bool takesAnything = row.command == Command::complete;
+  if (!takesAnything && contains(options, separator)) return std::nullopt;
+  if (!takesAnything && contains(options, "--help"))
+    return Line(OwnCall{Command::help, {std::string(row.name)}});
+  if (row.words.empty() && !rest.empty())
+    return Misuse{
+        text::cat(row.name, " stands without other words, not with \"", rest.front(), "\"")};
+  return Line(OwnCall{row.command, {rest.begin(), rest.end()}});
+}
+
+Reading readWords(Part words, const TextSources& sources) {
   Opening opening = openingOf(words);
+  const Part rest = words.subspan(opening.count);
+  const CommandRow* const own = rest.empty() ? nullptr : findCommand(rest.front());
+  // A path is whatever the file system has.
+  const bool takesPaths = own != nullptr && own->command == Command::guard;
+  const Part texts = takesPaths ? beforeData(words) : words;
+  if (!std::ranges::all_of(texts, [](const std::string& word) { return unicode::isValid(word); }))
+    return Misuse{"a word of the line is not UTF-8"};
   if (opening.own) return Line(*std::move(opening.own));
   if (!opening.unknown.empty())
     return Misuse{text::cat("there is no option ", opening.unknown,
                             " before a verb; there are --json, --help and --version"),
                   nullptr, opening.asJson};
-  words = words.subspan(opening.count);
-  if (words.empty())
+  if (rest.empty())
     return Misuse{"a verb is missing; qp --help lists them", nullptr, opening.asJson};
-  const CommandRow* const own = findCommand(words.front());
-  const bool isAlone = std::ranges::find(words, separator) == words.end();
-  if (own != nullptr && (isAlone || own->command == Command::complete)) {
-    const Part rest = words.subspan(1);
-    const bool asksHelp =
-        own->command != Command::complete && std::ranges::find(rest, "--help") != rest.end();
-    if (asksHelp) return Line(OwnCall{Command::help, {std::string(own->name)}});
-    return Line(OwnCall{own->command, {rest.begin(), rest.end()}});
-  }
-  return readVerbs(words, opening.asJson, sources);
+  if (own != nullptr)
+    if (std::optional<Reading> reading = readOwn(*own, rest)) return *std::move(reading);
+  return readVerbs(rest, opening.asJson, sources);
+}
+
+}  // namespace
+
+std::variant<Line, Misuse> readLine(std::span<const std::string> words,
+                                    const TextSources& sources) {
+  Reading reading = readWords(words, sources);
+  // A program that asks for JSON anywhere reads JSON, however wrong the rest of its line is.
+  if (Misuse* const wrong = std::get_if<Misuse>(&reading))
+    wrong->asJson = wrong->asJson || contains(beforeData(words), "--json");
+  return reading;
 }
 
 const Tool* toolForVerb(std::string_view verb) { return findByVerb(verb); }

@@ -30,8 +30,11 @@ std::optional<OptionRow> findOption(const Tool& tool, std::string_view spelled) 
     if (isSpelled(spelled, property)) return OptionRow{&property, property.name};
   for (const ExtraOption& extra : extraOptions) {
     if (extra.tool != tool.name || !isSpelled(spelled, extra.property)) continue;
-    if (extra.argument.empty()) return OptionRow{&extra.property, extra.property.name, false};
-    return OptionRow{&extra.property, extra.argument};
+    const bool isArgument = !extra.argument.empty();
+    return OptionRow{.property = &extra.property,
+                     .key = isArgument ? extra.argument : extra.property.name,
+                     .isArgument = isArgument,
+                     .least = extra.least};
   }
   return std::nullopt;
 }

@@ -7,6 +7,7 @@
 #include "tools/tool_name.h"
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +26,8 @@ struct ExtraOption {
   Property property;
   /// The argument of the call that it fills; empty for what is not the call's business.
   std::string_view argument = {};
+  /// The least number that makes sense.
+  int64_t least = INT64_MIN;
 };
 
 // clang-format off
@@ -33,13 +36,13 @@ struct ExtraOption {
 inline constexpr auto extraOptions = std::to_array<ExtraOption>({
     {"wait_for_changes", {"timeout", Type::integer, Need::optional,
      "Stop waiting after so many seconds, with status 3 when nothing moved. "
-     "Without it there is no deadline."}, "timeoutSeconds"},
+     "Without it there is no deadline."}, "timeoutSeconds", 0},
     {"wait_for_changes", {"since",   Type::integer, Need::optional,
      "The revision to wait from. Without it, the one that this seat saw last."}, "sinceRev"},
     {"wait_for_changes", {"follow",  Type::boolean, Need::optional,
      "Print one line a move and go on, until the goal is confirmed complete."}},
     {"list_tasks",       {"limit",   Type::integer, Need::optional,
-     "Show at most so many tasks of each bucket."}},
+     "Show at most so many tasks of each bucket."}, "", 1},
     {"list_tasks",       {"all",     Type::boolean, Need::optional,
      "Show every task of each bucket, however many there are."}},
     {"list_tasks",       {"bucket",  Type::string,  Need::optional,
@@ -58,6 +61,8 @@ struct OptionRow {
   /// Where its value goes: an argument of the call, or an option of the command line's own.
   std::string_view key;
   bool isArgument = true;
+  /// The least number that makes sense.
+  int64_t least = INT64_MIN;
 };
 
 /// A name as an option is mostly typed: parkReason as park-reason, taskIDs as task-ids.

@@ -24,9 +24,28 @@ namespace {
 
 using Calls = std::vector<Call>;
 
+/// Remembers that something could not be written. A reader that has gone is no reason to complain;
+/// a disk that is full is one.
+class CheckedOutput final : public Output {
+ public:
+  explicit CheckedOutput(Output& output) : output_(output) {}
+
+  bool write(std::string_view text) override {
+    const bool isWritten = output_.write(text);
+    hasFailed_ = hasFailed_ || !isWritten;
+    return isWritten;
+  }
+
+  bool hasFailed() const { return hasFailed_; }
+
+ private:
+  Output& output_;
+  bool hasFailed_ = false;
+};
+
 Status misuse(const Misuse& wrong, const Console& console) {
   if (wrong.asJson) {
-    console.errors.write(errorLine(wrong.why, Status::misuse));
+    console.errors.write(errorLine(displayedInLine(wrong.why), Status::misuse));
     return Status::misuse;
   }
   std::string text = text::cat("qp: ", wrong.why, "\n");
@@ -63,15 +82,17 @@ std::string headingLine(const Calls& calls, std::size_t index, const Console& co
                            : text::cat(space, heading, "\n");
 }
 
+/// The verbs from there on.
+std::string namesOf(const Calls& calls, std::size_t from) {
+  return text::join(std::span(calls).subspan(from), ", ",
+                    [](const Call& call) { return std::string_view(call.tool->name); });
+}
+
 /// Which verb ended the line, and what was not tried because of it.
 std::string stoppedLine(const Calls& calls, std::size_t index, CallEnd end) {
   if (calls.size() == 1) return {};
   std::string line = text::cat("qp: ", headingOf(calls, index), " ", rowOf(end).word);
-  const std::span<const Call> rest = std::span(calls).subspan(index + 1);
-  if (!rest.empty())
-    line += text::cat("; not tried: ", text::join(rest, ", ", [](const Call& call) {
-                        return std::string_view(call.tool->name);
-                      }));
+  if (index + 1 < calls.size()) line += text::cat("; not tried: ", namesOf(calls, index + 1));
   return line + "\n";
 }
 
@@ -149,6 +170,12 @@ std::optional<Status> refusedBefore(const Calls& calls, const Console& console) 
   return std::nullopt;
 }
 
+/// A board refuses a terminal without a seat, as it would refuse a verb; but there is none here.
+ToolReply seatless(ToolReply reply, const Surroundings& around) {
+  if (around.sessionID.empty() && reply.end == CallEnd::refused) reply.end = CallEnd::outsideThread;
+  return reply;
+}
+
 Status runCalls(const Calls& calls, const Surroundings& around) {
   const Console& console = around.console;
   if (const std::optional<Status> refused = refusedBefore(calls, console)) return *refused;
@@ -156,9 +183,10 @@ Status runCalls(const Calls& calls, const Surroundings& around) {
   Status status = Status::done;
   for (std::size_t i = 0; i < calls.size(); ++i) {
     const Call& call = calls[i];
-    const ToolReply reply = replyTo(call, desk, around);
+    const ToolReply reply = seatless(replyTo(call, desk, around), around);
     if (reply.end == CallEnd::callerGone) {
-      if (around.lifetime.isUnread()) return Status::hungUp;
+      const bool isUnwritten = around.lifetime.isUnread() || !around.lifetime.isOver();
+      if (isUnwritten) return Status::hungUp;
       console.errors.write("qp: whoever started this wait has gone, and it ends with them\n");
       return Status::hungUp;
     }
@@ -168,8 +196,12 @@ Status runCalls(const Calls& calls, const Surroundings& around) {
     if (!stopped.empty()) console.errors.write(displayed(stopped));
     if (!wasFollowed(call, reply)) {
       Printed result = printed({call, reply});
-      if (!console.output.write(headingLine(calls, i, console)) || !print(console, result))
+      if (!console.output.write(headingLine(calls, i, console)) || !print(console, result)) {
+        if (!around.lifetime.isUnread() && i + 1 < calls.size())
+          console.errors.write(
+              displayed(text::cat("qp: not tried: ", namesOf(calls, i + 1), "\n")));
         return Status::hungUp;
+      }
     }
     if (end != Status::done) status = end;
     if (stops) break;
@@ -216,7 +248,7 @@ Status complete(const std::vector<std::string>& words, const Surroundings& aroun
   const bool wantsTasks = candidates.fromBoard == BoardWords::tasks;
   Desk desk(around);
   const ToolReply reply = desk.call(wantsTasks ? "list_tasks" : "list_agents", {});
-  write(boardWordsIn(reply.text.json(), candidates.fromBoard, words.back()));
+  write(boardWordsIn(reply.text.json(), candidates));
   return Status::done;
 }
 
@@ -248,9 +280,25 @@ Status runOwn(const OwnCall& own, const Surroundings& around) {
 Status runLine(std::span<const std::string> words, const Surroundings& around) {
   const std::variant<Line, Misuse> reading = readLine(words, around.texts);
   if (const Misuse* wrong = std::get_if<Misuse>(&reading)) return misuse(*wrong, around.console);
+  CheckedOutput output(around.console.output);
+  Console console{.output = output,
+                  .errors = around.console.errors,
+                  .isTerminal = around.console.isTerminal,
+                  .hasColour = around.console.hasColour};
+  const Surroundings checked{.doors = around.doors,
+                             .sessionID = around.sessionID,
+                             .memory = around.memory,
+                             .lifetime = around.lifetime,
+                             .console = console,
+                             .texts = around.texts,
+                             .places = around.places};
   const Line& line = std::get<Line>(reading);
-  if (const OwnCall* own = std::get_if<OwnCall>(&line)) return runOwn(*own, around);
-  return runCalls(std::get<Calls>(line), around);
+  const OwnCall* const own = std::get_if<OwnCall>(&line);
+  const Status status =
+      own != nullptr ? runOwn(*own, checked) : runCalls(std::get<Calls>(line), checked);
+  if (!output.hasFailed() || around.lifetime.isUnread()) return status;
+  console.errors.write("qp: standard output cannot be written\n");
+  return Status::refused;
 }
 
 }  // namespace quillpost

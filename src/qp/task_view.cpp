@@ -80,10 +80,10 @@ bool leavesAll(const TaskView& view) {
 
 TaskView taskViewFrom(const Arguments& options, bool asJson) {
   TaskView view;
-  view.limit = options.integer("limit");
+  const bool showsAll = options.flag("all").value_or(false);
+  if (!showsAll) view.limit = options.integer("limit");
   if (view.limit) view.limit = std::max(*view.limit, int64_t{0});
-  const bool isCut = !asJson && !options.flag("all").value_or(false);
-  if (!view.limit && isCut) view.limit = plainBucketLimit;
+  if (!view.limit && !asJson && !showsAll) view.limit = plainBucketLimit;
   view.bucket = options.text("bucket").value_or("");
   view.fields = options.texts("fields").value_or(std::vector<std::string>());
   const std::string words = text::lowered(options.text("grep").value_or(""));
@@ -97,6 +97,8 @@ ViewedTasks viewed(std::string_view backlog, const TaskView& view) {
   const std::vector<json::MemberSlice> members = json::membersOf(backlog);
   if (members.empty()) return {};
   ViewedTasks result;
+  std::vector<std::string> unseen = view.fields;
+  bool isAnyShown = false;
   bool isChanged = !view.bucket.empty() || !view.fields.empty() || !view.words.empty();
   std::string out = "{";
   for (const auto& [name, value] : members) {
@@ -108,11 +110,19 @@ ViewedTasks viewed(std::string_view backlog, const TaskView& view) {
       out += value;
       continue;
     }
+    const std::size_t begin = out.size();
     const int64_t cut = narrow(value, view, out);
+    isAnyShown = isAnyShown || out.size() > begin + std::string_view("[]").size();
+    // A quote inside a text has a backslash before it, so that only a key looks like one.
+    std::erase_if(unseen, [&](const std::string& field) {
+      return out.find(text::cat("\"", field, "\":"), begin) != std::string::npos;
+    });
     if (cut == 0) continue;
     isChanged = true;
     result.leftOut += text::cat("… ", cut, " more under ", name, ": qp tasks --all\n");
   }
+  if (isAnyShown && !unseen.empty())
+    result.leftOut += text::cat("… no task here has ", text::join(unseen, " or "), "\n");
   if (isChanged) result.json = std::move(out) + "}";
   return result;
 }

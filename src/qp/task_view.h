@@ -37,7 +37,7 @@ struct ViewedTasks {
   /// Nothing when the view leaves the result as it is, or it is no backlog.
   std::optional<std::string> json;
   /// A line for each bucket of which some were left out: "… 212 more under readyToClaim: qp tasks
-  /// --all". Empty when none were.
+  /// --all"; and one that names the fields asked for that no task has. Empty when all is there.
   std::string leftOut;
 };
 

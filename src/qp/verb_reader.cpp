@@ -75,7 +75,10 @@ bool VerbReader::read(std::span<const std::string> words) {
 bool VerbReader::readOption(std::span<const std::string> words, std::size_t& at) {
   Spelled option = spelledOption(words[at]);
   if (option.name == "help" && !option.value) return wantsHelp_ = true;
-  if (option.name == "json" && !option.value) return call_.asJson = true;
+  if (option.name == "json" && isYesOrNo(option.value.value_or("true"))) {
+    call_.asJson = option.value != "false";
+    return true;
+  }
 
   std::optional<OptionRow> row = findOption(tool(), option.name);
   if (!row && option.name.starts_with(noPrefix) && !option.value) {
@@ -165,14 +168,29 @@ bool VerbReader::putAll() {
   return std::ranges::all_of(given_, [this](const Given& given) { return put(given); });
 }
 
+/// What a call may hold is the board's to judge; what only the command line reads is judged here.
+bool VerbReader::isInItsSet(const Given& given) {
+  const Property& property = *given.row.property;
+  const std::string& value = given.values.front();
+  if (given.row.isArgument || property.oneOf.empty() ||
+      std::ranges::find(property.oneOf, value) != property.oneOf.end())
+    return true;
+  const std::string_view nearest = nearestWord(value, property.oneOf);
+  return refuse(text::cat("--", kebab(property.name), " is one of ",
+                          text::join(property.oneOf, ", "), ", not \"", value, "\"",
+                          nearest.empty() ? "" : text::cat("; did you mean ", nearest, "?")));
+}
+
 bool VerbReader::put(const Given& given) {
+  if (!isInItsSet(given)) return false;
   const OptionRow& row = given.row;
   json::TreeObject& object = row.isArgument ? call_.arguments : call_.options;
   const std::string& value = given.values.front();
   switch (row.property->type) {
     case Type::string:
       if (given.isFile || value == "-") {
-        pending_.push_back({std::string(row.key), given.isFile ? value : "", row.isArgument});
+        pending_.push_back({std::string(row.key),
+                            given.isFile ? std::optional(value) : std::nullopt, row.isArgument});
       } else {
         object[row.key] = value;
       }
@@ -189,6 +207,9 @@ bool VerbReader::put(const Given& given) {
   if (!number)
     return refuse(
         text::cat("--", kebab(row.property->name), " wants a whole number, not \"", value, "\""));
+  if (number < row.least)
+    return refuse(text::cat("--", kebab(row.property->name), " wants a number of at least ",
+                            row.least, ", not ", *number));
   object[row.key] = *number;
   return true;
 }

@@ -5,6 +5,7 @@
 #include "qp/line.h"
 #include "qp/options.h"
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -15,8 +16,8 @@ namespace quillpost {
 /// A text that stands elsewhere and is read when the whole line is known to make sense.
 struct PendingText {
   std::string key;
-  /// Empty for standard input.
-  std::string path;
+  /// Nothing for standard input.
+  std::optional<std::string> path;
   bool isArgument = true;
 };
 
@@ -47,13 +48,12 @@ class VerbReader {
   bool refuse(std::string why);
   bool readOption(std::span<const std::string> words, std::size_t& at);
   bool readUnknown(std::string_view spelled);
-  bool giveFlag(const OptionRow& row, std::string_view option, std::string_view value);
   bool give(const OptionRow& row, std::string value, bool isFile);
   bool isGiven(std::string_view key) const;
   bool placeWords();
-  bool placeList(std::string_view name, std::span<const std::string> rest);
   bool lacksNothing();
   bool putAll();
+  bool isInItsSet(const Given& given);
   bool put(const Given& given);
   bool putFlag(const Given& given);
 

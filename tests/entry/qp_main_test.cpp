@@ -185,6 +185,13 @@ TEST_F(QpProgram, EndsQuietlyWhenItsReaderGoesAway) {
   EXPECT_EQ(large.errors, "");
 }
 
+TEST_F(QpProgram, SaysThatItCannotWrite) {
+  const Ending ending = shell("[ -e /dev/full ] || exit 9; qp unwatch t1 >/dev/full");
+  if (ending.status == 9) return;
+  EXPECT_EQ(ending.status, 1);
+  EXPECT_EQ(ending.errors, "qp: standard output cannot be written\n");
+}
+
 TEST_F(QpProgram, FollowsNoLongerThanItsReader) {
   app.otherwise([](const std::string&) {
     std::string news(quietFeed);

@@ -11,8 +11,10 @@ namespace {
 std::string fits(const std::vector<std::string>& words) {
   const Candidates found = candidatesFor(words);
   std::string text = text::join(found.words, " ");
-  if (found.fromBoard == BoardWords::tasks) text += " +tasks";
-  if (found.fromBoard == BoardWords::handles) text += " +handles";
+  if (found.fromBoard == BoardWords::tasks)
+    text += text::cat(" +tasks ", found.before, found.begin);
+  if (found.fromBoard == BoardWords::handles)
+    text += text::cat(" +handles ", found.before, found.begin);
   return text;
 }
 
@@ -40,21 +42,46 @@ TEST(Completion, OffersTheClosedSetsOfValues) {
 }
 
 TEST(Completion, AsksTheBoardForIdsAndHandles) {
-  EXPECT_EQ(fits({"claim", ""}), " +tasks");
-  EXPECT_EQ(fits({"wait", "t1", "t"}), "then +tasks");
-  EXPECT_EQ(fits({"assign", "t1", ""}), " +handles");
-  EXPECT_EQ(fits({"add", "T", "--waits-on", "t"}), " +tasks");
+  EXPECT_EQ(fits({"claim", ""}), " +tasks ");
+  EXPECT_EQ(fits({"wait", "t1", "t"}), "then +tasks t");
+  EXPECT_EQ(fits({"assign", "t1", ""}), " +handles ");
+  EXPECT_EQ(fits({"stop", "K"}), " +handles K");
+  EXPECT_EQ(fits({"add", "T", "--waits-on", "t"}), " +tasks t");
+  EXPECT_EQ(fits({"add", "T", "--waits-on", "t1,t"}), " +tasks t1,t");
+  EXPECT_EQ(fits({"add", "T", "--waits-on=t1,"}), " +tasks --waits-on=t1,");
   EXPECT_EQ(fits({"claim", "t1", ""}), "then");
+}
+
+TEST(Completion, TakesALineWithAnOptionBeforeItsVerb) {
+  EXPECT_EQ(fits({"--json", "cl"}), "claim claim_task close");
+  EXPECT_EQ(fits({"--json", "verify", "t1", ""}), "approve reject");
+  EXPECT_EQ(fits({"brief", "--"}), "--short");
+}
+
+TEST(Completion, CompletesAValueBehindItsOption) {
+  EXPECT_EQ(fits({"add", "T", "--type=b"}), "--type=bug");
+  EXPECT_EQ(fits({"add", "T", "--frobnicate=b"}), "");
+  // As bash breaks it up: only the last piece is replaced there.
+  EXPECT_EQ(fits({"add", "T", "--type", "=", "b"}), "bug");
+  EXPECT_EQ(fits({"add", "T", "--type", "="}), "bug feature chore research");
+  EXPECT_EQ(fits({"verify", "--task-id", "=", "t1", ""}), fits({"verify", "--task-id=t1", ""}));
+  EXPECT_EQ(fits({"="}), "");
 }
 
 TEST(Completion, FindsTheWordsInWhatTheBoardAnswers) {
   const std::string backlog =
       R"({"yours":[{"id":"t1"}],"waiting":[{"id":"t2"},{"id":"x3"}],"hint":"t"})";
-  EXPECT_EQ(boardWordsIn(backlog, BoardWords::tasks, "t"), (std::vector<std::string>{"t1", "t2"}));
-  EXPECT_EQ(boardWordsIn(R"([{"handle":"KQ3"},{"id":"#1"},7])", BoardWords::handles, ""),
-            std::vector<std::string>{"KQ3"});
-  EXPECT_TRUE(boardWordsIn("no json", BoardWords::tasks, "").empty());
-  EXPECT_TRUE(boardWordsIn("[]", BoardWords::tasks, "").empty());
+  const auto wanted = [](BoardWords which, std::string before, std::string begin) {
+    return Candidates{
+        .words = {}, .fromBoard = which, .before = std::move(before), .begin = std::move(begin)};
+  };
+  EXPECT_EQ(boardWordsIn(backlog, wanted(BoardWords::tasks, "t9,", "t")),
+            (std::vector<std::string>{"t9,t1", "t9,t2"}));
+  EXPECT_EQ(
+      boardWordsIn(R"([{"handle":"KQ3"},{"id":"#1"},7])", wanted(BoardWords::handles, "", "")),
+      std::vector<std::string>{"KQ3"});
+  EXPECT_TRUE(boardWordsIn("no json", wanted(BoardWords::tasks, "", "")).empty());
+  EXPECT_TRUE(boardWordsIn("[]", wanted(BoardWords::tasks, "", "")).empty());
 }
 
 TEST(Completion, HasAScriptForEachOfThreeShells) {

@@ -58,6 +58,31 @@ TEST_F(DoctorTest, SaysWhenTheBoardDoesNotAnswer) {
   EXPECT_TRUE(says("no  there is no socket at "));
 }
 
+TEST_F(DoctorTest, SaysThatASeatIsNotRegisteredYetWhereTheBoardKeepsItsRosterFromIt) {
+  bridge.otherwise = [](const TeamworkRequest& request) {
+    return testing::FakeAnswer{
+        .response = testing::responseFrom(
+            request.method == "list_agents"
+                ? R"({"kind":"error","message":"This terminal has no agent on the roster."})"
+                : R"({"kind":"tasks","tasks":[],"threadTag":"T-1"})")};
+  };
+  EXPECT_EQ(run({"doctor"}), 0) << out.text;
+  EXPECT_TRUE(says("ok  the board answers, thread T-1"));
+  EXPECT_TRUE(says("ok  this seat is not registered yet: qp register"));
+}
+
+TEST_F(DoctorTest, SaysWhatABoardSaysThatKnowsNoSuchSeat) {
+  otherwise = R"({"kind":"error","message":"This board knows no such seat."})";
+  EXPECT_EQ(run({"doctor"}), 4);
+  EXPECT_TRUE(says("no  the board does not answer as it should: This board knows no such seat."));
+}
+
+TEST_F(DoctorTest, ShowsAPathThatSteersATerminalAsMarks) {
+  places.socketPath = home.pathOf("a\x1b[31m.sock");
+  run({"doctor"});
+  EXPECT_EQ(out.text.find('\x1b'), std::string::npos);
+}
+
 TEST_F(DoctorTest, NamesAModeThatIsTooWide) {
   ::chmod(places.tokenFilePath.c_str(), 0644);
   EXPECT_EQ(run({"doctor"}), 0);

@@ -63,6 +63,12 @@ TEST_F(GuardTest, PassesWhenItCannotTellWhoseClaimsTheyAre) {
   EXPECT_EQ(run({"guard", "README.md"}), 0);
 }
 
+TEST_F(GuardTest, TakesAnyPathBehindTwoDashes) {
+  EXPECT_EQ(run({"guard", "--", "--help", "then", "--json", "README.md"}), 1);
+  EXPECT_EQ(run({"guard", "--", "caf\xe9.txt"}), 0);
+  EXPECT_EQ(err.text, "");
+}
+
 TEST_F(GuardTest, WantsAPath) {
   EXPECT_EQ(run({"guard"}), 2);
   EXPECT_EQ(run({"guard", "--"}), 2);
@@ -75,6 +81,11 @@ TEST(Guard, FindsAPathItsFolderOrItsPattern) {
   EXPECT_TRUE(coversPath("src", "./src/b/a.cpp"));
   EXPECT_TRUE(coversPath("src/*.cpp", "src/b/a.cpp"));
   EXPECT_TRUE(coversPath("src/**", "src/a"));
+  EXPECT_TRUE(coversPath("**/Makefile", "Makefile"));
+  EXPECT_TRUE(coversPath("**/Makefile", "src/Makefile"));
+  EXPECT_TRUE(coversPath("src/**/a.cpp", "src/a.cpp"));
+  EXPECT_TRUE(coversPath("src/a.cpp", "src//b/../a.cpp"));
+  EXPECT_FALSE(coversPath("**/Makefile", "src/aMakefile"));
   EXPECT_TRUE(coversPath(".", "anything"));
   EXPECT_TRUE(coversPath("src/a.cpp", "/home/x/src/a.cpp"));
   EXPECT_TRUE(coversPath("src", "/home/x/src/a.cpp"));

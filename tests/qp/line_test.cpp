@@ -156,6 +156,8 @@ TEST(Line, ReadsATextFromStandardInputOrAFileAndDropsOneLineFeed) {
             R"(add_task {"title":"T","body":"no end","summary":"in $(x) `y` \\n\n"})");
   EXPECT_EQ(whyNot({"add", "T", "--body-file", "b.md"}, sources),
             "b.md cannot be read as a text in UTF-8 of at most 1 MiB");
+  EXPECT_EQ(whyNot({"add", "T", "--body-file", ""}, sources),
+            "an empty path cannot be read as a text in UTF-8 of at most 1 MiB");
   EXPECT_EQ(whyNot({"add", "-", "-"}, sources),
             "standard input can be read once in a line; use --OPTION-file for another text");
   EXPECT_EQ(whyNot({"add", "T", "--waits-on-file", "a.md"}, sources),
@@ -212,9 +214,40 @@ TEST(Line, SaysWhatIsWrong) {
       {{"wait", "--follow", "--json"},
        "--follow prints lines, and no JSON; leave out one of the two"},
       {{"comment", "t1", "\xff"}, "a word of the line is not UTF-8"},
+      {{"tasks", "--bucket", "dine"},
+       "--bucket is one of yours, forYou, readyToClaim, waiting, done, rejected, not \"dine\"; did "
+       "you mean done?"},
+      {{"tasks", "--limit", "0"}, "--limit wants a number of at least 1, not 0"},
+      {{"wait", "--timeout", "-1"}, "--timeout wants a number of at least 0, not -1"},
+      {{"doctor", "--json"}, "doctor stands without other words, not with \"--json\""},
+      {{"guard", "then", "plan"}, "guard stands alone in a line"},
   };
   for (const Row& row : rows)
     EXPECT_EQ(whyNot(row.words), row.why) << ::testing::PrintToString(row.words);
+}
+
+TEST(Line, OfAProgramThatReadsJsonIsAnsweredInJsonHoweverWrongItIs) {
+  for (const Words& words : {Words{"claim", "t1", "--foo", "--json"},
+                             {"nope", "--json"},
+                             {"tasks", "then", "nope", "--json"},
+                             {"--json", "\xff"}}) {
+    const std::variant<Line, Misuse> reading = readLine(words, noTexts());
+    const Misuse* const wrong = std::get_if<Misuse>(&reading);
+    EXPECT_TRUE(wrong != nullptr && wrong->asJson) << ::testing::PrintToString(words);
+  }
+  EXPECT_FALSE(callsOf({"tasks", "--json=false"}).at(0).asJson);
+  EXPECT_TRUE(callsOf({"tasks", "--json=true"}).at(0).asJson);
+}
+
+TEST(Line, AsksForFinishedTasksWhenOnlyTheirBucketIsShown) {
+  EXPECT_EQ(readAs({"tasks", "--bucket", "done"}),
+            R"(list_tasks {"include":"all"}|{"bucket":"done"})");
+  EXPECT_EQ(readAs({"tasks", "--bucket", "yours"}), R"(list_tasks {}|{"bucket":"yours"})");
+}
+
+TEST(Line, LeavesWhatStandsBehindTwoDashesToACommandOfItsOwn) {
+  EXPECT_EQ(ownOf({"guard", "--", "then", "--help", "caf\xe9"})->command, Command::guard);
+  EXPECT_EQ(ownOf({"guard", "a", "--help"})->command, Command::help);
 }
 
 TEST(Line, IsOneOfTheCommandsOfItsOwn) {

@@ -141,9 +141,31 @@ TEST_F(LineRun, RemembersFromOneCommandToTheNext) {
 
 TEST_F(LineRun, EndsQuietlyWhenNobodyReads) {
   readsWrites = 0;
+  lifetime.unread = true;
   EXPECT_EQ(run({"unwatch", "t1"}), 129);
   EXPECT_EQ(err.text, "");
   EXPECT_EQ(run({"--help"}), 129);
+}
+
+TEST_F(LineRun, SaysWhenItCannotWriteAndWhatWasNotTried) {
+  readsWrites = 0;
+  EXPECT_EQ(run({"unwatch", "t1", "then", "unwatch", "t2", "then", "plan"}), 1);
+  EXPECT_EQ(bridge.requests.size(), 1u);
+  EXPECT_EQ(err.text,
+            "qp: not tried: unwatch_task, read_plan\nqp: standard output cannot be written\n");
+  for (const std::string command : {"--help", "doctor", "brief"}) {
+    EXPECT_EQ(run({command}), 1) << command;
+    EXPECT_EQ(err.text, "qp: standard output cannot be written\n") << command;
+  }
+}
+
+TEST_F(LineRun, HasNoBoardWhereTheTerminalHasNoSeat) {
+  sessionID = "";
+  otherwise = R"({"kind":"error","message":"This board knows no such seat."})";
+  EXPECT_EQ(run({"tasks"}), 4);
+  EXPECT_EQ(out.text, "This board knows no such seat.\n");
+  EXPECT_EQ(run({"tasks", "--json"}), 4);
+  EXPECT_TRUE(err.text.ends_with("\"status\":4}\n")) << err.text;
 }
 
 TEST_F(LineRun, LetsNobodySteerAPersonsTerminal) {
@@ -299,8 +321,10 @@ TEST_F(WaitRun, StopsFollowingWhenNobodyReads) {
                  responseFrom(feed(8, R"(,"wakeReasons":[{"kind":"k","summary":"s"}])")));
   holdForever();
   readsWrites = 0;
+  lifetime.unread = true;
   EXPECT_EQ(run({"wait", "--follow"}), 129);
   EXPECT_EQ(bridge.requests.size(), 2u);
+  EXPECT_EQ(err.text, "");
 }
 
 }  // namespace

@@ -41,14 +41,20 @@ TEST(TaskView, CutsEachBucketAndSaysHowManyAreLeftOut) {
             R"("state":"open","summary":"Reads them."}],"waiting":[{"id":"t4","title":"Wait"}],)"
             R"("hint":"h"})");
   EXPECT_EQ(one.leftOut, "… 2 more under readyToClaim: qp tasks --all\n");
-  EXPECT_EQ(viewed(std::string(backlog), viewFrom(R"({"limit":-1})")).leftOut,
-            "… 3 more under readyToClaim: qp tasks --all\n"
-            "… 1 more under waiting: qp tasks --all\n");
 }
 
 TEST(TaskView, ShowsOneBucketAndAFewFields) {
   EXPECT_EQ(seen(R"({"bucket":"waiting","fields":["title","id","nothing"]})"),
             R"({"waiting":[{"id":"t4","title":"Wait"}],"hint":"h"})");
+}
+
+TEST(TaskView, NamesTheFieldsThatNoTaskHas) {
+  const auto leftOut = [](std::string_view options) {
+    return viewed(std::string(backlog), viewFrom(options)).leftOut;
+  };
+  EXPECT_EQ(leftOut(R"({"fields":["title","nope","hint"]})"), "… no task here has nope or hint\n");
+  EXPECT_EQ(leftOut(R"({"fields":["title","summary"]})"), "");
+  EXPECT_EQ(leftOut(R"({"fields":["nope"],"bucket":"yours"})"), "");
 }
 
 TEST(TaskView, FindsAllTheWordsInIdTitleSummaryAndLastLine) {
@@ -64,7 +70,8 @@ TEST(TaskView, ShowsFiftyToAPersonAndAllToAProgram) {
   EXPECT_EQ(viewFrom("{}").limit, 50);
   EXPECT_EQ(viewFrom(R"({"all":true})").limit, std::nullopt);
   EXPECT_EQ(viewFrom("{}", true).limit, std::nullopt);
-  EXPECT_EQ(viewFrom(R"({"limit":7,"all":true})", true).limit, 7);
+  EXPECT_EQ(viewFrom(R"({"limit":7,"all":true})", true).limit, std::nullopt);
+  EXPECT_EQ(viewFrom(R"({"limit":7})", true).limit, 7);
 }
 
 }  // namespace

@@ -17,7 +17,7 @@ TEST(VerbReader, LeavesTextsThatStandElsewhereForLater) {
   EXPECT_EQ(reader.pending()[0].key, "summary");
   EXPECT_EQ(reader.pending()[0].path, "s.txt");
   EXPECT_EQ(reader.pending()[1].key, "body");
-  EXPECT_EQ(reader.pending()[1].path, "");
+  EXPECT_EQ(reader.pending()[1].path, std::nullopt);
   EXPECT_EQ(json::find(reader.call().arguments, "body"), nullptr);
 }
 
