@@ -99,27 +99,27 @@ constexpr auto toolLines = std::to_array<ToolLine>({
     {"set_charter",           "charter C"},
     {"add_task",              "add T"},
     {"list_tasks",            "tasks"},
-    {"claim_task",            "claim t000001"},
-    {"update_task",           "update t000001 p"},
-    {"read_task",             "show t000001"},
-    {"comment_task",          "comment t000001 c"},
-    {"watch_task",            "watch t000001"},
-    {"unwatch_task",          "unwatch t000001"},
-    {"request_release",       "request-release t000001 r",         1},
-    {"release_task",          "release t000001"},
-    {"assign_task",           "assign t000001 nobody",             1},
+    {"claim_task",            "claim t000002"},
+    {"update_task",           "update t000002 p"},
+    {"read_task",             "show t000002"},
+    {"comment_task",          "comment t000002 c"},
+    {"watch_task",            "watch t000002"},
+    {"unwatch_task",          "unwatch t000002"},
+    {"request_release",       "request-release t000001 r"},
+    {"release_task",          "release t000002"},
+    {"assign_task",           "add U then assign t000003 $PEER"},
     {"open_discussion",       "discuss Q?"},
     {"reply_discussion",      "reply d000001 r"},
     {"resolve_discussion",    "resolve d000001 r"},
     {"heartbeat",             "heartbeat"},
     {"read_messages",         "messages"},
-    {"send_message",          "send nobody hello",                 1},
-    {"complete_task",         "take t000001 then done t000001 s"},
-    {"request_review",        "review t000001"},
-    {"verify_task",           "verify t000001 approve",            1},
-    {"reject_task",           "reject t000001 r",                  1},
-    {"delete_task",           "add U then delete t000002 r"},
-    {"propose_goal_complete", "propose-complete"},
+    {"send_message",          "send $PEER hello"},
+    {"complete_task",         "take t000002 then done t000002 s"},
+    {"request_review",        "review t000002"},
+    {"verify_task",           "verify t000002 approve",            1},
+    {"reject_task",           "add V then reject t000004 r"},
+    {"delete_task",           "add W then delete t000005 r"},
+    {"propose_goal_complete", "propose-complete --acknowledge-open-tasks"},
     {"request_hands",         "hands",                             1},
     {"suggest_helper",        "suggest n c e"},
     {"stop_helper",           "stop nobody",                       1},
@@ -130,7 +130,10 @@ constexpr auto toolLines = std::to_array<ToolLine>({
 
 TEST(ShellAgent, GetsJsonThatJqReadsFromEveryTool) {
   const RealBoard board;
-  const ShellAgent agent(board);
+  const ShellAgent peer(board), agent(board);
+  ASSERT_TRUE(board.person({"squad", "on", "--thread", "main"}));
+  peer.run("qp register then add 'Held by a peer' then claim t000001");
+  const std::string handle = peer.run("qp agents --json 2>/dev/null | jq -j .[0].handle");
   for (const Tool& tool : tools) {
     const auto* const row = std::ranges::find(toolLines, tool.name, &ToolLine::tool);
     EXPECT_NE(row, toolLines.end()) << tool.name << " is tried with no line";
@@ -140,7 +143,8 @@ TEST(ShellAgent, GetsJsonThatJqReadsFromEveryTool) {
     const std::string_view read =
         row.status == 1 ? "[ ! -s out ] && tail -1 err | jq -e '.error and .status == 1'"
                         : "jq -e 'type' out";
-    agent.run(text::cat("cd; qp --json ", row.line, " >out 2>err; s=$?; [ $s = ", row.status,
+    agent.run(text::cat("cd; PEER=", handle, "; qp --json ", row.line,
+                        " >out 2>err; s=$?; [ $s = ", row.status,
                         " ] || { echo status $s; cat out err; exit 1; }; ", read, " >/dev/null"));
   }
 }

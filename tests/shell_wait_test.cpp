@@ -18,7 +18,7 @@ using testing::Process;
 
 /// A follower and a wait of one seat, and a peer who adds tasks for them to be told of.
 struct Listening {
-  explicit Listening(const ShellAgent& listener, const ShellAgent& other) : peer(other) {
+  Listening(const ShellAgent& agent, const ShellAgent& other) : listener(agent), peer(other) {
     listener.run("qp register then add 'First'");
     peer.run("qp register");
     const std::string since = listener.revision();
@@ -32,6 +32,11 @@ struct Listening {
     told += readUntil(*follower, nextTask());
     ++moves;
   }
+  /// That the wait has ended with the news; another one waits from here on.
+  void waitAnew() {
+    EXPECT_EQ(waiter->waitForExit(board::realPatience), 0);
+    waiter = listener.start("qp wait --since " + listener.revision());
+  }
   /// That the wait has ended with the news, and that each move was told once.
   void expectEachToldOnce() {
     EXPECT_EQ(waiter->waitForExit(board::realPatience), 0);
@@ -41,6 +46,7 @@ struct Listening {
 
   std::string nextTask() const { return text::cat("t00000", moves + 2); }
 
+  const ShellAgent& listener;
   const ShellAgent& peer;
   std::unique_ptr<Process> follower, waiter;
   std::string told;
@@ -53,10 +59,29 @@ TEST(ShellWait, LosesNoMoveAndIsToldNoneTwiceWhileTheBoardIsKilledAndStartedAgai
   Listening listening(listener, peer);
   for (int i = 0; i < 3; ++i) {
     listening.move();
+    listening.waitAnew();
     board.kill();
     board.start();
   }
+  listening.move();
   listening.expectEachToldOnce();
+}
+
+TEST(ShellWait, IsToldAMessageOnceThoughTheBoardWasStartedAgain) {
+  RealBoard board;
+  const ShellAgent listener(board), peer(board);
+  ASSERT_TRUE(board.person({"squad", "on", "--thread", "main"}));
+  Listening listening(listener, peer);
+  listening.move();
+  EXPECT_EQ(listening.waiter->waitForExit(board::realPatience), 0);
+  const std::string handle =
+      peer.run("qp agents --json 2>/dev/null | jq -j '.[] | select(.isSelf | not) | .handle'");
+  board.kill();
+  board.start();
+  peer.run(text::cat("qp send ", handle, " 'on the other side'"));
+  listening.told += readUntil(*listening.follower, "on the other side");
+  listening.move();
+  EXPECT_EQ(count(listening.told, "on the other side"), 1u) << listening.told;
 }
 
 TEST(ShellWait, LosesNoMoveWhileTheBoardIsStoppedAndStartedWithAnotherToken) {
@@ -66,11 +91,13 @@ TEST(ShellWait, LosesNoMoveWhileTheBoardIsStoppedAndStartedWithAnotherToken) {
   Listening listening(listener, peer);
   for (int i = 0; i < 3; ++i) {
     listening.move();
+    listening.waitAnew();
     const std::string token = testing::readFile(tokenFile);
     EXPECT_EQ(board.stop(SIGTERM), 0);
     board.start();
     EXPECT_NE(testing::readFile(tokenFile), token);
   }
+  listening.move();
   listening.expectEachToldOnce();
 }
 
@@ -124,6 +151,7 @@ TEST(ShellWait, LosesNoMoveWhileTheBoardIsReplacedByOneAtAnotherSocket) {
   Listening listening(listener, peer);
   for (const std::string_view suffix : {"b", "c"}) {
     listening.move();
+    listening.waitAnew();
     board.stop();
     board.serve(std::string(suffix));
   }

@@ -28,7 +28,7 @@ class RecordReader {
   RecordReader(const Shape& shape, void* target) : pending_{target, &shape} {}
 
   bool on_document_begin(error_code& /*ec*/) { return true; }
-  bool on_document_end(error_code& ec) { return !isTopWrong_ || notJson(ec); }
+  bool on_document_end(error_code& ec) const { return !isTopWrong_ || notJson(ec); }
 
   bool on_object_begin(error_code& ec) {
     if (skipping()) return skipInto();

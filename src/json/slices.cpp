@@ -35,7 +35,8 @@ std::size_t behindString(std::string_view text, std::size_t at) {
 
 /// Cuts the first part, up to a comma that stands outside of strings and brackets, off `rest`.
 std::string_view takePart(std::string_view& rest) {
-  std::size_t depth = 0, at = 0;
+  std::size_t depth = 0;
+  std::size_t at = 0;
   while (at < rest.size()) {
     const char letter = rest[at];
     if (letter == '"') {
