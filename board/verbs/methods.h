@@ -72,8 +72,8 @@ struct Method {
 /// method is unknown or the caller may not call it.
 TeamworkResponse carryOut(const Call& call);
 
-/// Whether the method only reads; so does one that is unknown.
-bool onlyReads(std::string_view method);
+/// Whether the method of that name only reads; so does one that is unknown.
+bool onlyReads(std::string_view name);
 
 /// A write that was done.
 TeamworkResponse written(std::string message, std::string notice = {});

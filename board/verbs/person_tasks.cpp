@@ -127,7 +127,8 @@ TeamworkResponse release(const Deed& deed) {
   if (task->state != TaskState::claimed) {
     return refused(text::cat("Nobody holds ", named(*task), "."));
   }
-  const std::string holder = task->owner, reason = reasonOf(deed);
+  const std::string holder = task->owner;
+  const std::string reason = reasonOf(deed);
   addRemark(deed, *task, "released", reason);
   const auto notices = toldTo(holder, text::cat("took ", named(*task), " back", behind(reason)));
   const bool isHandedOver = giveUpClaim(
@@ -142,7 +143,8 @@ TeamworkResponse reopen(const Deed& deed) {
   Task* task = deed.board.tasks.touch(deed.subject());
   if (task == nullptr) return noSuchTask(deed);
   if (isOpen(*task)) return refused(text::cat(named(*task), " is open already."));
-  const std::string doer = task->owner, reason = reasonOf(deed);
+  const std::string doer = task->owner;
+  const std::string reason = reasonOf(deed);
   addRemark(deed, *task, "reopened", reason);
   task->state = TaskState::open;
   task->owner.clear();

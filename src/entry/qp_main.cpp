@@ -133,7 +133,8 @@ int run(const std::vector<std::string>& words) {
   SteadyClock clock;
   FoundBridge bridge(environment, patienceFor(words));
   ProcessLifetime lifetime(sessionID);
-  FdOutput output(STDOUT_FILENO), errors(STDERR_FILENO);
+  FdOutput output(STDOUT_FILENO);
+  FdOutput errors(STDERR_FILENO);
   const Status status =
       runLine(words, {.doors = {.clock = clock, .environment = environment, .bridge = bridge},
                       .sessionID = sessionID,
