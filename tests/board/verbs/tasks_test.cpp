@@ -10,7 +10,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
-std::string letters(std::size_t count) { return std::string(count, 'x'); }
+std::string many(std::size_t count) { return std::string(count, 'x'); }
 
 TEST(Tasks, HaveIdsInTheOrderOfFiling) {
   Desk desk;
@@ -23,7 +23,7 @@ TEST(Tasks, HaveIdsInTheOrderOfFiling) {
 TEST(Tasks, TheSummaryIsSilentlyCut) {
   Desk desk;
   const auto response =
-      desk.ask("AA2", "add_task", text::cat(R"("title":"x","summary":")", letters(281), "\""));
+      desk.ask("AA2", "add_task", text::cat(R"("title":"x","summary":")", many(281), "\""));
   EXPECT_EQ(response.notice, std::nullopt);
   EXPECT_EQ(lastLine(desk.board, desk.task("t000001"))->text.size(), 280u);
 }
@@ -55,10 +55,10 @@ TEST(Declining, CutsTheReasonWithANotice) {
   Desk desk;
   const std::string id = desk.add("one");
   const auto response = desk.ask(
-      "BB3", "reject_task", text::cat(Desk::on(id), R"(,"releaseReason":")", letters(241), "\""));
+      "BB3", "reject_task", text::cat(Desk::on(id), R"(,"releaseReason":")", many(241), "\""));
   EXPECT_THAT(response.notice.value_or(""), HasSubstr("240"));
   EXPECT_EQ(desk.view("AA2", id).state, "rejected");
-  EXPECT_EQ(desk.view("AA2", id).log.back(), "BB3: declined: " + letters(240));
+  EXPECT_EQ(desk.view("AA2", id).log.back(), "BB3: declined: " + many(240));
 }
 
 TEST(Declining, IsNotForWhatAPeerHolds) {
