@@ -11,16 +11,54 @@ file(GLOB pages CONFIGURE_DEPENDS *.md)
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT teamwork)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT teamwork
   FILES_MATCHING PATTERN "*.md")
-foreach(folder claude codex cursor antigravity git systemd launchd)
+foreach(folder .claude-plugin antigravity claude claude-plugin codex copilot cursor gemini
+    gemini-extension git launchd opencode systemd)
   install(DIRECTORY contrib/${folder} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
     COMPONENT teamwork USE_SOURCE_PERMISSIONS)
 endforeach()
 
+# What the shells complete, as the program prints it.
+set(completions "")
+foreach(pair bash:bash-completion/completions/qp zsh:zsh/site-functions/_qp
+    fish:fish/vendor_completions.d/qp.fish)
+  string(REGEX REPLACE ":.*" "" shell ${pair})
+  string(REGEX REPLACE ".*:" "" place ${pair})
+  set(made ${PROJECT_BINARY_DIR}/completions/${place})
+  get_filename_component(folder ${made} DIRECTORY)
+  file(MAKE_DIRECTORY ${folder})
+  add_custom_command(OUTPUT ${made} COMMAND qp completion ${shell} > ${made} DEPENDS qp)
+  list(APPEND completions ${made})
+endforeach()
+add_custom_target(completions DEPENDS ${completions})
+add_dependencies(programs completions)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/completions/ DESTINATION ${CMAKE_INSTALL_DATADIR}
+  COMPONENT teamwork)
+
 # --- The licences of what is linked in, as the installed packages have them ----------------------
 
-# Finds the licence of one library among `candidates`, patterns of paths; -DQUILLPOST_LICENCE_<NAME>
-# names it where none fits. Without one the program is still built, and who packs it is told.
+# Cuts the one text that covers what is linked in here out of a file that has those of a whole
+# distribution's package, two megabytes for Boost, and gives the path of the cut.
+function(quillpost_only title file output)
+  file(READ ${file} whole)
+  string(FIND "${whole}" "\n ${title}" begin)
+  if(begin EQUAL -1)
+    set(${output} ${file} PARENT_SCOPE)
+    return()
+  endif()
+  string(SUBSTRING "${whole}" ${begin} 4096 text)
+  string(FIND "${text}" "\n\n" end)
+  string(SUBSTRING "${text}" 1 ${end} text)
+  string(REGEX REPLACE "\n \\.\n" "\n\n" text "${text}")
+  string(REGEX REPLACE "(^|\n) " "\\1" text "${text}")
+  set(cut ${PROJECT_BINARY_DIR}/licences/${title})
+  file(WRITE ${cut} "${text}")
+  set(${output} ${cut} PARENT_SCOPE)
+endfunction()
+
+# Finds the licence of one library among `candidates`, patterns of paths, and takes of it the text that
+# begins with a third argument where there is one; -DQUILLPOST_LICENCE_<NAME> names it where none fits. Without one the program is still built, and who packs it is told.
 function(quillpost_licence name candidates)
+  set(title ${ARGV2})
   set(variable QUILLPOST_LICENCE_${name})
   string(TOUPPER ${variable} variable)
   if(NOT DEFINED ${variable})
@@ -33,7 +71,11 @@ function(quillpost_licence name candidates)
     endif()
   endif()
   if(${variable})
-    install(FILES ${${variable}} DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${name}
+    set(text ${${variable}})
+    if(title)
+      quillpost_only("${title}" ${text} text)
+    endif()
+    install(FILES ${text} DESTINATION ${CMAKE_INSTALL_DOCDIR}/licences RENAME ${name}
       COMPONENT teamwork)
   else()
     message(WARNING "No licence of ${name} found; name it with -D${variable}=FILE before packing")
@@ -44,10 +86,13 @@ get_filename_component(utf8procPrefix ${UTF8PROC_INCLUDE_DIR} DIRECTORY)
 list(GET Boost_INCLUDE_DIRS 0 boostInclude)
 get_filename_component(boostPrefix ${boostInclude} DIRECTORY)
 quillpost_licence(boost "${boostPrefix}/share/doc/libboost1.*-dev/copyright;\
-${boostPrefix}/opt/boost/LICENSE*;${boostPrefix}/LICENSE*")
+${boostPrefix}/opt/boost/LICENSE*;${boostPrefix}/LICENSE*" "Boost Software License")
 # Its file covers the Unicode data that is compiled into it too.
 quillpost_licence(utf8proc "${utf8procPrefix}/share/doc/libutf8proc-dev/copyright;\
 ${utf8procPrefix}/opt/utf8proc/LICENSE*;${utf8procPrefix}/LICENSE*")
+if(QUILLPOST_STATIC_BOARD AND staticPie)
+  quillpost_licence(sqlite "/usr/share/doc/libsqlite3-dev/copyright")
+endif()
 if(NOT APPLE)
   # The C++ runtime is linked in too; on macOS it belongs to the system.
   execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-file-name=libstdc++.a
@@ -68,6 +113,12 @@ set(CPACK_PACKAGE_NAME quillpost-teamwork)
 set(CPACK_PACKAGE_VENDOR Quillpost)
 set(CPACK_PACKAGE_CONTACT "Quillpost <teamwork@quillpost.invalid>")
 set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "Shared work board for AI coding agents: board, seat, command line")
+set(CPACK_PACKAGE_DESCRIPTION
+"Coding agents that run in terminals of one machine share a board: a goal, a
+ backlog that anyone can claim from, discussions, and questions that wait for
+ the person. quillpost-teamwork is an agent's seat for its harness and its
+ stop hook, qp is the same seat from a shell, and quillpost-board keeps a
+ board where the Quillpost app does not run.")
 set(CPACK_PACKAGE_FILE_NAME
   quillpost-teamwork-${PROJECT_VERSION}-${CMAKE_SYSTEM_NAME}-${CMAKE_SYSTEM_PROCESSOR})
 set(CPACK_VERBATIM_VARIABLES ON)

@@ -3,13 +3,13 @@
 
 #include "base/clock.h"
 #include "base/text.h"
+#include "contrib/ready_files.h"
 #include "contrib/toml.h"
 #include "harness/paths.h"
 #include "harness/process.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 #include "json/value.h"
-#include "model/coding.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -30,57 +30,8 @@ namespace {
 using testing::Command;
 using ::testing::HasSubstr;
 using testing::Process;
-using testing::readFile;
 using testing::ScriptedApp;
 using testing::TempDir;
-
-using Variables = std::map<std::string, std::string>;
-
-constexpr std::string_view program = "/usr/local/bin/quillpost-teamwork";
-constexpr std::string_view shared = "/usr/local/share/quillpost-teamwork/";
-constexpr std::string_view hookLine =
-    "Quillpost hook, automatic: board changed, call wait_for_changes, act on wakeReasons, then "
-    "keep listening";
-
-std::string contribFile(std::string_view name) {
-  return readFile(testing::inSources(text::cat("contrib/", name)));
-}
-
-std::string replaced(std::string whole, std::string_view old, std::string_view fresh) {
-  for (std::size_t at = whole.find(old); at != std::string::npos;
-       at = whole.find(old, at + fresh.size()))
-    whole.replace(at, old.size(), fresh);
-  return whole;
-}
-
-/// A command with the installed paths replaced by those of the build and of the sources.
-std::string here(std::string command) {
-  return replaced(replaced(std::move(command), program, testing::seatProgram()), shared,
-                  testing::inSources("contrib/"));
-}
-
-/// A value in a JSON file by its path of keys and list positions; null when there is none.
-const json::Tree* at(const json::Tree& tree, const std::vector<std::string_view>& path) {
-  const json::Tree* here = &tree;
-  for (const std::string_view step : path) {
-    if (const auto* list = here->if_array()) {
-      here = list->empty() ? nullptr : &list->front();
-    } else if (const auto* object = here->if_object()) {
-      here = json::find(*object, step);
-    } else {
-      here = nullptr;
-    }
-    if (here == nullptr) return nullptr;
-  }
-  return here;
-}
-
-std::string textAt(const std::string& source, const std::vector<std::string_view>& path) {
-  const std::optional<json::Tree> tree = json::parse(source);
-  const json::Tree* found = tree ? at(*tree, path) : nullptr;
-  const auto* words = found != nullptr ? found->if_string() : nullptr;
-  return words != nullptr ? std::string(*words) : std::string();
-}
 
 /// What a harness starts, and the environment it hands on of the terminal's.
 struct Start {
@@ -88,38 +39,56 @@ struct Start {
   Variables environment;
 };
 
-/// What the app sets in a terminal that it opens on a Thread.
-Variables terminal(const std::string& socketPath) {
-  return {{"HOME", "/nonexistent"},
-          {"QUILLPOST_SESSION_ID", "S1"},
-          {"QUILLPOST_COLLAB_TOKEN", "start"},
-          {"QUILLPOST_COLLAB_SOCKET", socketPath},
-          {"QUILLPOST_COLLAB_TOKEN_FILE", "/nonexistent/token"}};
+Path below(Path path, std::string_view step) {
+  path.push_back(step);
+  return path;
+}
+
+/// The command of a server's table, be it a text or the first of a list.
+std::string commandOf(const std::string& source, const Path& server) {
+  const std::string command = textAt(source, below(server, "command"));
+  return command.empty() ? textAt(source, below(below(server, "command"), "0")) : command;
 }
 
 /// The whole environment is inherited, with nothing of the file's own.
-Start inheriting(const std::string& source, const Variables& environment) {
+Start inheriting(const std::string& source, const Path& server, const Variables& environment) {
   const std::optional<json::Tree> tree = json::parse(source);
-  EXPECT_TRUE(tree && at(*tree, {"mcpServers", "teamwork", "env"}) == nullptr);
-  return {textAt(source, {"mcpServers", "teamwork", "command"}), environment};
+  EXPECT_TRUE(tree && at(*tree, below(server, "env")) == nullptr);
+  return {commandOf(source, server), environment};
 }
 
-/// Only the variables that the file lists are handed on, each under its own name.
-Start listed(const std::string& source, const Variables& environment) {
+/// Adds the variables that the file lists, each under its own name: before and after a name stands
+/// what tells the harness that it is one.
+Start adding(const std::string& source, const Path& server, const Variables& environment,
+             Variables inherited, std::string_view before, std::string_view after) {
   const std::optional<json::Tree> tree = json::parse(source);
-  const json::Tree* env = tree ? at(*tree, {"mcpServers", "teamwork", "env"}) : nullptr;
-  Start start = {textAt(source, {"mcpServers", "teamwork", "command"}), {}};
+  const json::Tree* env = tree ? at(*tree, below(server, "env")) : nullptr;
+  Start start = {commandOf(source, server), std::move(inherited)};
   if (env == nullptr || !env->is_object()) return start;
   for (const auto& member : env->get_object()) {
     const std::string name(member.key());
-    EXPECT_EQ(member.value(), json::Tree(text::cat("${env:", name, "}")));
+    EXPECT_EQ(member.value(), json::Tree(text::cat(before, name, after)));
     const auto value = environment.find(name);
     if (value != environment.end()) start.environment.insert(*value);
   }
   return start;
 }
 
-Start fromToml(const std::string& source, const Variables& environment) {
+/// Only the variables that the file lists are handed on.
+Start listedForCursor(const std::string& source, const Path& server, const Variables& environment) {
+  return adding(source, server, environment, {}, "${env:", "}");
+}
+
+/// What looks like a secret is taken out of what is inherited, unless the file lists it.
+Start redacted(const std::string& source, const Path& server, const Variables& environment) {
+  Variables inherited = environment;
+  std::erase_if(inherited, [](const auto& variable) {
+    return variable.first.find("TOKEN") != std::string::npos;
+  });
+  return adding(source, server, environment, std::move(inherited), "$", "");
+}
+
+Start fromToml(const std::string& source, const Path& /*server*/, const Variables& environment) {
   const std::optional<Toml> toml = parseToml(source);
   if (!toml) return {};
   Start start = {std::get<std::string>(toml->at("mcp_servers.teamwork.command")), {}};
@@ -135,8 +104,9 @@ Start fromToml(const std::string& source, const Variables& environment) {
 struct ServerFile {
   std::string name;
   std::string_view file;
+  Path server;
   std::string_view clientName;
-  Start (*read)(const std::string& source, const Variables& environment);
+  Start (*read)(const std::string& source, const Path& server, const Variables& environment);
 };
 
 void PrintTo(const ServerFile& file, std::ostream* out) { *out << file.name; }
@@ -145,8 +115,8 @@ class ServerConfiguration : public ::testing::TestWithParam<ServerFile> {};
 
 TEST_P(ServerConfiguration, StartsAServerThatKnowsItsSeat) {
   const TempDir home;
-  const Start start =
-      GetParam().read(contribFile(GetParam().file), terminal(home.pathOf("nobody.sock")));
+  const Start start = GetParam().read(contribFile(GetParam().file), GetParam().server,
+                                      terminal(home.pathOf("nobody.sock")));
   ASSERT_EQ(start.command, program);
 
   Process server({here(start.command), {}, start.environment});
@@ -165,12 +135,20 @@ TEST_P(ServerConfiguration, StartsAServerThatKnowsItsSeat) {
 
 std::string nameOf(const ::testing::TestParamInfo<ServerFile>& info) { return info.param.name; }
 
+const Path usual = {"mcpServers", "teamwork"};
+
 // clang-format off
 INSTANTIATE_TEST_SUITE_P(Contrib, ServerConfiguration, ::testing::Values(
-    ServerFile{"claude",      "claude/mcp.json",             "claude-code",        inheriting},
-    ServerFile{"codex",       "codex/config.toml",           "codex-mcp-client",   fromToml},
-    ServerFile{"cursor",      "cursor/mcp.json",             "cursor-vscode",      listed},
-    ServerFile{"antigravity", "antigravity/mcp_config.json", "antigravity-client", inheriting}),
+    ServerFile{"claude",          "claude/mcp.json",                        usual,                   "claude-code",           inheriting},
+    ServerFile{"claudePlugin",    "claude-plugin/.mcp.json",                usual,                   "claude-code",           inheriting},
+    ServerFile{"codex",           "codex/config.toml",                      {},                      "codex-mcp-client",      fromToml},
+    ServerFile{"cursor",          "cursor/mcp.json",                        usual,                   "cursor-vscode",         listedForCursor},
+    ServerFile{"antigravity",     "antigravity/mcp_config.json",            usual,                   "antigravity-client",    inheriting},
+    ServerFile{"copilot",         "copilot/mcp-config.json",                usual,                   "copilot-cli",           inheriting},
+    ServerFile{"vscode",          "copilot/vscode-mcp.json",                {"servers", "teamwork"}, "Visual Studio Code",    inheriting},
+    ServerFile{"opencode",        "opencode/opencode.json",                 {"mcp", "teamwork"},     "opencode",              inheriting},
+    ServerFile{"gemini",          "gemini/settings.json",                   usual,                   "gemini-cli-mcp-client", redacted},
+    ServerFile{"geminiExtension", "gemini-extension/gemini-extension.json", usual,                   "gemini-cli-mcp-client", redacted}),
     nameOf);
 // clang-format on
 
@@ -184,17 +162,18 @@ TEST(ServerConfigurations, ThatListVariablesListEveryOneOfThem) {
   }
 }
 
-TEST(ServerConfigurations, LetCodexWaitLongerThanAWaitAndOneAnswerTake) {
+TEST(ServerConfigurations, LeaveCodexItsOwnTimeOutsAndSpareItsQuestions) {
   const std::optional<Toml> toml = parseToml(contribFile("codex/config.toml"));
   ASSERT_TRUE(toml);
-  EXPECT_GE(std::get<int>(toml->at("mcp_servers.teamwork.tool_timeout_sec")), 30 + 40);
+  EXPECT_FALSE(toml->contains("mcp_servers.teamwork.tool_timeout_sec"));
+  EXPECT_EQ(toml->at("mcp_servers.teamwork.default_tools_approval_mode"), TomlValue("approve"));
 }
 
 /// One harness's stop hook, and what it says to the harness.
 struct HookFile {
   std::string name;
   std::string_view file;
-  std::vector<std::string_view> path;
+  Path path;
   int wakeStatus;
   std::string wakeOutput, wakeErrors;
   std::string quietOutput;
@@ -241,13 +220,28 @@ TEST_P(HookConfiguration, LetsTheAgentStopOutsideAThread) {
 
 std::string hookName(const ::testing::TestParamInfo<HookFile>& info) { return info.param.name; }
 
-const std::vector<std::string_view> nested = {"hooks", "Stop", "0", "hooks", "0", "command"};
+const Path nested = {"hooks", "Stop", "0", "hooks", "0", "command"};
+const Path afterAgent = {"hooks", "AfterAgent", "0", "hooks", "0", "command"};
+const std::string loud = text::cat(hookLine, "\n");
+const std::string decision = text::cat(R"("decision":"block","reason":")", hookLine, "\"");
 
 INSTANTIATE_TEST_SUITE_P(
     Contrib, HookConfiguration,
     ::testing::Values(
-        HookFile{"claude", "claude/settings.json", nested, 2, "", text::cat(hookLine, "\n"), ""},
-        HookFile{"codex", "codex/hooks.json", nested, 2, "", text::cat(hookLine, "\n"), ""},
+        HookFile{"claude", "claude/settings.json", nested, 2, "", loud, ""},
+        HookFile{"claudePlugin", "claude-plugin/hooks/hooks.json", nested, 2, "", loud, ""},
+        HookFile{"codex", "codex/hooks.json", nested, 2, "", loud, ""},
+        HookFile{"gemini", "gemini/settings.json", afterAgent, 2, "", loud, ""},
+        HookFile{"geminiExtension", "gemini-extension/hooks/hooks.json", afterAgent, 2, "", loud,
+                 ""},
+        HookFile{"copilot",
+                 "copilot/hooks.json",
+                 {"hooks", "Stop", "0", "command"},
+                 0,
+                 text::cat("{", decision, R"(,"hookSpecificOutput":{"hookEventName":"Stop",)",
+                           decision, "}}\n"),
+                 "",
+                 "{}\n"},
         HookFile{"cursor",
                  "cursor/hooks.json",
                  {"hooks", "stop", "0", "command"},

@@ -1,0 +1,324 @@
+// What is played through each harness, and what the model was sent of it.
+
+import { execFile } from "node:child_process";
+import { mkdtemp } from "node:fs/promises";
+import { join } from "node:path";
+import { setTimeout as pause } from "node:timers/promises";
+
+import { Terminal, shown } from "./terminal.mjs";
+
+const hookLine = "board changed, call wait_for_changes";
+const unanswered = "not answered";
+
+/** What the seat itself says to a client of that name: instructions and tools. */
+async function reference(build, clientName) {
+  const lines = [
+    { id: 1, method: "initialize", params: { clientInfo: { name: clientName, version: "1" } } },
+    { id: 2, method: "tools/list" },
+  ].map((message) => JSON.stringify({ jsonrpc: "2.0", ...message }) + "\n");
+  const output = await new Promise((resolve) => {
+    const seat = execFile(join(build, "quillpost-teamwork"), { env: {} }, (_, text) => resolve(text));
+    seat.stdin.end(lines.join(""));
+  });
+  const [initialized, listed] = output.trim().split("\n").map((line) => JSON.parse(line).result);
+  return { instructions: initialized.instructions, tools: listed.tools };
+}
+
+/** A text with its lines however they are broken and indented. */
+const plain = (text) => text.replace(/\s+/g, " ");
+
+/** How many characters of a text, from its beginning, stand in a larger one. */
+function prefixIn(whole, text) {
+  let [known, beyond] = [0, text.length + 1];
+  while (beyond - known > 1) {
+    const middle = (known + beyond) >> 1;
+    if (whole.includes(text.slice(0, middle))) known = middle;
+    else beyond = middle;
+  }
+  return known;
+}
+
+const count = (number) => number.toLocaleString("en");
+const tagged = (text) => /\(thread T-[a-z0-9]{6}\)/.test(text ?? "");
+
+/** The first words of what came back, on one line. */
+const gist = (text, length = 110) =>
+  text === undefined ? unanswered : text.replace(/\s+/g, " ").trim().slice(0, length);
+
+/** One session of one harness: `note(step, seen)` keeps a row of the table. */
+class Session {
+  constructor(place, board, harness, note) {
+    Object.assign(this, { place, board, harness, note });
+  }
+
+  async folder() {
+    return await mkdtemp(join(this.place.scratch, "terminal-"));
+  }
+
+  async open(options = {}) {
+    const seat = options.seat ?? (await this.board.seat(options.name ?? "Ada"));
+    const folder = options.folder ?? (await this.folder());
+    return await Terminal.open(this.place, this.harness, { ...options, seat, folder });
+  }
+
+  /** Opens a terminal for the length of a step. A harness that asks its model for nothing says why. */
+  async inTerminal(options, step, title = "start") {
+    const terminal = await this.open(options);
+    try {
+      const first = await terminal.model.request(180);
+      if (!first) {
+        const said = gist(shown(terminal.output).slice(-300), 300) || "nothing";
+        this.note(title, `the model was asked for nothing; the harness said: ${said}`);
+        return;
+      }
+      await step(terminal, terminal.model);
+    } finally {
+      await terminal.close();
+    }
+  }
+
+  async tools(model) {
+    const wanted = await reference(this.place.build, this.harness.clientName);
+    if (model.tools.length === 0 && (await this.searched(model)) === undefined) return false;
+    const shown = model.tools;
+    const whole = wanted.tools.filter((tool) =>
+      shown.some((one) => one.description?.includes(tool.description)),
+    );
+    const name = model.tool("register")?.name ?? "none";
+    const group = model.tool("register")?.group;
+    this.note(
+      "tools",
+      `${shown.length} of ${wanted.tools.length}, ${whole.length} with their whole description; ` +
+        `\`register\` is \`${group ? `${group}\` / \`${name}` : name}\``,
+    );
+    const { instructions, prompts, tools } = model.requests[0];
+    const all = [instructions, ...prompts, ...tools.map((tool) => tool.about ?? "")].join("\n");
+    const seen = prefixIn(plain(all), plain(wanted.instructions));
+    const length = plain(wanted.instructions).length;
+    this.note(
+      "instructions",
+      seen === length
+        ? `whole, ${count(length)} characters`
+        : seen < 40
+          ? "not shown"
+          : `the first ${count(seen)} of ${count(length)} characters`,
+    );
+    return shown.length > 0;
+  }
+
+  /** Where the tools are not shown at first, the model asks for them as it is told it can. */
+  async searched(model) {
+    const search = model.last.tools.find((tool) => tool.name === "ToolSearch");
+    if (!search) {
+      this.note("tools", `none among ${model.last.tools.length}`);
+      return undefined;
+    }
+    const named = [...JSON.stringify(model.last).matchAll(/mcp__teamwork__[a-z_]+/g)];
+    this.note("tools at first", `deferred: ${new Set(named.map(String)).size} named, none shown`);
+    return await model.use(search, { query: "teamwork", max_results: 50 });
+  }
+
+  async work(model) {
+    const registered = await model.call("register", { name: "Ada", role: "planner" });
+    const plan = await model.call("read_plan");
+    const added = await model.call("add_task", { title: "Say when the bakery is closed" });
+    const id = added?.match(/\bt\d{6}\b/)?.[0];
+    const claimed = await model.call("claim_task", { taskID: id });
+    const all = [registered, plan, added, claimed];
+    const answered = all.filter(tagged).length;
+    this.note(
+      "register, plan, add, claim",
+      answered === all.length && claimed.includes(`You hold ${id}`)
+        ? "all four answered, each result whole"
+        : `${answered} of ${all.length} answered: ${all.map((text) => gist(text, 60)).join(" | ")}`,
+    );
+    return id;
+  }
+
+  /** A question that the person answers while the agent waits. */
+  async question(model, id) {
+    await model.call("update_task", {
+      taskID: id,
+      blocked: true,
+      blockerKind: "decision",
+      blockerQuestion: "Which day is the bakery closed?",
+    });
+    const answersAfter = 45;
+    const person = pause(answersAfter * 1000).then(() =>
+      this.board.person(["answer", id, "On", "Tuesdays"]),
+    );
+    const waits = [];
+    let text;
+    do {
+      const began = Date.now();
+      text = await model.call("wait_for_changes", { timeoutSeconds: 60 });
+      waits.push(Math.round((Date.now() - began) / 1000));
+    } while (text && !text.includes("On Tuesdays") && waits.length < 5);
+    await person;
+    this.note(
+      "wait of 60 s, answered after 45 s",
+      `${waits.length === 1 ? "one call" : `${waits.length} calls`} (${waits.join(" s, ")} s); ` +
+        (text?.includes("On Tuesdays") ? "the answer was read" : `last result: ${gist(text)}`),
+    );
+    await model.call("update_task", { taskID: id, blocked: false, progress: "Tuesdays it is" });
+  }
+
+  /** A brief of 60 KB, whose lines are numbered so that what is missing can be named. */
+  async longResult(model, step = "result of 60 KB") {
+    const added = await this.board.person(["add", "A long brief", "--body", "-"], brief.join("\n"));
+    const text = await model.call("read_task", { taskID: added.match(/\bt\d{6}\b/)[0] });
+    if (text === undefined) {
+      this.note(step, unanswered);
+      return;
+    }
+    const seen = brief.filter((line) => text.includes(line));
+    const said = text
+      .replace(/(\\n)?\s*\d*(\\t)?line \d{4} x+/g, "")
+      .match(/[^"{}]*(truncated|too large|saved to|showing)[^"{}]*/i);
+    this.note(
+      step,
+      `${count(text.length)} characters, ` +
+        (seen.length === brief.length ? "whole" : missing(seen)) +
+        (tagged(text) ? "" : ", without the thread's tag") +
+        (said && seen.length < brief.length ? `; it says: ${gist(said[0], 160)}` : ""),
+    );
+  }
+
+  async refusal(model) {
+    const text = await model.call("claim_task", { taskID: "t999999" });
+    this.note("refused by the board", `the model read: ${gist(text, 80)}`);
+  }
+
+  /** Ends its turn three times: with news, with the news read, and again. */
+  async stop(terminal, model, step = "stop hook") {
+    await this.board.person(["say", terminal.seat.handle, "Lunch", "until", "one"]);
+    model.say("I am done.");
+    const next = await model.request(45);
+    const prompted = next?.prompts.slice(-3).join("\n") ?? "";
+    if (!next || !JSON.stringify(next).includes(hookLine)) {
+      const ended = (await terminal.ends(5)) ? "the harness ended" : "nothing more was asked";
+      this.note(step, `did not keep the agent: ${next ? gist(prompted) : ended}`);
+      return;
+    }
+    const where = prompted.includes(hookLine) ? "as a prompt" : "in a message";
+    const heard = await model.call("wait_for_changes", { timeoutSeconds: 15 });
+    model.say("Now I am done.");
+    const again = await model.request(20);
+    this.note(
+      step,
+      `kept the agent, its line read ${where}; ` +
+        (heard?.includes("Lunch until one") ? "the wait brought the word; " : `the wait: ${gist(heard)}; `) +
+        (again ? "kept it again" : `then ${(await terminal.ends(20)) ? "let it go" : "let it go, the harness stays"}`),
+    );
+  }
+
+  async main() {
+    const more = this.harness.waitsLong ? { QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS: "60" } : {};
+    const window = this.harness.mainWindow;
+    await this.inTerminal({ more, window }, async (terminal, model) => {
+      if (!(await this.tools(model))) return;
+      this.note("environment of the server", (await terminal.inherited()) ?? "not started");
+      const id = await this.work(model);
+      if (!id) return;
+      await this.question(model, id);
+      await this.longResult(model);
+      await this.refusal(model);
+      await this.stop(terminal, model);
+      const hook = await terminal.inherited("--wake-stop-hook");
+      this.note("environment of the stop hook", hook ?? "not started");
+    });
+  }
+
+  /** Two terminals of one user at once: the second is opened while the first one's agent works. */
+  async two(step = "two terminals at once", window = undefined) {
+    const folder = await this.folder();
+    const seats = [];
+    await this.inTerminal({ folder, window, name: "Bo" }, async (bo, boModel) => {
+      await this.inTerminal({ folder, window, name: "Cy" }, async (cy, cyModel) => {
+        for (const [terminal, model] of [[bo, boModel], [cy, cyModel]]) {
+          if (model.tools.length === 0) await this.searched(model);
+          const text = await model.call("register", {}, 60);
+          seats.push([terminal.seat.handle, text?.match(/"yourHandle":\s*"(\w+)"/)?.[1]]);
+        }
+      });
+    });
+    const own = seats.length === 2 && seats.every(([handle, told]) => handle === told);
+    const found = seats.map(([handle, told]) => `the seat ${handle} ${told ? `was told it is ${told}` : "got no answer"}`);
+    this.note(step, own ? "each acted as its own seat" : found.join(", "));
+  }
+
+  async windows() {
+    for (const { title, words } of this.harness.windows ?? [])
+      await this.two(`two windows at once, \`${title}\``, words);
+  }
+
+  /** The same start without one of the things that a person grants. */
+  async without() {
+    for (const without of this.harness.without) {
+      const what = `without ${without}`;
+      await this.inTerminal({ without }, async (terminal, model) => {
+        if (model.tools.length === 0 && !JSON.stringify(model.last).includes("teamwork")) {
+          this.note(what, "none of the tools is shown to the model");
+          return;
+        }
+        if (model.tools.length === 0) await this.searched(model);
+        const text = await model.call("register", { name: "Di" }, 30);
+        this.note(`${what}: a call`, tagged(text) ? "allowed" : `the model read: ${gist(text)}`);
+        if (!tagged(text)) return;
+        await this.board.person(["say", terminal.seat.handle, "Lunch", "until", "one"]);
+        model.say("I am done.");
+        const next = await model.request(15);
+        const kept = next && JSON.stringify(next).includes(hookLine);
+        this.note(`${what}: stop hook`, kept ? "kept the agent" : "did not run");
+      }, what);
+    }
+  }
+
+  /** The bundle in the place of the ready files. */
+  async bundle() {
+    if (!this.harness.bundle) return;
+    await this.inTerminal({ bundled: true }, async (terminal, model) => {
+      if (model.tools.length === 0) await this.searched(model);
+      const text = await model.call("register", { name: "Flo" }, 60);
+      const shown = model.tool("register")?.name ?? "none";
+      this.note("bundle: a call", `${tagged(text) ? "answered" : gist(text)}; \`register\` is \`${shown}\``);
+      if (tagged(text)) await this.stop(terminal, model, "bundle: stop hook");
+    }, "bundle");
+  }
+
+  async longer() {
+    if (!this.harness.longer) return;
+    await this.inTerminal({ longer: true }, async (_terminal, model) => {
+      if (model.tools.length === 0) await this.searched(model);
+      await model.call("register", { name: "Ed" });
+      await this.longResult(model, `result of 60 KB, with \`${this.harness.longer}\``);
+    });
+  }
+}
+
+const brief = Array.from(
+  { length: 1000 },
+  (_, i) => `line ${String(i + 1).padStart(4, "0")} ${"x".repeat(49)}`,
+);
+
+/** How many lines of the brief are there, and between which the others are missing. */
+function missing(seen) {
+  const there = new Set(seen);
+  const first = brief.findIndex((line) => !there.has(line)) + 1;
+  const last = brief.findLastIndex((line) => !there.has(line)) + 1;
+  return `${seen.length} of ${brief.length} lines, ${first} to ${last} missing`;
+}
+
+export const allParts = ["main", "longer", "two", "windows", "without", "bundle"];
+
+/** Plays everything through one harness. */
+export async function play(place, board, harness, note, parts = allParts) {
+  const session = new Session(place, board, harness, note);
+  for (const part of parts) {
+    try {
+      await session[part]();
+    } catch (error) {
+      note(part, `the session broke: ${error.stack}`);
+    }
+  }
+}
