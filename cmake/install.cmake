@@ -10,7 +10,7 @@ install(FILES man/quillpost-teamwork.1 man/qp.1 man/quillpost-board.1 DESTINATIO
 file(GLOB pages CONFIGURE_DEPENDS *.md)
 install(FILES ${pages} DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT teamwork)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT teamwork
-  FILES_MATCHING PATTERN "*.md")
+  FILES_MATCHING PATTERN "*.md" PATTERN "*.svg" PATTERN "*.png")
 foreach(folder .claude-plugin antigravity claude claude-plugin codex copilot cursor gemini
     gemini-extension git launchd opencode systemd)
   install(DIRECTORY contrib/${folder} DESTINATION ${CMAKE_INSTALL_DATADIR}/quillpost-teamwork
@@ -106,6 +106,9 @@ if(NOT APPLE)
     quillpost_licence(libc "/usr/share/doc/libc6-dev/copyright;/usr/share/doc/musl-dev/copyright")
   endif()
 endif()
+
+# An archive brings the script that installs it.
+install(PROGRAMS scripts/install.sh DESTINATION . COMPONENT archive EXCLUDE_FROM_ALL)
 
 # --- Packages -------------------------------------------------------------------------------------
 

@@ -95,68 +95,120 @@ bool isExecutable(const std::string& path) {
   return ::stat(path.c_str(), &status) == 0 && (status.st_mode & S_IXOTH) != 0;
 }
 
-/// What an installation has, below its prefix.
-std::vector<std::string> expectedFiles() {
+/// What an installation has below its prefix: the papers first that a Debian package has otherwise.
+std::vector<std::string> expectedFiles(bool isDebian) {
   const std::string doc = "share/doc/quillpost-teamwork/", own = "share/quillpost-teamwork/";
-  std::vector<std::string> files = {"bin/quillpost-teamwork",
-                                    "bin/qp",
-                                    "bin/quillpost-board",
-                                    "share/man/man1/qp.1",
-                                    "share/man/man1/quillpost-teamwork.1",
-                                    "share/man/man1/quillpost-board.1",
-                                    doc + "README.md",
-                                    doc + "ARCHITECTURE.md",
-                                    doc + "CONTRIBUTING.md",
-                                    doc + "CHANGELOG.md",
-                                    doc + "docs/protocol.md",
-                                    doc + "docs/tools.md",
-                                    doc + "docs/qp.md",
-                                    doc + "docs/board.md",
-                                    doc + "docs/porting.md",
-                                    doc + "docs/setup-claude.md",
-                                    doc + "docs/setup-codex.md",
-                                    doc + "docs/setup-antigravity.md",
-                                    doc + "docs/setup-cursor.md",
-                                    doc + "licences/utf8proc",
-                                    own + "claude/mcp.json",
-                                    own + "claude/settings.json",
-                                    own + "codex/config.toml",
-                                    own + "codex/hooks.json",
-                                    own + "cursor/mcp.json",
-                                    own + "cursor/hooks.json",
-                                    own + "cursor/stop-hook",
-                                    own + "antigravity/mcp_config.json",
-                                    own + "antigravity/hooks.json",
-                                    own + "antigravity/stop-hook",
-                                    own + "systemd/quillpost-board.service",
-                                    own + "launchd/quillpost.board.plist",
-                                    own + "git/pre-commit"};
+  std::vector<std::string> files;
+  if (isDebian) {
+    files = {"share/man/man1/qp.1.gz",
+             "share/man/man1/quillpost-teamwork.1.gz",
+             "share/man/man1/quillpost-board.1.gz",
+             "share/zsh/vendor-completions/_qp",
+             doc + "copyright",
+             doc + "changelog.gz"};
+  } else {
+    files = {"share/man/man1/qp.1", "share/man/man1/quillpost-teamwork.1",
+             "share/man/man1/quillpost-board.1", "share/zsh/site-functions/_qp",
+             doc + "licences/utf8proc"};
 #ifndef __APPLE__
-  files.push_back(doc + "licences/boost");
-  files.push_back(doc + "licences/libstdc++");
-  if (testing::isSeatStatic()) files.push_back(doc + "licences/libc");
+    files.push_back(doc + "licences/boost");
+    files.push_back(doc + "licences/libstdc++");
+    if (testing::isSeatStatic()) files.push_back(doc + "licences/libc");
 #endif
+  }
+  for (const char* program : {"quillpost-teamwork", "qp", "quillpost-board"})
+    files.push_back(text::cat("bin/", program));
+  for (const char* completion :
+       {"bash-completion/completions/qp", "fish/vendor_completions.d/qp.fish"})
+    files.push_back(text::cat("share/", completion));
+  for (const char* page :
+       {"README.md", "ARCHITECTURE.md", "CONTRIBUTING.md", "CHANGELOG.md", "docs/protocol.md",
+        "docs/tools.md", "docs/qp.md", "docs/board.md", "docs/porting.md", "docs/harnesses.md",
+        "docs/demo.svg", "docs/setup-claude.md", "docs/setup-codex.md", "docs/setup-antigravity.md",
+        "docs/setup-copilot.md", "docs/setup-cursor.md", "docs/setup-gemini.md",
+        "docs/setup-opencode.md"})
+    files.push_back(doc + page);
+  for (const char* file : {".claude-plugin/marketplace.json",
+                           "claude/mcp.json",
+                           "claude/settings.json",
+                           "claude-plugin/.claude-plugin/plugin.json",
+                           "claude-plugin/.mcp.json",
+                           "claude-plugin/hooks/hooks.json",
+                           "claude-plugin/skills/board/SKILL.md",
+                           "codex/config.toml",
+                           "codex/hooks.json",
+                           "copilot/mcp-config.json",
+                           "copilot/vscode-mcp.json",
+                           "copilot/hooks.json",
+                           "copilot/stop-hook",
+                           "cursor/mcp.json",
+                           "cursor/hooks.json",
+                           "cursor/stop-hook",
+                           "gemini/settings.json",
+                           "gemini-extension/gemini-extension.json",
+                           "gemini-extension/hooks/hooks.json",
+                           "gemini-extension/skills/board/SKILL.md",
+                           "opencode/opencode.json",
+                           "opencode/quillpost-teamwork.js",
+                           "antigravity/mcp_config.json",
+                           "antigravity/hooks.json",
+                           "antigravity/stop-hook",
+                           "systemd/quillpost-board.service",
+                           "launchd/quillpost.board.plist",
+                           "git/pre-commit"})
+    files.push_back(own + file);
   return files;
 }
 
+/// Where the ready files of an installation say that the program is.
+std::string namedProgram(const std::string& prefix) {
+  const std::string file = readFile(prefix + "/share/quillpost-teamwork/cursor/mcp.json");
+  const std::string_view mark = R"("command": ")";
+  const std::size_t at = file.find(mark) + mark.size();
+  return file.substr(at, file.find('"', at) - at);
+}
+
 /// Holds an installation to what it must and must not have.
-void expectInstallation(const std::string& prefix) {
+void expectInstallation(const std::string& prefix, bool isDebian = false) {
   const std::set<std::string> files = filesIn(prefix);
-  EXPECT_THAT(files, IsSupersetOf(expectedFiles()));
-  EXPECT_TRUE(isExecutable(prefix + "/bin/quillpost-teamwork"));
-  EXPECT_TRUE(isExecutable(prefix + "/bin/qp"));
-  EXPECT_TRUE(isExecutable(prefix + "/bin/quillpost-board"));
-  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/git/pre-commit"));
-  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/cursor/stop-hook"));
-  EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/antigravity/stop-hook"));
-  EXPECT_THAT(readFile(prefix + "/share/doc/quillpost-teamwork/licences/utf8proc"),
-              HasSubstr("Unicode"));
+  EXPECT_THAT(files, IsSupersetOf(expectedFiles(isDebian)));
+  for (const char* script :
+       {"copilot/stop-hook", "cursor/stop-hook", "antigravity/stop-hook", "git/pre-commit",
+        "../../bin/quillpost-teamwork", "../../bin/qp", "../../bin/quillpost-board"})
+    EXPECT_TRUE(isExecutable(prefix + "/share/quillpost-teamwork/" + script)) << script;
+  for (const char* words : {"Unicode", "Boost Software License"}) {
+    std::string licences;
+    for (const std::string& file : files)
+      if (file.find("licences/") != std::string::npos || file.ends_with("/copyright"))
+        licences += readFile(prefix + "/" + file);
+    EXPECT_THAT(licences, HasSubstr(words));
+    EXPECT_LT(licences.size(), 200'000u) << "only what applies to what is linked in";
+  }
 
   Process program({prefix + "/bin/quillpost-teamwork", {}, {}});
   program.writeLine(R"({"jsonrpc":"2.0","id":1,"method":"ping"})");
   program.closeInput();
   EXPECT_EQ(program.readLine(), R"({"jsonrpc":"2.0","result":{},"id":1})");
   EXPECT_EQ(program.waitForExit(), 0);
+}
+
+/// Holds an unpacked archive's own script to installing all of it where it is told, and to taking
+/// away that and nothing else.
+void expectToInstallItself(const std::string& unpacked, const TempDir& home) {
+  const std::string other = home.write("opt/share/man/of-another", "kept");
+  const std::string prefix = home.pathOf("opt");
+  run(unpacked + "/install.sh", {"--prefix", prefix}, home);
+  expectInstallation(prefix);
+  EXPECT_EQ(namedProgram(prefix), prefix + "/bin/quillpost-teamwork");
+  const std::set<std::string> once = filesIn(prefix);
+  run(unpacked + "/install.sh", {"--prefix", prefix}, home);
+  EXPECT_EQ(filesIn(prefix), once) << "a second time";
+  run(unpacked + "/install.sh", {"--prefix", prefix, "--uninstall"}, home);
+  EXPECT_EQ(filesIn(home.pathOf("opt")), std::set<std::string>{"share/man/of-another"});
+  EXPECT_FALSE(std::filesystem::exists(prefix + "/bin"));
+  EXPECT_TRUE(std::filesystem::exists(other));
+  EXPECT_EQ(ended(unpacked + "/install.sh", {"--prefix", prefix, "--uninstall"}, home).status, 1);
+  EXPECT_EQ(ended(unpacked + "/install.sh", {"--prefix", "relative"}, home).status, 2);
 }
 
 /// The one package in a directory whose name ends so; empty when there is none.
@@ -229,12 +281,14 @@ TEST(Install, PacksWhatItInstalls) {
   const std::string top = std::filesystem::path(archive).stem().stem().string();
   EXPECT_THAT(top, StartsWith("quillpost-teamwork-1.0.0-"));
   expectInstallation(root.pathOf("archive/" + top));
+  expectToInstallItself(root.pathOf("archive/" + top), root);
 
 #ifdef __linux__
   expectToRunAlone(root.pathOf("archive"), "/" + top + "/bin/quillpost-teamwork", root);
   const std::string package = packageIn(packages, ".deb");
   run("dpkg-deb", {"--extract", package, root.makeDirectory("deb")}, root);
-  expectInstallation(root.pathOf("deb/usr"));
+  expectInstallation(root.pathOf("deb/usr"), true);
+  EXPECT_EQ(namedProgram(root.pathOf("deb/usr")), "/usr/bin/quillpost-teamwork");
   EXPECT_THAT(fieldOf(package, "Depends", root), HasSubstr("libsqlite3"));
 #endif
 }

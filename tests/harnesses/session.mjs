@@ -277,6 +277,7 @@ class Session {
   /** The bundle in the place of the ready files. */
   async bundle() {
     if (!this.harness.bundle) return;
+    this.note("bundle: the harness's own check", await this.validated());
     await this.inTerminal({ bundled: true }, async (terminal, model) => {
       if (model.tools.length === 0) await this.searched(model);
       const text = await model.call("register", { name: "Flo" }, 60);
@@ -284,6 +285,17 @@ class Session {
       this.note("bundle: a call", `${tagged(text) ? "answered" : gist(text)}; \`register\` is \`${shown}\``);
       if (tagged(text)) await this.stop(terminal, model, "bundle: stop hook");
     }, "bundle");
+  }
+
+  async validated() {
+    const { programs, node, sources } = this.place;
+    const env = { HOME: await this.folder(), PATH: `${programs}:${node}:/usr/bin:/bin` };
+    const words = this.harness.bundle.validate.map((word) => word.replace(/^contrib/, `${sources}/contrib`));
+    return await new Promise((resolve) => {
+      execFile(join(programs, this.harness.program), words, { env }, (error, output, errors) =>
+        resolve(error ? `refused: ${gist(output + errors, 300)}` : "passed"),
+      );
+    });
   }
 
   async longer() {
@@ -309,12 +321,10 @@ function missing(seen) {
   return `${seen.length} of ${brief.length} lines, ${first} to ${last} missing`;
 }
 
-export const allParts = ["main", "longer", "two", "windows", "without", "bundle"];
-
 /** Plays everything through one harness. */
-export async function play(place, board, harness, note, parts = allParts) {
+export async function play(place, board, harness, note) {
   const session = new Session(place, board, harness, note);
-  for (const part of parts) {
+  for (const part of ["main", "longer", "two", "windows", "without", "bundle"]) {
     try {
       await session[part]();
     } catch (error) {

@@ -71,7 +71,10 @@ export class Terminal {
       const contrib = await home.copyContrib();
       for (const line of harness.bundle.install) {
         const words = line.map((word) => word.replace(/^contrib/, contrib));
-        const { stdout, stderr } = await run(program, words, { cwd: work, env: environment });
+        const installed = run(program, words, { cwd: work, env: environment });
+        installed.child.stdin.on("error", () => {}); // one that asks nothing may have ended
+        installed.child.stdin.end("y\n"); // the person trusts the bundle's folder
+        const { stdout, stderr } = await installed;
         terminal.output += stdout + stderr;
       }
     }
