@@ -48,5 +48,5 @@ file(RENAME ${usr}/share/zsh/site-functions ${usr}/share/zsh/vendor-completions)
 file(MAKE_DIRECTORY ${usr}/share/lintian/overrides)
 file(WRITE ${usr}/share/lintian/overrides/${name}
 "# Static on purpose: they start in two thirds of the time and run on every distribution.
-${name}: statically-linked-binary *
+${name}: shared-library-lacks-prerequisites *
 ")

@@ -63,6 +63,7 @@ const scriptedForCodex = ({ url }) => [
 //   setUp    puts its files where its guide says; the options name what is left out or added
 //   words    its command line
 //   more     what else its terminal has in its environment: the model, and that there is no account
+//   check    the words with which its guide looks whether the server is there
 //   without  what a person grants it, by name; each is left out once
 //   longer   the setting that shows the model longer results
 //   windows  commands of its window to start two of, where that differs from the command line's
@@ -72,6 +73,7 @@ const codex = {
   package: "@openai/codex",
   clientName: "codex-mcp-client",
   program: "codex",
+  check: ["mcp", "list"],
   waitsLong: true,
   without: ["approval of the tools", "trust in the hook"],
   longer: "tool_output_token_limit = 30000",
@@ -108,6 +110,7 @@ const openCode = {
   package: "opencode-ai",
   clientName: "opencode",
   program: "opencode",
+  check: ["mcp", "list"],
   without: ["anything"],
   longer: '"tool_output": {"max_bytes": 200000, "max_lines": 5000}',
   async setUp(home, { longer }) {
@@ -149,6 +152,7 @@ const gemini = {
   package: "@google/gemini-cli",
   clientName: "gemini-cli-mcp-client",
   program: "gemini",
+  check: ["mcp", "list"],
   without: ["trust in the folder", "trust in the server"],
   longer: '"tools": {"truncateToolOutputThreshold": 200000}',
   bundle: {
@@ -184,6 +188,7 @@ const claude = {
   package: "@anthropic-ai/claude-code",
   clientName: "claude-code",
   program: "claude",
+  check: ["mcp", "get", "teamwork"],
   waitsLong: true,
   without: ["permission for the tools"],
   longer: "MAX_MCP_OUTPUT_TOKENS=100000",
@@ -224,6 +229,7 @@ const copilot = {
   package: "@github/copilot",
   clientName: "copilot-cli",
   program: "copilot",
+  check: ["mcp", "list"],
   without: ["permission for the tools"],
   async setUp(home) {
     await home.put("copilot/mcp-config.json", home.at(".copilot", "mcp-config.json"));

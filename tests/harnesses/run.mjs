@@ -35,7 +35,10 @@ for (const name of wanted) {
   const board = await Board.start(place.build, await mkdtemp(join(scratch, "board-")));
   await board.person(["goal", "The bakery shows on its site what bread is left"]);
   const note = (step, seen) => {
-    const short = seen.replaceAll(/\/\S*\/terminal-\w+\/home/g, "~").replaceAll("|", "\\|");
+    const short = seen
+      .replaceAll(/\/\S*\/programs\//g, "/usr/local/bin/")
+      .replaceAll(/\/\S*\/terminal-\w+\/home/g, "~")
+      .replaceAll("|", "\\|");
     console.log(`| ${harness.name} ${version} | ${step} | ${short} |`);
   };
   await play(place, board, harness, note);

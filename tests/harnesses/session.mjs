@@ -6,44 +6,9 @@ import { join } from "node:path";
 import { setTimeout as pause } from "node:timers/promises";
 
 import { Terminal, shown } from "./terminal.mjs";
+import { brief, count, gist, missing, plain, prefixIn, reference, tagged, unanswered } from "./texts.mjs";
 
 const hookLine = "board changed, call wait_for_changes";
-const unanswered = "not answered";
-
-/** What the seat itself says to a client of that name: instructions and tools. */
-async function reference(build, clientName) {
-  const lines = [
-    { id: 1, method: "initialize", params: { clientInfo: { name: clientName, version: "1" } } },
-    { id: 2, method: "tools/list" },
-  ].map((message) => JSON.stringify({ jsonrpc: "2.0", ...message }) + "\n");
-  const output = await new Promise((resolve) => {
-    const seat = execFile(join(build, "quillpost-teamwork"), { env: {} }, (_, text) => resolve(text));
-    seat.stdin.end(lines.join(""));
-  });
-  const [initialized, listed] = output.trim().split("\n").map((line) => JSON.parse(line).result);
-  return { instructions: initialized.instructions, tools: listed.tools };
-}
-
-/** A text with its lines however they are broken and indented. */
-const plain = (text) => text.replace(/\s+/g, " ");
-
-/** How many characters of a text, from its beginning, stand in a larger one. */
-function prefixIn(whole, text) {
-  let [known, beyond] = [0, text.length + 1];
-  while (beyond - known > 1) {
-    const middle = (known + beyond) >> 1;
-    if (whole.includes(text.slice(0, middle))) known = middle;
-    else beyond = middle;
-  }
-  return known;
-}
-
-const count = (number) => number.toLocaleString("en");
-const tagged = (text) => /\(thread T-[a-z0-9]{6}\)/.test(text ?? "");
-
-/** The first words of what came back, on one line. */
-const gist = (text, length = 110) =>
-  text === undefined ? unanswered : text.replace(/\s+/g, " ").trim().slice(0, length);
 
 /** One session of one harness: `note(step, seen)` keeps a row of the table. */
 class Session {
@@ -94,10 +59,11 @@ class Session {
     const { instructions, prompts, tools } = model.requests[0];
     const all = [instructions, ...prompts, ...tools.map((tool) => tool.about ?? "")].join("\n");
     const seen = prefixIn(plain(all), plain(wanted.instructions));
-    const length = plain(wanted.instructions).length;
+    const isWhole = seen === plain(wanted.instructions).length;
+    const length = wanted.instructions.length;
     this.note(
       "instructions",
-      seen === length
+      isWhole
         ? `whole, ${count(length)} characters`
         : seen < 40
           ? "not shown"
@@ -274,6 +240,16 @@ class Session {
     }
   }
 
+  /** What the guide says to look with. */
+  async check() {
+    const command = this.harness.check;
+    const terminal = await this.open({ command });
+    await terminal.ends(120);
+    const line = shown(terminal.output).split("\n").filter((one) => /teamwork|connected|status/i.test(one));
+    this.note(`check, \`${[this.harness.program, ...command].join(" ")}\``, gist(line.join(" "), 160) || "nothing");
+    await terminal.close();
+  }
+
   /** The bundle in the place of the ready files. */
   async bundle() {
     if (!this.harness.bundle) return;
@@ -308,23 +284,10 @@ class Session {
   }
 }
 
-const brief = Array.from(
-  { length: 1000 },
-  (_, i) => `line ${String(i + 1).padStart(4, "0")} ${"x".repeat(49)}`,
-);
-
-/** How many lines of the brief are there, and between which the others are missing. */
-function missing(seen) {
-  const there = new Set(seen);
-  const first = brief.findIndex((line) => !there.has(line)) + 1;
-  const last = brief.findLastIndex((line) => !there.has(line)) + 1;
-  return `${seen.length} of ${brief.length} lines, ${first} to ${last} missing`;
-}
-
 /** Plays everything through one harness. */
 export async function play(place, board, harness, note) {
   const session = new Session(place, board, harness, note);
-  for (const part of ["main", "longer", "two", "windows", "without", "bundle"]) {
+  for (const part of ["check", "main", "longer", "two", "windows", "without", "bundle"]) {
     try {
       await session[part]();
     } catch (error) {

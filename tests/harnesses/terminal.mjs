@@ -45,7 +45,8 @@ export class Terminal {
   /**
    * Sets a harness up for a seat and starts it. Terminals with the same `folder` are of one user, and
    * share what the harness keeps in its home directory. With `window`, words of a command line, it
-   * has a window in a terminal of its own, and otherwise reads nothing.
+   * has a window in a terminal of its own, and otherwise reads nothing. `command` are other words than
+   * those that play a session.
    */
   static async open(place, harness, { seat, folder, window, ...options }) {
     const terminal = new Terminal();
@@ -82,7 +83,7 @@ export class Terminal {
       window ? join(import.meta.dirname, "window.py") : program,
       window
         ? [program, ...harness.windowWords(window)]
-        : harness.words(model, options),
+        : (options.command ?? harness.words(model, options)),
       { cwd: work, env: environment, stdio: [window ? "pipe" : "ignore", "pipe", "pipe"], detached: true },
     );
     Object.assign(terminal, { seat, model, folder, environment, process, exited: once(process, "exit") });
