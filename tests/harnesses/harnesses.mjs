@@ -111,7 +111,7 @@ const openCode = {
   clientName: "opencode",
   program: "opencode",
   check: ["mcp", "list"],
-  without: ["anything"],
+  without: ["a window"],
   longer: '"tool_output": {"max_bytes": 200000, "max_lines": 5000}',
   async setUp(home, { longer }) {
     const scripted = {
@@ -190,7 +190,7 @@ const claude = {
   program: "claude",
   check: ["mcp", "get", "teamwork"],
   waitsLong: true,
-  without: ["permission for the tools"],
+  without: ["permission for the tools", "`alwaysLoad`"],
   longer: "MAX_MCP_OUTPUT_TOKENS=100000",
   bundle: {
     validate: ["plugin", "validate", "--strict", "contrib/claude-plugin"],
@@ -201,12 +201,19 @@ const claude = {
   },
   async setUp(home, { without, bundled }) {
     if (bundled) return;
-    await home.put("claude/mcp.json", home.at(".claude.json"));
+    await home.put(
+      "claude/mcp.json",
+      home.at(".claude.json"),
+      edited((settings) => {
+        if (without === "`alwaysLoad`") delete settings.mcpServers.teamwork.alwaysLoad;
+        return settings;
+      }),
+    );
     await home.put(
       "claude/settings.json",
       home.at(".claude", "settings.json"),
       edited((settings) => {
-        if (without) delete settings.permissions;
+        if (without === "permission for the tools") delete settings.permissions;
         return settings;
       }),
     );
