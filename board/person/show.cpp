@@ -43,16 +43,6 @@ int64_t momentOf(const Board& board, const Task& task, MoveKind kind) {
   return lastMoveMs(board, task);
 }
 
-/// The last line of the log that is neither a summary nor a hand-off; null when there is none.
-const LogLine* lastWords(const Board& board, const Task& task) {
-  for (int64_t number = task.lastLine; number > 0; --number) {
-    const LogLine* line = board.lines.find(lineID(task.id, number));
-    if (line == nullptr) return nullptr;
-    if (line->kind == LogKind::comment || line->kind == LogKind::progress) return line;
-  }
-  return nullptr;
-}
-
 std::string remarkOn(const Board& board, const Task& task) {
   if (task.state == TaskState::open && !isReady(board, task)) {
     return text::cat("after ", text::join(task.waitsOn, ", "));
@@ -217,6 +207,15 @@ void addTasks(Sheet& sheet, const Board& board, Extent extent) {
 
 }  // namespace
 
+const LogLine* lastWords(const Board& board, const Task& task) {
+  for (int64_t number = task.lastLine; number > 0; --number) {
+    const LogLine* line = board.lines.find(lineID(task.id, number));
+    if (line == nullptr) return nullptr;
+    if (line->kind == LogKind::comment || line->kind == LogKind::progress) return line;
+  }
+  return nullptr;
+}
+
 std::string calledBy(const Board& board, const std::string& party) {
   if (party == human) return "you";
   const Seat* seat = seatOf(board, party);
@@ -281,9 +280,7 @@ void addDebate(Section& section, const Board& board, const TeamworkDiscussion& d
 Sheet boardSheet(std::span<const Board* const> boards, Extent extent, Moment at) {
   Sheet sheet{at.nowMs, 0, {}};
   const bool areSeveral = boards.size() > 1;
-  Section needs = needSection();
-  for (const Board* board : boards)
-    addNeeds(needs, *board, areSeveral ? std::string_view(board->thread().name) : "");
+  Section needs = needRows(boards);
   if (extent == Extent::mine) {
     sheet.sections.push_back(std::move(needs));
     return sheet;
@@ -300,6 +297,13 @@ Sheet boardSheet(std::span<const Board* const> boards, Extent extent, Moment at)
   sheet.sections.push_back(std::move(debates));
   addLeftovers(sheet, board, extent);
   return sheet;
+}
+
+Section needRows(std::span<const Board* const> boards) {
+  Section needs = needSection();
+  for (const Board* board : boards)
+    addNeeds(needs, *board, boards.size() > 1 ? std::string_view(board->thread().name) : "");
+  return needs;
 }
 
 Section threadRows(std::span<const Board* const> boards) {

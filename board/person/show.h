@@ -33,6 +33,9 @@ Sheet boardSheet(std::span<const Board* const> boards, Extent extent, Moment at)
 /// The Threads with their counts.
 Section threadRows(std::span<const Board* const> boards);
 
+/// What needs the person on any of the Threads; each row names its Thread when there are several.
+Section needRows(std::span<const Board* const> boards);
+
 /// All seats of the Threads, and who sits there.
 Section seatRows(std::span<const Board* const> boards, Moment at);
 
@@ -52,6 +55,8 @@ void addTask(Section& section, const Board& board, const Task& task);
 /// Adds a discussion to a section that `debateSection` made.
 void addDebate(Section& section, const Board& board, const TeamworkDiscussion& discussion);
 Section debateSection();
+/// The last line of a task's log that is neither a summary nor a hand-off; null when there is none.
+const LogLine* lastWords(const Board& board, const Task& task);
 /// What a question asks, as cells for the columns question, options, consequence, artifact, secret.
 std::vector<std::string> questionCells(const Task& task);
 /// The state in which a task is, as the section is called that shows it.

@@ -2,6 +2,8 @@
 
 #include "base/text.h"
 #include "base/unicode.h"
+#include "board/person/find.h"
+#include "board/person/live.h"
 #include "board/person/show.h"
 #include "board/rules/ids.h"
 #include "board/rules/people.h"
@@ -14,6 +16,9 @@
 namespace quillpost::board {
 
 namespace {
+
+/// As many of the latest moves as a picture of them can show.
+constexpr std::size_t movesDrawn = 20'000;
 
 using Threads = std::span<const Board* const>;
 
@@ -44,6 +49,7 @@ TeamworkResponse history(const Board& board, const Store& store, const TeamworkR
   query.by = seat != nullptr                         ? seat->fingerprint
              : unicode::equalIgnoringCase(by, "you") ? human
                                                      : by;
+  if (request.status == "all") query.atMost = movesDrawn;
   if (request.holdMs) query.sinceMs = text::saturatingSubtract(at.nowMs, *request.holdMs);
   return shown({at.nowMs, board.counted().rev, {moveRows(store.history(query))}});
 }
@@ -52,7 +58,7 @@ TeamworkResponse history(const Board& board, const Store& store, const TeamworkR
 
 bool isViewing(std::string_view method) {
   return method == personShow || method == personSeats || method == personThreads ||
-         method == personHistory;
+         method == personHistory || method == personLive || method == personFind;
 }
 
 TeamworkResponse view(Threads boards, const Store& store, const TeamworkRequest& request,
@@ -65,11 +71,21 @@ TeamworkResponse view(Threads boards, const Store& store, const TeamworkRequest&
     return shown({at.nowMs, revisionOf(boards), {threadRows(boards)}});
   }
   if (request.method == personShow && !what.empty()) return showOne(boards, what, at);
+  if (request.method == personLive) return shown(liveSheet(boards, request.sinceRev, at));
   if (boards.empty()) return refused("There is no thread yet: `seat` or `thread` makes the first.");
   if (request.method == personHistory) return history(*boards.front(), store, request, at);
+  if (request.method == personFind) {
+    return shown(foundSheet(*boards.front(), request.body.value_or(""), at));
+  }
   Sheet sheet = boardSheet(boards, extentOf(request), at);
   sheet.rev = revisionOf(boards);
   return shown(sheet);
+}
+
+bool isUpToDate(Threads boards, const TeamworkRequest& request) {
+  if (request.method == personShow) return request.sinceRev == revisionOf(boards);
+  if (request.method != personLive) return false;
+  return request.sinceRev == (boards.empty() ? 0 : boards.front()->counted().rev);
 }
 
 int64_t revisionOf(Threads boards) {

@@ -22,6 +22,9 @@ bool isViewing(std::string_view method);
 TeamworkResponse view(std::span<const Board* const> boards, const Store& store,
                       const TeamworkRequest& request, Moment at);
 
+/// Whether whoever asks has seen all that there is to show, so that the answer may be held back.
+bool isUpToDate(std::span<const Board* const> boards, const TeamworkRequest& request);
+
 /// The revision of all these Threads together, which goes up whenever one of theirs does.
 int64_t revisionOf(std::span<const Board* const> boards);
 

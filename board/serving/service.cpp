@@ -295,7 +295,7 @@ Answer Service::answerViewer(const std::vector<Board*>& meant, const TeamworkReq
   }
   const std::vector<const Board*> boards(meant.begin(), meant.end());
   Answer answer;
-  if (request.method == personShow && request.sinceRev == revisionOf(boards)) {
+  if (isUpToDate(boards, request)) {
     answer.holdMs = std::clamp<int64_t>(request.holdMs.value_or(0), 0, holdLimitMs);
   }
   if (answer.holdMs == 0) answer.response = view(boards, store_, request, moment());

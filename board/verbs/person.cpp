@@ -74,10 +74,20 @@ TeamworkResponse reply(const Deed& deed) {
   return written(text::cat("Spoke in ", discussion->id, "."));
 }
 
+/// Whether the task asks the question that the person has before them; true when it is not said
+/// which one that is.
+bool stillAsks(const Task& task, const std::optional<std::string>& question) {
+  return !question || (task.blocked && splitAsk(task.blockerQuestion).question == *question);
+}
+
 TeamworkResponse answer(const Deed& deed) {
   if (deed.board.discussions.find(deed.subject()) != nullptr) return reply(deed);
   if (deed.words().empty()) return refused("Say something.");
   if (Task* task = deed.board.tasks.touch(deed.subject())) {
+    if (!stillAsks(*task, deed.request.blockerQuestion)) {
+      return refused(text::cat("That question of ", named(*task),
+                               " is not asked any more: it was answered first, or taken back."));
+    }
     return speakOn(deed, *task, Speech::answer);
   }
   return refused(text::cat("No task and no discussion is called ", deed.subject(), "."));

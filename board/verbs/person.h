@@ -24,7 +24,9 @@ inline constexpr std::string_view personSeats = "person_seats";
 inline constexpr std::string_view personThread = "person_thread";      // makes the thread `name`
 inline constexpr std::string_view personThreads = "person_threads";
 inline constexpr std::string_view personShow = "person_show";          // `taskID` alone; of all else as much as `status` says
-inline constexpr std::string_view personHistory = "person_history";    // of `taskID`, by `to`, within `holdMs`
+inline constexpr std::string_view personHistory = "person_history";    // of `taskID`, by `to`, within `holdMs`; `status` "all": more of them
+inline constexpr std::string_view personLive = "person_live";          // what moved since `sinceRev`, held for `holdMs`; without it all
+inline constexpr std::string_view personFind = "person_find";          // the words `body`
 inline constexpr std::string_view personExport = "person_export";      // into the file `body`, as the next two
 inline constexpr std::string_view personBackup = "person_backup";
 inline constexpr std::string_view personImport = "person_import";
@@ -32,7 +34,7 @@ inline constexpr std::string_view personCheck = "person_check";
 
 // What is done on a thread.
 inline constexpr std::string_view personUnseat = "person_unseat";      // the handle `to`
-inline constexpr std::string_view personAnswer = "person_answer";      // `taskID`, which may be a discussion's, and `body`
+inline constexpr std::string_view personAnswer = "person_answer";      // `taskID`, which may be a discussion's, and `body`; only while `blockerQuestion` is asked, if given
 inline constexpr std::string_view personComment = "person_comment";    // the same, for a task
 inline constexpr std::string_view personReply = "person_reply";        // the same, for a discussion
 inline constexpr std::string_view personAdd = "person_add";            // `title`, and whatever add_task takes

@@ -37,6 +37,27 @@ TEST(Person, AnsweringUnblocksABlockedTaskAndIsACommentOnAnother) {
   EXPECT_THAT(kindsOfAnswering(), ElementsAre("taskUnblocked"));
 }
 
+TEST(Person, AnAnswerToAQuestionThatIsNotAskedAnyMoreIsRefused) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  const auto ask = [&](std::string_view question) {
+    desk.ask("BB3", "update_task",
+             text::cat(Desk::on(id), R"(,"blocked":true,"blockerQuestion":")", question, "\""));
+  };
+  const auto answerTo = [&](std::string_view question) {
+    return desk.person(personAnswer, text::cat(Desk::on(id), R"(,"body":"yes","blockerQuestion":")",
+                                               question, "\""));
+  };
+  ask("Oak?");
+  EXPECT_TRUE(wasRefused(answerTo("Steel?"), "answered first, or taken back"));
+  EXPECT_TRUE(wasWritten(answerTo("Oak?")));
+  EXPECT_TRUE(wasRefused(answerTo("Oak?"), "answered first, or taken back"));
+  EXPECT_EQ(desk.log(id).size(), 1u);
+  ask("Oak?");
+  EXPECT_TRUE(wasWritten(answerTo("Oak?"))) << "it is asked again";
+}
+
 TEST(Person, AnAnswerToABlockerIsForWhoIsBlockedAndWhoHoldsTheTask) {
   Desk desk;
   const std::string id = desk.add("one");
