@@ -5,6 +5,10 @@ set(CMAKE_SKIP_INSTALL_ALL_DEPENDENCY ON)
 
 install(TARGETS quillpost-teamwork qp quillpost-board RUNTIME COMPONENT teamwork)
 
+if(TARGET quillpost-page)
+  install(TARGETS quillpost-page RUNTIME COMPONENT teamwork)
+endif()
+
 install(FILES man/quillpost-teamwork.1 man/qp.1 man/quillpost-board.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT teamwork)
 
 file(GLOB pages CONFIGURE_DEPENDS *.md)
@@ -92,6 +96,10 @@ quillpost_licence(utf8proc "${utf8procPrefix}/share/doc/libutf8proc-dev/copyrigh
 ${utf8procPrefix}/opt/utf8proc/LICENSE*;${utf8procPrefix}/LICENSE*")
 if(QUILLPOST_STATIC_BOARD AND staticPie)
   quillpost_licence(sqlite "/usr/share/doc/libsqlite3-dev/copyright")
+endif()
+if(TARGET quillpost-page AND NOT HTTPLIB_LIBRARY)
+  get_filename_component(httplibPrefix ${HTTPLIB_INCLUDE_DIR} DIRECTORY)
+  quillpost_licence(httplib "${httplibPrefix}/opt/cpp-httplib/LICENSE*")
 endif()
 if(NOT APPLE)
   # The C++ runtime is linked in too; on macOS it belongs to the system.

@@ -116,7 +116,7 @@ std::vector<std::string> expectedFiles(bool isDebian) {
     if (testing::isSeatStatic()) files.push_back(doc + "licences/libc");
 #endif
   }
-  for (const char* program : {"quillpost-teamwork", "qp", "quillpost-board"})
+  for (const char* program : {"quillpost-teamwork", "qp", "quillpost-board", "quillpost-page"})
     files.push_back(text::cat("bin/", program));
   for (const char* completion :
        {"bash-completion/completions/qp", "fish/vendor_completions.d/qp.fish"})

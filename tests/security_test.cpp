@@ -21,9 +21,24 @@ struct Promise {
   std::vector<std::string_view> tests;
 };
 
-/// Every "Suite.Name" that some file of the tests defines.
+/// The sentences that the tests of the page in a browser are called by.
+void addPageTests(std::set<std::string>& names) {
+  constexpr std::string_view begins = "  it('", ends = "', async";
+  for (const auto& entry : std::filesystem::directory_iterator(testing::inTests("page"))) {
+    if (!entry.path().string().ends_with(".test.mjs")) continue;
+    const std::string file = testing::readFile(entry.path().string());
+    for (const std::string_view line : text::split(file, '\n')) {
+      const std::size_t end = line.find(ends);
+      if (line.starts_with(begins) && end != std::string_view::npos)
+        names.emplace(line.substr(begins.size(), end - begins.size()));
+    }
+  }
+}
+
+/// Every "Suite.Name" that some file of the tests defines, and every sentence of the page's.
 std::set<std::string> testNames() {
   std::set<std::string> names;
+  addPageTests(names);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(testing::inTests(""))) {
     if (!entry.path().string().ends_with("_test.cpp")) continue;
     const std::string file = testing::readFile(entry.path().string());

@@ -16,6 +16,7 @@
 #include <vector>
 
 #include <sys/socket.h>
+#include <sys/time.h>
 #include <unistd.h>
 
 namespace quillpost::board {
@@ -33,6 +34,13 @@ bool sendWhole(const UniqueFd& socket, std::string_view bytes) {
     bytes.remove_prefix(static_cast<std::size_t>(count));
   }
   return true;
+}
+
+/// Lets no call on the socket wait for longer.
+void limitWaits(const UniqueFd& socket, std::chrono::seconds patience) {
+  const timeval limit{static_cast<time_t>(patience.count()), 0};
+  ::setsockopt(socket.get(), SOL_SOCKET, SO_RCVTIMEO, &limit, sizeof limit);
+  ::setsockopt(socket.get(), SOL_SOCKET, SO_SNDTIMEO, &limit, sizeof limit);
 }
 
 std::string readToEnd(const UniqueFd& socket) {
@@ -74,7 +82,8 @@ std::optional<std::string> findServed(const std::string& directory, const std::s
 }
 
 std::optional<TeamworkResponse> askBoard(const std::string& directory, const std::string& suffix,
-                                         TeamworkRequest request, std::string& why) {
+                                         TeamworkRequest request, std::string& why,
+                                         std::chrono::seconds patience) {
   const BoardFiles files = filesIn(directory, suffix);
   request.token = unicode::trim(files::readSmallText(files.personToken).value_or(""));
   const std::optional<std::string> line = encodeRequest(request);
@@ -83,6 +92,7 @@ std::optional<TeamworkResponse> askBoard(const std::string& directory, const std
     return std::nullopt;
   }
   const UniqueFd socket = openUnixSocket();
+  if (socket && patience.count() > 0) limitWaits(socket, patience);
   if (!socket || !connectUnixSocket(socket, files.socket) || !sendWhole(socket, *line + "\n")) {
     why = text::cat("cannot reach the board at ", files.socket);
     return std::nullopt;

@@ -7,6 +7,7 @@
 #include "model/request.h"
 #include "model/response.h"
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -18,9 +19,11 @@ std::optional<std::string> findServed(const std::string& directory, const std::s
                                       std::string& why);
 
 /// Sends a request of the person's to the board of that suffix, with the person's token, and waits
-/// for the answer. Nothing when none comes: then `why` says so in words.
+/// for the answer, or for so long as `patience` says when it is not zero. Nothing when none comes:
+/// then `why` says so in words.
 std::optional<TeamworkResponse> askBoard(const std::string& directory, const std::string& suffix,
-                                         TeamworkRequest request, std::string& why);
+                                         TeamworkRequest request, std::string& why,
+                                         std::chrono::seconds patience = {});
 
 /// The answer of the board that a command line means; nothing when there is none or it refuses:
 /// then `why` says so.

@@ -36,6 +36,9 @@ constexpr Command commandRows[] = {
     {looking, "watch",   "",                 watchBoard, personShow,    "show the board and draw it anew whenever it moves",
      "The bell rings when something new needs you. The command of --exec is then run by sh for each such thing, "
      "which it finds in QUILLPOST_NEED_ID, QUILLPOST_NEED_KIND and QUILLPOST_NEED."},
+    {looking, "page",    "",                 openPage,   "",            "show the board in a browser on this machine, live, until it is interrupted",
+     "It prints the page's address, which has the key of this run in it: who has the address can do what you can. "
+     "There whatever these commands do is done by a click. Another machine cannot reach it."},
     {looking, "history", "[TASK]",           show,       personHistory, "list what moved: when, who and what"},
     {looking, "threads", "",                 show,       personThreads, "list all threads with their counts"},
     {looking, "thread",  "NAME",             ask,        personThread,  "make a thread"},
@@ -74,6 +77,9 @@ constexpr Option optionRows[] = {
     {"--db",        "FILE",    &Line::database,  fileUsers, "where the board is kept (default: board.db in DIR; \":memory:\" keeps nothing)"},
     {"--lease",     "TIME",    Span{&Line::leaseMs}, "serve", "how long a claim is held without a sign of life: 900, 15m or 1h (default: 15m)"},
     {"--log",       "",        &Line::isLogged,  "serve", "write a line for each request to standard error"},
+    {"--page",      "",        &Line::withPage,  "serve", "show the board in a browser as well, as `page` does"},
+    {"--port",      "NUMBER",  &Line::port,      "page serve", "the port of the page (default: 47800, or a free one)"},
+    {"--open",      "",        &Line::isOpened,  "page serve", "open the page in the browser"},
     {"--name",      "NAME",    &TeamworkRequest::agent, "run seat", "what the seat is called until its agent says otherwise"},
     {"--host",      "USER@HOST", &Line::host,    "run", "run it on that machine, by ssh"},
     {"--json",      "",        &Line::asJson,    showing, "print JSON"},

@@ -42,6 +42,11 @@ struct Line {
   /// The other machine that a harness is to run on.
   std::string host;
   std::string file;
+  /// The port of the page; empty for the usual one. Whether the page is to be shown at once, and
+  /// whether the board is to be served together with it.
+  std::string port;
+  bool isOpened = false;
+  bool withPage = false;
   /// A command to be run, with its words.
   std::vector<std::string> words;
   /// What the board is asked.
@@ -133,6 +138,8 @@ int ask(const Line& line, const Surroundings& around);
 int show(const Line& line, const Surroundings& around);
 /// Shows the board, again whenever it moves.
 int watchBoard(const Line& line, const Surroundings& around);
+/// Serves the page, by the program of its own that does that.
+int openPage(const Line& line, const Surroundings& around);
 /// Has the board's file looked after, by the board when it is served.
 int keep(const Line& line, const Surroundings& around);
 /// Prints the help.

@@ -5,57 +5,31 @@
 #include "base/text.h"
 #include "board/person/commands.h"
 #include "board/person/console.h"
+#include "board/person/open_page.h"
+#include "board/person/stopping.h"
 #include "board/serving/listener.h"
 #include "board/serving/publication.h"
 #include "board/serving/service.h"
 #include "board/serving/store.h"
 
 #include <chrono>
-#include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <random>
 #include <system_error>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 namespace quillpost::board {
 
 namespace {
-
-/// Where the signal handler writes, since a handler can be given nothing.
-int& stopWriter() {
-  static int descriptor = -1;
-  return descriptor;
-}
-
-extern "C" void stopServing(int) {
-  const ssize_t ignored = ::write(stopWriter(), "", 1);
-  static_cast<void>(ignored);
-}
 
 void report(const std::string& sentence) { complain(sentence); }
 
 int64_t epochMs() {
   const auto since1970 = std::chrono::system_clock::now().time_since_epoch();
   return std::chrono::duration_cast<std::chrono::milliseconds>(since1970).count();
-}
-
-/// The reading end of a pipe that can be read once the program is to stop; none when that fails.
-UniqueFd catchSignals() {
-  int ends[2];
-  if (::pipe(ends) != 0) return {};
-  UniqueFd reading(ends[0]);
-  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-  ::fcntl(ends[1], F_SETFL, O_NONBLOCK);
-  stopWriter() = ends[1];
-  struct sigaction action {};
-  action.sa_handler = stopServing;
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) ::sigaction(signal, &action, nullptr);
-  return reading;
 }
 
 /// One line about a request, for `--log`: who asked what, and what came of it.
@@ -72,7 +46,7 @@ void logRequest(const TeamworkRequest& request, const TeamworkResponse& response
 
 }  // namespace
 
-int serve(const Line& line, const Surroundings&) {
+int serve(const Line& line, const Surroundings& around) {
   ::umask(S_IRWXG | S_IRWXO);
   const UniqueFd stop = catchSignals();
   if (!stop) return complain("no pipe to be stopped by");
@@ -95,8 +69,8 @@ int serve(const Line& line, const Surroundings&) {
     return startMs +
            std::chrono::duration_cast<std::chrono::milliseconds>(clock.now() - start).count();
   };
-  auto publication =
-      Publication::open(line.directory, line.suffix.empty() ? "board" : line.suffix, random, why);
+  const std::string suffix = line.suffix.empty() ? "board" : line.suffix;
+  auto publication = Publication::open(line.directory, suffix, random, why);
   if (!publication) return complain(why);
   const BoardFiles& files = publication->files();
   Listener* listening = nullptr;
@@ -121,6 +95,10 @@ int serve(const Line& line, const Surroundings&) {
                        ", lease ", line.leaseMs / 1000, " s\n")
                  .c_str(),
              stderr);
+  Line served = line;
+  served.suffix = suffix;
+  const PageProgram page = line.withPage ? startPage(served, around, why) : PageProgram();
+  if (line.withPage && !page.isRunning()) complain(why);
   listener.run(stop.get());
   return service.isOver() ? failure : 0;
 }

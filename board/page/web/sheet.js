@@ -1,0 +1,14 @@
+// Sheets, as the board sends what it shows: tables of texts.
+
+// The rows of a table as objects, their members named as its columns; none when it is not there.
+export function rowsOf(sheet, name) {
+  const table = sheet.sections.find((section) => section.name === name);
+  if (!table) return [];
+  return table.rows.map(({ cells }) =>
+    Object.fromEntries(table.columns.map((column, i) => [column, cells[i] ?? ''])));
+}
+
+export const hasTable = (sheet, name) => sheet.sections.some((section) => section.name === name);
+
+// The entries of a cell that holds a list.
+export const listOf = (cell) => (cell ? cell.split('\n') : []);

@@ -1,0 +1,64 @@
+#include "board/person/open_page.h"
+
+#include "board/person/commanded.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace quillpost::board {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+TEST(PageCommand, StartsTheProgramBesideThisOneWithWhatWasMeant) {
+  Line line;
+  line.directory = "/d";
+  EXPECT_THAT(pageWords(line, "/opt/bin/quillpost-board"),
+              ElementsAre("/opt/bin/quillpost-page", "--dir", "/d"));
+  EXPECT_THAT(pageWords(line, "quillpost-board"), ElementsAre("quillpost-page", "--dir", "/d"));
+  line.suffix = "s";
+  line.thread = "t";
+  line.port = "80";
+  line.isOpened = true;
+  EXPECT_THAT(pageWords(line, "./quillpost-board"),
+              ElementsAre("./quillpost-page", "--dir", "/d", "--suffix", "s", "--thread", "t",
+                          "--port", "80", "--open"));
+}
+
+TEST(PageCommand, SaysInWordsWhyThereIsNoPage) {
+  const testing::TempDir dir;
+  EXPECT_THAT(typed(dir.path(), {"page"}).errors, HasSubstr("quillpost-board serve"));
+  CommandedBoard board;
+  EXPECT_EQ(board.type({"page", "--port", "0"}).status, 1);
+  EXPECT_THAT(board.type({"page", "--port", "70000"}).errors, HasSubstr("70000 is no port"));
+  EXPECT_THAT(board.type({"page", "--thread", "other"}).errors,
+              HasSubstr("There is no thread called \"other\""));
+}
+
+TEST(PageCommand, ServesTogetherWithTheBoardAndEndsWithIt) {
+  const testing::TempDir dir;
+  testing::Process process(
+      {testing::boardProgram(), {"serve", "--page", "--db", ":memory:", "--dir", dir.path()}, {}});
+  const std::optional<std::string> address = process.readLine(realPatience);
+  ASSERT_TRUE(address);
+  EXPECT_THAT(*address, StartsWith("http://127.0.0.1:"));
+  EXPECT_THAT(*address, HasSubstr("/#key="));
+  process.signal(SIGTERM);
+  EXPECT_EQ(process.waitForExit(), 0);
+  // The page holds the other end of the output; this ends when it has gone.
+  EXPECT_EQ(process.restOfOutput(), "");
+}
+
+TEST(PageCommand, APageDoesNotOutliveABoardThatIsKilled) {
+  const testing::TempDir dir;
+  testing::Process process(
+      {testing::boardProgram(), {"serve", "--page", "--db", ":memory:", "--dir", dir.path()}, {}});
+  ASSERT_TRUE(process.readLine(realPatience));
+  process.signal(SIGKILL);
+  EXPECT_EQ(process.restOfOutput(), "");
+}
+
+}  // namespace
+}  // namespace quillpost::board
