@@ -1,10 +1,11 @@
 #!/usr/bin/env python3
 """Plays a session of two agents and a person on a board of its own, and checks every answer.
 
-    demo.py BUILD [--serve]
+    demo.py BUILD [--serve | --page]
 
 BUILD is the folder with the built programs. With --serve a board of your own is then served until
-Ctrl-C, and kept. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
+Ctrl-C, and kept. With --page the session is played slowly with the board's page open in the browser,
+where the charter says what is going on, and the question is left to whoever looks on. Whoever wants to know how an agent's harness talks to quillpost-teamwork can read
 this file from top to bottom: Seat is all that a harness has to do, play() is what agents do,
 first through tools and then, in playByShell(), with commands alone.
 """
@@ -24,6 +25,9 @@ import textwrap
 import time
 
 PATIENCE = 30  # seconds for one answer, which takes milliseconds
+STEP = 1.6  # seconds between two steps for whoever looks on
+READING = 6  # seconds to read what a chapter is about
+THINKING = 60  # seconds to answer a question on the page
 NOTHING_WAITS, KEEP_GOING = 0, 2  # what the stop hook ends with
 HOOK_LINE = "board changed, call wait_for_changes"
 
@@ -44,7 +48,19 @@ def paint(style, text):
     return f"\033[{colours[style]}m{text}\033[0m" if isColourful else text
 
 
+onlooker = None  # the board whose page somebody looks at, if one is
+
+
+def pause(seconds):
+    if onlooker:
+        signal.alarm(0)
+        time.sleep(seconds)
+        signal.alarm(PATIENCE)
+
+
 def title(text, explanation):
+    if onlooker:
+        onlooker.caption(f"{text}. {explanation}")
     print("\n" + paint("title", text))
     for line in textwrap.wrap(explanation, width - 2):
         print(paint("dim", line))
@@ -53,6 +69,8 @@ def title(text, explanation):
 
 def say(who, sign, text, style=None):
     """Who, what way it goes (→ asks, ← is answered), and what: in full, but for asides."""
+    if who and sign in ("→", "$") and style != "dim":
+        pause(STEP)
     asides = 1 if style == "dim" else None
     margin = (paint(who, f"{who:6}") if who else " " * 6) + " " + paint("dim", sign)
     for line in textwrap.wrap(text, max(width - 11, 20), max_lines=asides, placeholder=" …"):
@@ -154,6 +172,38 @@ class Board:
             shown = line if fits else line[: width - 12] + "…"
             print(f"           {shown}".rstrip(), flush=True)
         return said
+
+    def openPage(self, cleanup):
+        """Shows the board in the browser, and plays slowly from here on."""
+        global onlooker
+        process = start(cleanup, [self.program, *self.where, "page", "--open"],
+                        stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
+        address = process.stdout.readline().strip()
+        check(address.startswith("http://127.0.0.1:"), "the page's address", address)
+        print("\n" + paint("good", f"Look at {address}") + "\n", flush=True)
+        onlooker = self
+        pause(READING)
+        return process
+
+    def caption(self, words):
+        """Says on the page what comes next."""
+        subprocess.run([self.program, *self.where, "charter", "--", words],
+                       stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, check=True)
+        pause(READING)
+
+    def answer(self, task, option):
+        """The person's answer: a command's, unless somebody who looks on clicks one first."""
+        deadline = time.monotonic() + THINKING
+        if onlooker:
+            print(paint("good", "\nAnswer the question on the page; in a minute it is answered for you.\n"),
+                  flush=True)
+        while onlooker and time.monotonic() < deadline:
+            asks = subprocess.run([self.program, *self.where, "show", "--mine"], check=False,
+                                  stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL).returncode
+            if asks == 0:
+                return
+            pause(0.5)
+        self.command("answer", task, option, expect="Answered")
 
     def seat(self, *words):
         """A new seat: the handle that others reach it by, and the variables that make the agent of
@@ -329,7 +379,7 @@ def play(board, ada, bo):
             blockerOptions=["Monday", "Tuesday"])
     bo.listen(quietFor=1)
     board.command("show", expect="Which day")
-    board.command("answer", hours, "2", expect="Answered")
+    board.answer(hours, "2")
     bo.wake({"wakeReasons": ["blockerAnswered"]})
     bo.call("complete_task", f"Completed {hours}", taskID=hours,
             summary="The footer says: closed on Tuesdays. Looked at it in two browsers.")
@@ -404,7 +454,17 @@ def serve(cleanup, build, program):
         board.process.wait()
 
 
-def run(build, staysOpen):
+def lookOn(process):
+    """Leaves the page to whoever looks on."""
+    title("That was a day on the board",
+          "The page stays open until Ctrl-C in the terminal: look at who did what, at the history, and "
+          "open a task.")
+    signal.alarm(0)
+    with contextlib.suppress(KeyboardInterrupt):
+        process.wait()
+
+
+def run(build, staysOpen, hasPage):
     with contextlib.ExitStack() as cleanup:
         # Short, because a socket's path may have no more than 103 bytes.
         folder = tempfile.mkdtemp(prefix="quillpost.", dir="/tmp")
@@ -415,6 +475,7 @@ def run(build, staysOpen):
                   "quillpost-board plays the app. A seat is three variables in a terminal's "
                   "environment; others know it by its handle.")
             board = Board(cleanup, build, folder)
+            browsed = board.openPage(cleanup) if hasPage else None
             # Where the seats remember what they have seen from one command to the next.
             runtime = tempfile.mkdtemp(prefix="quillpost.")
             cleanup.callback(shutil.rmtree, runtime)
@@ -424,6 +485,9 @@ def run(build, staysOpen):
             playByShell(board, ada, bo, bread, page)
             ada.close()
             bo.close()
+            if browsed:
+                lookOn(browsed)
+                return
             print("\n" + paint("good", "Every step came out as expected") +
                   f", in {time.monotonic() - begin:.1f} seconds.", flush=True)
             board.close()
@@ -445,14 +509,14 @@ def interrupted(number, _frame):
 
 
 def main():
-    words = [word for word in sys.argv[1:] if word != "--serve"]
-    if len(words) != 1 or words[0].startswith("-"):
-        sys.exit("usage: demo.py BUILD [--serve]")
+    words = [word for word in sys.argv[1:] if word not in ("--serve", "--page")]
+    if len(words) != 1 or words[0].startswith("-") or len(sys.argv) > 3:
+        sys.exit("usage: demo.py BUILD [--serve | --page]")
     for number in (signal.SIGALRM, signal.SIGTERM, signal.SIGHUP):
         signal.signal(number, interrupted)
     sys.stdout.reconfigure(encoding="utf-8")
     try:
-        run(os.path.abspath(words[0]), "--serve" in sys.argv)
+        run(os.path.abspath(words[0]), "--serve" in sys.argv, "--page" in sys.argv)
     except KeyboardInterrupt:
         return 128 + signal.SIGINT
     except (Failure, OSError, ValueError) as failure:
