@@ -34,7 +34,8 @@ std::string placeIn(std::string_view whole, std::string_view words) {
   const auto at = static_cast<std::size_t>(found - whole.begin());
   std::size_t first = at > toldBefore ? at - toldBefore : 0;
   // Not in the middle of a character.
-  constexpr unsigned char followers = 0xC0, follower = 0x80;
+  constexpr unsigned char followers = 0xC0;
+  constexpr unsigned char follower = 0x80;
   while (first > 0 && (static_cast<unsigned char>(whole[first]) & followers) == follower) --first;
   // What is told of a long text is cut before it is made into one line.
   const std::string_view near = whole.substr(first, toldLength * bytesOfCharacter);

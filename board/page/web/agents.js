@@ -54,7 +54,8 @@ function updateAgent(node, agent) {
     put(parts.holds, held.map((task) => el('span', {}, linkTo(task.id), ` ${task.title}`)));
   }
   untilBar(parts.lease, agent.leaseUntil, Number(state.thread?.lease) || 1);
-  sinceNode(parts.silent, agent.lastCall);
+  // The board notes a call that moves nothing only now and then.
+  sinceNode(parts.silent, Math.max(agent.lastCall, agent.lastDeed));
   sinceNode(parts.deed, agent.lastDeed);
   parts.deedRow.hidden = !agent.lastDeed;
 }

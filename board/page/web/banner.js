@@ -16,7 +16,7 @@ export function mountBanner() {
     document.body.classList.toggle('is-lost', isLost);
     if (isLost) {
       put(banner, el('strong', {}, `Lost since ${moment(state.lostAt + now() - Date.now())}. `),
-        state.why, ' What you see is how it stood then; what you type is kept. ',
+        state.why, '. What you see is how it stood then; what you type is kept. ',
         'This page comes back by itself.');
     }
   });
