@@ -223,11 +223,12 @@ class Session {
     for (const without of this.harness.without) {
       const what = `without ${without}`;
       await this.inTerminal({ without }, async (terminal, model) => {
-        if (model.tools.length === 0 && !JSON.stringify(model.last).includes("teamwork")) {
+        const isNamed = JSON.stringify(model.last).includes("teamwork__");
+        if (model.tools.length === 0 && isNamed) await this.searched(model);
+        if (!model.tool("register")) {
           this.note(what, "none of the tools is shown to the model");
           return;
         }
-        if (model.tools.length === 0) await this.searched(model);
         const text = await model.call("register", { name: "Di" }, 30);
         this.note(`${what}: a call`, tagged(text) ? "allowed" : `the model read: ${gist(text)}`);
         if (!tagged(text)) return;
