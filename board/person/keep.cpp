@@ -24,6 +24,13 @@ int told(const TeamworkResponse& response) {
   return 0;
 }
 
+/// Whether the file is the one that a board in the directory has, however it is written.
+bool isUsual(const Line& line) {
+  const std::string usual = usualDatabase(line);
+  std::error_code failed;
+  return line.database == usual || std::filesystem::equivalent(line.database, usual, failed);
+}
+
 /// What comes of it without a board's help; nothing when the file cannot be opened.
 std::optional<TeamworkResponse> keepHere(const Line& line, const TeamworkRequest& request,
                                          std::string& why) {
@@ -34,9 +41,14 @@ std::optional<TeamworkResponse> keepHere(const Line& line, const TeamworkRequest
     why = text::cat("there is no board in ", line.database);
     return std::nullopt;
   }
+  if (isUsual(line)) std::filesystem::create_directories(line.directory, failed);
   std::optional<Store> store = Store::open(line.database, why);
   if (!store) return std::nullopt;
-  return keepFile(*store, request);
+  TeamworkResponse response = keepFile(*store, request);
+  store.reset();
+  const bool isRefused = response.kind == TeamworkResponse::Kind::error;
+  if (isRefused && !isThere) std::filesystem::remove(line.database, failed);
+  return response;
 }
 
 }  // namespace
@@ -47,8 +59,7 @@ int keep(const Line& line, const Surroundings&) {
   request.body = std::filesystem::absolute(line.file, failed).string();
   std::string why;
   // A file that is named is that file, and not the one of whichever board is served.
-  const bool isNamed = line.database != usualDatabase(line);
-  const auto served = isNamed ? std::nullopt : findServed(line.directory, line.suffix, why);
+  const auto served = isUsual(line) ? findServed(line.directory, line.suffix, why) : std::nullopt;
   if (served && request.method == personImport) {
     return complain(
         "the board is served: stop it first, since lines are taken into a file that "

@@ -44,6 +44,9 @@ constexpr std::string_view putRow =
     "INSERT OR REPLACE INTO rows (thread, kind, id, about, body) VALUES (?1, ?2, ?3, ?4, ?5)";
 constexpr std::string_view dropRow = "DELETE FROM rows WHERE thread = ?1 AND kind = ?2 AND id = ?3";
 
+/// Where the changes to a file are written first.
+std::string logOf(const std::string& path) { return path + "-wal"; }
+
 /// The tags of all threads; `isRead` becomes false when they cannot be read.
 std::vector<std::string> threadsIn(Database& database, bool& isRead) {
   std::vector<std::string> tags;
@@ -97,6 +100,12 @@ std::optional<Store> Store::open(const std::string& path, std::string& why) {
 Store::Store(std::string path, Database database)
     : path_(std::move(path)), open_(std::make_unique<Open>(std::move(database))) {
   remember();
+}
+
+Store::~Store() {
+  if (open_ == nullptr || look() != FileState::replaced) return;
+  const std::string log = logOf(path_);
+  if (markOf(log) == log_) ::unlink(log.c_str());
 }
 
 std::optional<Loaded> Store::load(std::string& why) {
@@ -219,14 +228,14 @@ Store::Mark Store::markOf(const std::string& path) {
 void Store::remember() {
   if (path_.empty()) return;
   file_ = markOf(path_);
-  log_ = markOf(path_ + "-wal");
+  log_ = markOf(logOf(path_));
 }
 
 FileState Store::look() const {
   if (path_.empty()) return FileState::kept;
   const Mark file = markOf(path_);
   if (file != file_) return file == Mark{} ? FileState::gone : FileState::replaced;
-  return markOf(path_ + "-wal") == log_ ? FileState::kept : FileState::gone;
+  return markOf(logOf(path_)) == log_ ? FileState::kept : FileState::gone;
 }
 
 bool Store::writeAnew(std::string& why) {
@@ -241,7 +250,7 @@ bool Store::writeAnew(std::string& why) {
       return false;
     }
   }
-  ::unlink((path_ + "-wal").c_str());
+  ::unlink(logOf(path_).c_str());
   if (std::rename(fresh.c_str(), path_.c_str()) != 0) {
     why = text::cat("cannot write ", path_, " anew: ", reason());
     return false;
@@ -270,6 +279,7 @@ bool Store::backUp(const std::string& path, std::string& why) {
   copy.reset();
   if (std::rename(fresh.c_str(), path.c_str()) == 0) return true;
   why = text::cat("cannot write ", path, ": ", reason());
+  ::unlink(fresh.c_str());
   return false;
 }
 

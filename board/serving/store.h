@@ -55,6 +55,14 @@ class Store {
   /// when that fails, as when another program has it open: then `why` says so in words.
   static std::optional<Store> open(const std::string& path, std::string& why);
 
+  /// Closes the file. When another stands in its place, the log of changes goes too: whoever opened
+  /// that one would find it beside it, and take it for its own.
+  ~Store();
+  Store(Store&&) = default;
+  Store& operator=(Store&&) = delete;
+  Store(const Store&) = delete;
+  Store& operator=(const Store&) = delete;
+
   /// All boards. A row that cannot be read is put aside, where `check` shows it, and its board is
   /// given without it. Nothing when the file itself cannot be read: then `why` says so.
   std::optional<Loaded> load(std::string& why);

@@ -20,11 +20,13 @@ TEST(KeepCommand, ExportAndImportMakeTheSameBoard) {
   EXPECT_THAT(board.type({"import", lines}).errors, HasSubstr("stop it first"));
 
   const testing::TempDir other;
-  EXPECT_EQ(typed(other.path(), {"import", lines}).status, 0);
+  const std::string fresh = other.pathOf("not/yet/there");
+  EXPECT_EQ(typed(fresh, {"import", lines}).status, 0);
   const std::string again = other.pathOf("again.jsonl");
-  EXPECT_EQ(typed(other.path(), {"export", again}).status, 0) << "without a board that is served";
+  EXPECT_EQ(typed(fresh, {"export", again}).status, 0) << "without a board that is served";
   EXPECT_EQ(testing::readFile(again), testing::readFile(lines));
-  EXPECT_THAT(typed(other.path(), {"import", lines}).errors, HasSubstr("already"));
+  EXPECT_THAT(typed(fresh, {"import", lines}).errors, HasSubstr("already"));
+  EXPECT_EQ(typed(fresh, {"check"}).status, 0) << "and is as it was";
 }
 
 TEST(KeepCommand, ABackupOfAServedBoardIsABoard) {
@@ -36,6 +38,8 @@ TEST(KeepCommand, ABackupOfAServedBoardIsABoard) {
   EXPECT_THAT(board.type({"backup", copy}).errors, HasSubstr("there already"));
   EXPECT_EQ(typed(other.path(), {"check"}).output, "All is well with the board's file.\n");
   EXPECT_EQ(board.type({"check"}).output, "All is well with the board's file.\n");
+  const std::string sameFile = board.directory().path() + "/./board.db";
+  EXPECT_EQ(board.type({"check", "--db", sameFile}).status, 0) << "however it is written";
   EXPECT_EQ(board.stop(), 0);
   EXPECT_EQ(board.type({"check"}).status, 0);
 }
@@ -53,6 +57,7 @@ TEST(KeepCommand, AFileThatCannotBeReadIsToldOf) {
   EXPECT_THAT(
       typed(dir.path(), {"import", dir.pathOf("bad.jsonl"), "--db", dir.pathOf("new.db")}).errors,
       HasSubstr("line 1 is no row of a board"));
+  EXPECT_FALSE(std::filesystem::exists(dir.pathOf("new.db"))) << "nothing is left of it";
 }
 
 }  // namespace

@@ -1,34 +1,55 @@
 #include "board/serving/places.h"
 
 #include "base/support_directory.h"
+#include "base/text.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
+
+#include <utility>
 
 namespace quillpost::board {
 namespace {
 
 using testing::TempDir;
 
+#if defined(__APPLE__)
 TEST(Places, AreInTheDirectoryWhereAgentsLook) {
+  const MapEnvironment environment;
+  EXPECT_EQ(defaultDirectory(environment),
+            supportDirectory(environment).value_or("") + "/Quillpost-board");
+}
+#else
+TEST(Places, AreWhereAgentsLookOnceTheBoardHasMadeThem) {
   const TempDir home;
-  MapEnvironment environment;
-  environment.variables["HOME"] = home.path();
-  const std::optional<std::string> support = supportDirectory(environment);
-  ASSERT_TRUE(support.has_value());
-  EXPECT_EQ(defaultDirectory(environment), *support + "/Quillpost-board");
+  for (const auto& [variable, data] :
+       {std::pair("", ".local/share"), {"data/of/mine", "data/of/mine"}}) {
+    SCOPED_TRACE(variable);
+    MapEnvironment environment;
+    environment.variables["HOME"] = home.path();
+    if (*variable != '\0') environment.variables["XDG_DATA_HOME"] = home.pathOf(variable);
+    const std::string place = text::cat(data, "/Quillpost-board");
+    EXPECT_EQ(defaultDirectory(environment), home.pathOf(place));
+    home.makeDirectory(place);
+    EXPECT_EQ(supportDirectory(environment), home.pathOf(data));
+  }
 }
 
-#if !defined(__APPLE__)
-TEST(Places, FollowADataHomeThatIsThere) {
+TEST(Places, ABoardOfAnEarlierReleaseStaysWhereItLies) {
   const TempDir home;
   MapEnvironment environment;
   environment.variables["HOME"] = home.path();
-  EXPECT_EQ(defaultDirectory(environment),
-            home.pathOf("Library/Application Support/Quillpost-board"));
-  home.makeDirectory("data");
-  environment.variables["XDG_DATA_HOME"] = home.pathOf("data");
-  EXPECT_EQ(defaultDirectory(environment), home.pathOf("data/Quillpost-board"));
+  const std::string former = "Library/Application Support/Quillpost-board";
+  home.write(former + "/board.db", "");
+  EXPECT_EQ(defaultDirectory(environment), home.pathOf(former));
+  home.write(".local/share/Quillpost-board/board.db", "");
+  EXPECT_EQ(defaultDirectory(environment), home.pathOf(".local/share/Quillpost-board"));
+}
+
+TEST(Places, NeedNoHomeWhereThereIsADataHome) {
+  MapEnvironment environment;
+  environment.variables["XDG_DATA_HOME"] = "/data";
+  EXPECT_EQ(defaultDirectory(environment), "/data/Quillpost-board");
 }
 #endif
 

@@ -259,6 +259,9 @@ TEST(Store, ABackupIsABoardOfItsOwnAndReplacesNothing) {
   expectSame(loadAll(*copy).front(), desk.board);
   EXPECT_FALSE(store->backUp(dir.pathOf("copy.db"), why));
   EXPECT_FALSE(store->backUp(dir.pathOf("missing/copy.db"), why));
+  dir.makeDirectory("folder");
+  EXPECT_FALSE(store->backUp(dir.pathOf("folder/"), why));
+  EXPECT_FALSE(std::filesystem::exists(dir.pathOf("folder/.new"))) << "nothing is left of it";
 }
 
 TEST(Store, AFileWrittenAnewHasAllThatTheDeletedOneHad) {
@@ -291,6 +294,31 @@ TEST(Store, ALogOfChangesThatIsDeletedIsNoticed) {
   ASSERT_TRUE(store->writeAnew(why)) << why;
   EXPECT_EQ(store->look(), FileState::kept);
   expectSame(loadAll(*store).front(), desk.board);
+}
+
+TEST(Store, TheLogOfAFileIsNeverTakenForThatOfAnotherInItsPlace) {
+  for (const bool hasOwnLog : {false, true}) {
+    SCOPED_TRACE(hasOwnLog);
+    const TempDir dir;
+    const std::string path = dir.pathOf("board.db");
+    Desk desk = fullDesk();
+    Desk other;
+    other.add("from the backup");
+    std::optional<Store> store = openStore(path);
+    ASSERT_TRUE(store->save(desk.board));
+    ASSERT_TRUE(openStore(dir.pathOf("other.db"))->save(other.board));
+    ASSERT_GT(std::filesystem::file_size(path + "-wal"), 0u);
+    std::filesystem::rename(dir.pathOf("other.db"), path);
+    if (hasOwnLog) {
+      dir.write("log", "");
+      std::filesystem::rename(dir.pathOf("log"), path + "-wal");
+    }
+    EXPECT_EQ(store->look(), FileState::replaced);
+    store.reset();
+    EXPECT_EQ(std::filesystem::exists(path + "-wal"), hasOwnLog);
+    std::optional<Store> next = openStore(path);
+    expectSame(loadAll(*next).front(), other.board);
+  }
 }
 
 TEST(Store, AFileOfAnotherLayoutIsNotOpened) {
