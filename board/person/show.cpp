@@ -8,6 +8,7 @@
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/serving/names.h"
 
 #include <algorithm>
 #include <array>
@@ -45,7 +46,9 @@ int64_t momentOf(const Board& board, const Task& task, MoveKind kind) {
 
 std::string remarkOn(const Board& board, const Task& task) {
   if (task.state == TaskState::open && !isReady(board, task)) {
-    return text::cat("after ", text::join(task.waitsOn, ", "));
+    return text::cat("after ", text::join(task.waitsOn, ", ", [&](const std::string& id) {
+                       return waitedOn(board, id);
+                     }));
   }
   if (task.state == TaskState::open && !task.routedTo.empty()) {
     return text::cat("meant for ", task.routedTo);
@@ -124,12 +127,13 @@ Section needSection() {
 /// Adds what a Thread needs of the person; its name when there are others.
 void addNeeds(Section& section, const Board& board, std::string_view thread) {
   for (const Need& need : needsOf(board)) {
-    const std::string_view option = thread.empty() ? "" : " --thread ";
+    const std::string option =
+        thread.empty() ? std::string() : text::cat(" --thread ", wordForShell(thread));
     section.add(need.id, thread, need.kind, need.from,
                 need.sinceMs > 0 ? text::cat(need.sinceMs) : std::string(),
                 cut(need.title, listedLength), need.question[0], need.question[1], need.question[2],
                 need.question[3], need.question[4],
-                text::cat("quillpost-board ", need.command, option, thread));
+                text::cat("quillpost-board ", need.command, option));
   }
 }
 

@@ -7,6 +7,7 @@
 #include "board/rules/ids.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
+#include "board/rules/readiness.h"
 
 #include <algorithm>
 #include <utility>
@@ -49,9 +50,10 @@ Section taskRow(const Board& board, const Task& task, Moment at) {
       task.priority != 0 ? text::cat(task.priority) : std::string(), task.type,
       task.claimAttempts > 1 ? text::cat(task.claimAttempts) : std::string(), task.title,
       question[0], question[1], question[2], question[3], question[4],
-      task.isAnswerSecret ? "(a secret)" : task.blockerAnswer, task.parkedReason,
-      text::join(task.waitsOn, "\n"), task.assignedRole, task.routedTo,
-      text::join(task.resources, "\n"), reviewOf(board, task), namesOf(board, task.mentions),
+      hasSecret(task) ? "(a secret)" : task.blockerAnswer, task.parkedReason,
+      text::join(task.waitsOn, "\n", [&](const std::string& id) { return waitedOn(board, id); }),
+      task.assignedRole, task.routedTo, text::join(task.resources, "\n"), reviewOf(board, task),
+      namesOf(board, task.mentions),
       text::join(task.watches, "\n",
                  [&](const Watch& watch) { return calledBy(board, watch.fingerprint); }),
       text::join(task.releaseAsks, "\n", [&](const ReleaseAsk& ask) {
@@ -69,7 +71,10 @@ Section logOf(const Board& board, const Task& task) {
     if (bytes > logBytes) break;
   }
   if (first > 0) {
-    log.add("", "", "", text::cat("(", first, " earlier lines are left out; `export` has them)"));
+    const int64_t count = static_cast<int64_t>(first);
+    log.add("", "", "",
+            text::cat("(", first, " earlier line", text::s(count), count == 1 ? " is" : " are",
+                      " left out; `export` has ", count == 1 ? "it)" : "them)"));
   }
   for (std::size_t i = first; i < lines.size(); ++i) {
     const LogLine& line = *lines[i];

@@ -2,10 +2,13 @@
 
 #include "base/text.h"
 #include "base/unicode.h"
+#include "board/rules/limits.h"
 #include "json/decoder.h"
 #include "model/markers.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <vector>
 
 namespace quillpost::board {
 
@@ -40,13 +43,39 @@ Ask splitAsk(std::string_view stored) {
   return {std::move(payload), std::string(unicode::trim(marked.substr(end + askMarkerEnd.size())))};
 }
 
+std::string cutAsk(const std::string& stored, std::string& notice) {
+  Ask ask = splitAsk(stored);
+  if (!ask.payload) return stored;
+  TeamworkHumanAsk::Payload& payload = *ask.payload;
+  const TeamworkHumanAsk::Payload whole = payload;
+  payload.k = cut(payload.k, entryLimit);
+  if (payload.o) payload.o = entriesOf(payload.o, "blockerOptions", notice);
+  if (payload.s) payload.s = cutWithNotice(*payload.s, lineLimit, "secret's name", notice);
+  if (payload.a) payload.a = cutWithNotice(*payload.a, lineLimit, "artifact", notice);
+  if (payload.c) payload.c = cutWithNotice(*payload.c, lineLimit, "consequence", notice);
+  if (payload == whole) return stored;
+  return text::cat(askMarkerBegin, json::encode(payload), askMarkerEnd, " ", ask.question);
+}
+
 bool isForSecret(const Ask& ask) { return ask.payload && ask.payload->k == "secret"; }
 
-std::string spellOut(const Ask& ask, std::string_view answer) {
+std::optional<std::string> spellOut(const Ask& ask, std::string_view answer) {
   const std::optional<int64_t> number = text::parseInteger(answer);
   if (!number || !ask.payload || !ask.payload->o) return std::string(answer);
-  if (*number < 1 || *number > text::countOf(*ask.payload->o)) return std::string(answer);
-  return (*ask.payload->o)[static_cast<std::size_t>(*number) - 1];
+  const std::vector<std::string>& options = *ask.payload->o;
+  if (*number >= 1 && *number <= text::countOf(options)) {
+    return options[static_cast<std::size_t>(*number) - 1];
+  }
+  const bool isOption = options.empty() || std::ranges::find(options, answer) != options.end();
+  return isOption ? std::optional(std::string(answer)) : std::nullopt;
+}
+
+std::string numbered(std::span<const std::string> options) {
+  std::string line;
+  int64_t number = 0;
+  for (const std::string& option : options)
+    line += text::cat(line.empty() ? "" : ", ", ++number, ") ", option);
+  return line;
 }
 
 }  // namespace quillpost::board

@@ -62,18 +62,6 @@ void addWord(std::vector<std::string>& words, std::string_view word) {
   if (std::ranges::find(words, word) == words.end()) words.emplace_back(word);
 }
 
-/// The messages that one answer carries: the oldest.
-std::vector<const Message*> carried(const Board& board, const Seat& seat) {
-  std::vector<const Message*> messages = messagesOf(board, seat);
-  std::size_t count = 0;
-  for (std::size_t bytes = 0; count < messages.size(); ++count) {
-    bytes += messages[count]->text.size();
-    if (bytes > messageBytesCarried && count > 0) break;
-  }
-  messages.resize(count);
-  return messages;
-}
-
 }  // namespace
 
 Listening listeningOf(const TeamworkRequest& request) {
@@ -118,7 +106,7 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
     if (task == nullptr) continue;
     feed.tasks.push_back(seat.registered ? leanView(board, *task, seat, at) : titleView(*task));
   }
-  for (const Wake* wake : wakesOf(board, seat)) {
+  for (const Wake* wake : wakesCarried(board, seat)) {
     if (wake->kind == WakeKind::mentioned) addWord(feed.changeKinds, "youWereTagged");
     std::optional<std::string> cause;
     if (wake->cause) cause = json::wordFor(*wake->cause);
@@ -131,7 +119,7 @@ TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening
 
 std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at) {
   std::vector<TeamworkSquadMessage> messages;
-  for (const Message* message : carried(board, seat)) {
+  for (const Message* message : messagesCarried(board, seat)) {
     const int64_t number = text::parseInteger(message->id).value_or(0);
     messages.push_back({text::cat("m", number), message->from, message->fromName, message->text,
                         std::max<int64_t>(0, (at.nowMs - message->sentMs) / 1000)});
@@ -141,8 +129,8 @@ std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& se
 
 Delivery deliveryOf(const Board& board, const Seat& seat) {
   Delivery delivery{board.thread().id, seat.id, {}, {}, {}};
-  const std::vector<const Wake*> wakes = wakesOf(board, seat);
-  const std::vector<const Message*> messages = carried(board, seat);
+  const std::vector<const Wake*> wakes = wakesCarried(board, seat);
+  const std::vector<const Message*> messages = messagesCarried(board, seat);
   if (!wakes.empty()) delivery.wakesUpTo = wakes.back()->id;
   if (!messages.empty()) delivery.messagesUpTo = messages.back()->id;
   return delivery;

@@ -41,9 +41,6 @@ bool hasNews(const Board& board, const Seat& seat, const Listening& listening);
 TeamworkChangeFeed feedFor(const Board& board, const Seat& seat, const Listening& listening,
                            Moment at);
 
-/// How much of its messages one answer carries, in bytes; the next one carries the next.
-inline constexpr std::size_t messageBytesCarried = std::size_t{4} << 20;
-
 /// The messages that an answer carries to a seat, oldest first.
 std::vector<TeamworkSquadMessage> messagesFor(const Board& board, const Seat& seat, Moment at);
 

@@ -15,8 +15,14 @@ namespace quillpost::board {
 
 namespace {
 
+/// Takes from the holder of a task what nobody else is to have.
+void forgetOwnSecret(Task& task) {
+  if (task.blockedBy == task.owner) forgetSecret(task);
+}
+
 /// Puts the task back into the pool, with everything that was written on it.
 void dropClaim(Task& task) {
+  forgetOwnSecret(task);
   task.state = TaskState::open;
   task.owner.clear();
   task.parkedReason.clear();
@@ -37,6 +43,7 @@ bool handOver(Board& board, Task& task, const std::string& by, Moment at) {
   if (ask == nullptr) return false;
   Seat& taker = *touchSeatOf(board, ask->requester);
   const std::string former = task.owner;
+  forgetOwnSecret(task);
   takeClaim(board, task, taker, at);
   taker.parkReason.clear();
   const std::string words = text::cat(taker.handle, " took over from ", calling(board, former));
@@ -77,10 +84,12 @@ void freeRouted(Board& board, const Seat& seat, Moment at) {
   }
 }
 
-/// What else follows when an agent has gone: what was meant for it is anybody's, and debates that
-/// only it could have gone on with are the person's.
+/// What else follows when an agent has gone: what was meant for it is anybody's, secrets that it
+/// was given are forgotten, and debates that only it could have gone on with are the person's.
 void missAgent(Board& board, const Seat& seat, Moment at) {
   freeRouted(board, seat, at);
+  for (const Task* task : board.tasks.with({bySecret, seat.fingerprint}))
+    forgetSecret(*board.tasks.touch(task->id));
   for (const TeamworkDiscussion* discussion :
        board.discussions.with({openByParty, seat.fingerprint})) {
     if (isAbandoned(board, *discussion)) {
@@ -180,8 +189,6 @@ int64_t leave(Board& board, Seat& seat, Moment at) {
     giveUpClaim(board, *task, {MoveKind::taskReleased, task->id, seat.fingerprint, at.nowMs}, at);
   }
   record(board, {MoveKind::agentLeft, "", seat.fingerprint, at.nowMs});
-  for (const Task* task : board.tasks.with({bySecret, seat.fingerprint}))
-    forgetAnswer(*board.tasks.touch(task->id));
   seat.registered = seat.waiting = seat.stoodDown = false;
   seat.parkReason.clear();
   emptySeat(board, seat);

@@ -49,6 +49,11 @@ void renewClaims(Board& board, const Seat& seat, Moment at);
 /// Renews one claim.
 void renewClaim(Board& board, Task& task, Moment at);
 
+/// Takes a secret of the person's off the task.
+inline void forgetSecret(Task& task) {
+  if (task.isAnswerSecret) task.blockerAnswer.clear();
+}
+
 /// Gives the task to the agent. Says nothing of it to anybody.
 void takeClaim(Board& board, Task& task, const Seat& seat, Moment at);
 

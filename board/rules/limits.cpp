@@ -73,6 +73,15 @@ std::vector<std::string> entriesOf(const std::optional<std::vector<std::string>>
   return entries;
 }
 
+std::size_t quotedSize(std::string_view words) {
+  std::size_t bytes = words.size();
+  for (const char letter : words) {
+    if (static_cast<unsigned char>(letter) < 0x20) bytes += 5;
+    if (letter == '"' || letter == '\\') ++bytes;
+  }
+  return bytes;
+}
+
 void addSentence(std::string& notice, std::string_view sentence) {
   if (!notice.empty() && !sentence.empty()) notice += ' ';
   notice += sentence;
@@ -85,7 +94,7 @@ std::optional<std::string> unlessEmpty(std::string_view words) {
 std::string oneLine(std::string_view whole) {
   std::string line(unicode::trim(whole));
   for (char& letter : line)
-    if (letter == '\n' || letter == '\r') letter = ' ';
+    if (letter == '\n' || letter == '\r' || letter == '\t') letter = ' ';
   return line;
 }
 

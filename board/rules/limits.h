@@ -59,13 +59,16 @@ std::string briefText(std::string_view whole, std::string_view what, std::string
 std::vector<std::string> entriesOf(const std::optional<std::vector<std::string>>& list,
                                    std::string_view what, std::string& notice);
 
+/// The bytes of a text in an answer, about: quoting makes two of some characters and six of others.
+std::size_t quotedSize(std::string_view words);
+
 /// Adds a sentence to a notice.
 void addSentence(std::string& notice, std::string_view sentence);
 
 /// A text that says something, or nothing.
 std::optional<std::string> unlessEmpty(std::string_view words);
 
-/// Without white space at both ends and with a blank for each line break between.
+/// Without white space at both ends and with a blank for each line break and tab between.
 std::string oneLine(std::string_view whole);
 
 }  // namespace quillpost::board

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "board/rules/limits.h"
+#include "board/rules/log.h"
 #include "board/rules/people.h"
 
 #include <algorithm>
@@ -51,6 +52,17 @@ std::vector<std::string> declinedAmong(const Board& board, std::span<const std::
   return declined;
 }
 
+std::string waitedOn(const Board& board, const std::string& id) {
+  const Task* task = board.tasks.find(id);
+  if (task == nullptr || task->state != TaskState::rejected) return id;
+  const std::vector<const LogLine*> lines = linesOf(board, id);
+  for (std::size_t i = lines.size(); i-- > 0;) {
+    // The line that declining leaves: the word alone, or with the reason behind it.
+    if (lines[i]->text.starts_with("declined")) return text::cat(id, " (", lines[i]->text, ")");
+  }
+  return text::cat(id, " (declined)");
+}
+
 std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn) {
   std::string notice;
   const std::vector<std::string> missing = unresolved(board, waitsOn);
@@ -81,6 +93,16 @@ void tellIfReady(Board& board, const Task& task, const Move& move, std::string_v
     notices.push_back({seat->fingerprint, WakeKind::taskReady, summary});
   }
   announce(board, move, notices);
+}
+
+std::string routeTo(const Board& board, std::string_view name, std::string& notice) {
+  const std::string named = cut(oneLine(name), entryLimit);
+  if (const Seat* seat = whoIs(board, named)) return seat->handle;
+  if (!named.empty()) {
+    addSentence(notice, text::cat("Nobody here answers to \"", named,
+                                  "\", so until somebody does the task is anybody's."));
+  }
+  return named;
 }
 
 const Seat* addresseeOf(const Board& board, const Task& task) {

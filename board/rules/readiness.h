@@ -27,6 +27,9 @@ bool wouldWaitOnItself(const Board& board, std::string_view taskID,
 /// Those of the ids whose tasks were declined, and so will never be done.
 std::vector<std::string> declinedAmong(const Board& board, std::span<const std::string> ids);
 
+/// A task that another waits on, for a reader: its id, and behind it that it was declined and why.
+std::string waitedOn(const Board& board, const std::string& id);
+
 /// What a caller is told of the ids that a task is to wait on when not all of them hold it up until
 /// they are done; empty when all do.
 std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn);
@@ -37,6 +40,10 @@ bool isTakeable(const Board& board, const Task& task);
 /// Tells all, and by name its holder or whom it is meant for, that the task is READY, when it is
 /// one to be done and it is; `why` stands behind the words.
 void tellIfReady(Board& board, const Task& task, const Move& move, std::string_view why);
+
+/// Whom a task is to be meant for, as it is kept: the handle of the agent who is named; the name
+/// itself when nobody here answers to it, with a sentence in `notice`.
+std::string routeTo(const Board& board, std::string_view name, std::string& notice);
 
 /// The agent whom a task is meant for; null when that is nobody on the roster.
 const Seat* addresseeOf(const Board& board, const Task& task);

@@ -30,6 +30,12 @@ std::vector<Notice> noticesOfRemoval(const Board& board, const Task& task, WakeK
 
 }  // namespace
 
+void clearVerdict(Task& task) {
+  task.reviewState.clear();
+  task.reviewBy.clear();
+  task.reviewNote.clear();
+}
+
 std::optional<std::string> whyNotDeletable(const Board& board, const Task& task) {
   std::vector<std::string> waiting;
   for (const Task* dependent : dependentsOf(board, task.id)) waiting.push_back(dependent->id);
@@ -43,6 +49,7 @@ void deleteTask(Board& board, Task& task, const Move& move, const std::string& r
   const auto notices =
       noticesOfRemoval(board, task, WakeKind::taskDeleted,
                        text::cat(calling(board, move.by), " deleted ", named(task)));
+  forgetSecret(task);
   Task& deleted = board.trash.put(task);
   deleted.deletedAtMs = move.atMs;
   deleted.deleteReason = reason;
@@ -65,6 +72,8 @@ void declineTask(Board& board, Task& task, const Move& move) {
   task.owner = move.by;
   task.blocked = false;
   task.releaseAsks.clear();
+  forgetSecret(task);
+  clearVerdict(task);
   announce(board, move, notices);
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// Declining, deleting and putting back tasks.
+// Declining, deleting and putting back tasks, and taking back what was said of them.
 
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
@@ -10,6 +10,9 @@
 #include <string>
 
 namespace quillpost::board {
+
+/// Takes the verdict off a task that is to be done again, or by nobody. Who asked for one stays.
+void clearVerdict(Task& task);
 
 /// Why a task cannot be deleted: those that wait on it would be READY without its being done.
 /// Nothing when none waits.

@@ -72,7 +72,7 @@ struct Task {
   std::string blockedBy;
   std::string blockerQuestion;
   std::string blockerAnswer;
-  /// Whether that answer is a secret, for nobody but whoever asked.
+  /// Whether the answer to what was last asked is a secret, for nobody but whoever asked.
   bool isAnswerSecret = false;
   std::string parkedReason;
   int64_t priority = 0;
@@ -112,10 +112,9 @@ inline bool isHeldBy(const Task& task, const std::string& fingerprint) {
   return task.state == TaskState::claimed && task.owner == fingerprint;
 }
 
-/// Takes the person's answer off the task, above all one that is a secret.
-inline void forgetAnswer(Task& task) {
-  task.blockerAnswer.clear();
-  task.isAnswerSecret = false;
+/// Whether a secret of the person's lies on the task.
+inline bool hasSecret(const Task& task) {
+  return task.isAnswerSecret && !task.blockerAnswer.empty();
 }
 
 /// Whether work on the task is still to be done.
@@ -162,7 +161,7 @@ struct Keys<Task> {
     if (task.deletedAtMs > 0) return found(Key{byDueTime, padded(task.deletedAtMs + trashKeptMs)});
     if (task.reviewState == reviewWanted) found(Key{toReview, {}});
     if (task.blocked) found(Key{byBlocker, task.blockedBy});
-    if (task.isAnswerSecret) found(Key{bySecret, task.blockedBy});
+    if (hasSecret(task)) found(Key{bySecret, task.blockedBy});
     for (const std::string& party : task.mentions) found(Key{byMention, party});
     if (!isOpen(task)) return;
     found(Key{openTasks, {}});

@@ -22,8 +22,15 @@ int64_t secondsUntil(int64_t whenMs, Moment at) {
   return std::max<int64_t>(0, (whenMs - at.nowMs) / 1000);
 }
 
+/// Why nothing goes on with the task: what its holder says, or that it waits for ever.
 std::string parkedReason(const Board& board, const Task& task) {
-  if (!task.parkedReason.empty() || task.state != TaskState::claimed) return task.parkedReason;
+  if (!task.parkedReason.empty() || !isOpen(task)) return task.parkedReason;
+  const std::vector<std::string> declined = declinedAmong(board, task.waitsOn);
+  if (!declined.empty()) {
+    return text::cat("waits on ", text::join(declined, ", ", [&](const std::string& id) {
+                       return waitedOn(board, id);
+                     }));
+  }
   const Seat* holder = seatOf(board, task.owner);
   return holder != nullptr ? holder->parkReason : std::string();
 }
@@ -63,16 +70,6 @@ std::vector<std::string> leanLog(const Board& board, const Task& task) {
     }
   }
   return lean;
-}
-
-/// The bytes of a text in an answer, about: quoting makes two of some characters and six of others.
-std::size_t quotedSize(std::string_view words) {
-  std::size_t bytes = words.size();
-  for (const char letter : words) {
-    if (static_cast<unsigned char>(letter) < 0x20) bytes += 5;
-    if (letter == '"' || letter == '\\') ++bytes;
-  }
-  return bytes;
 }
 
 /// The log as far as an answer has room for it: the latest lines, and a line that says how many

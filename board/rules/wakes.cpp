@@ -42,13 +42,28 @@ bool countWatched(Board& board, const std::vector<const Wake*>& all) {
   return true;
 }
 
+int64_t numberOf(const auto& row) { return text::parseInteger(row.id).value_or(0); }
+
+/// The first of the rows, as many as an answer has room for and one at least.
+template <class Row>
+std::vector<const Row*> within(std::vector<const Row*> rows, std::string Row::*words,
+                               std::size_t room) {
+  std::size_t count = 0;
+  for (std::size_t bytes = 0; count < rows.size(); ++count) {
+    bytes += quotedSize(rows[count]->*words);
+    if (bytes > room && count > 0) break;
+  }
+  rows.resize(count);
+  return rows;
+}
+
 /// Removes the rows of a seat that match. The number of the last of them; 0 when there is none.
 template <class Row, class Matches>
 int64_t removeFrom(Table<Row>& table, std::string_view session, Matches&& matches) {
   int64_t last = 0;
   for (const Row* row : table.with({bySeat, session})) {
     if (!matches(*row)) continue;
-    last = text::parseInteger(row->id).value_or(0);
+    last = numberOf(*row);
     table.remove(std::string(row->id));
   }
   return last;
@@ -91,6 +106,14 @@ std::vector<const Message*> messagesOf(const Board& board, const Seat& seat) {
   return board.messages.with({bySeat, seat.id});
 }
 
+std::vector<const Wake*> wakesCarried(const Board& board, const Seat& seat) {
+  return within(wakesOf(board, seat), &Wake::summary, wakeBytesCarried);
+}
+
+std::vector<const Message*> messagesCarried(const Board& board, const Seat& seat) {
+  return within(messagesOf(board, seat), &Message::text, messageBytesCarried);
+}
+
 void forgetDelivered(Board& board, const Delivery& delivery) {
   const int64_t lastWake = removeFrom(board.wakes, delivery.session, [&](const Wake& wake) {
     return wake.id <= delivery.wakesUpTo ||
@@ -101,8 +124,15 @@ void forgetDelivered(Board& board, const Delivery& delivery) {
                  [&](const Message& message) { return message.id <= delivery.messagesUpTo; });
   // Something new to the agent that no stop hook has told of yet: what it owes counts from here.
   const Seat* seat = board.seats.find(delivery.session);
-  const int64_t last = std::max(lastWake, lastMessage);
-  if (seat == nullptr || last <= seat->heldBackFor) return;
+  if (seat == nullptr) return;
+  int64_t last = std::max(lastWake, lastMessage);
+  // What still waits from before has not been told.
+  const auto stopBefore = [&](const auto& waiting) {
+    if (!waiting.empty()) last = std::min(last, numberOf(*waiting.front()) - 1);
+  };
+  stopBefore(wakesOf(board, *seat));
+  stopBefore(messagesOf(board, *seat));
+  if (last <= seat->heldBackFor) return;
   Seat& reader = *board.seats.touch(delivery.session);
   reader.heldBackFor = last;
   reader.holdBacks = 0;
@@ -110,14 +140,15 @@ void forgetDelivered(Board& board, const Delivery& delivery) {
 
 std::string carrySaid(const Board& board, const Seat& seat, TeamworkResponse& response) {
   using Kind = TeamworkResponse::Kind;
+  std::vector<const Wake*> said = wakesOf(board, seat);
+  std::erase_if(said, [](const Wake* wake) { return wake->kind != WakeKind::humanSaid; });
+  if (said.empty()) return {};
   std::string words;
   std::string last;
-  for (const Wake* wake : wakesOf(board, seat)) {
-    if (wake->kind != WakeKind::humanSaid) continue;
+  for (const Wake* wake : within(std::move(said), &Wake::summary, wakeBytesCarried)) {
     addSentence(words, wake->summary);
     last = wake->id;
   }
-  if (last.empty()) return last;
   const bool hasWords = response.message && !response.message->empty();
   switch (response.kind) {
     case Kind::written:

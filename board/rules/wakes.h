@@ -56,6 +56,15 @@ void leaveMessage(Board& board, const Seat& seat, Note note);
 /// The messages that wait for a seat, oldest first.
 std::vector<const Message*> messagesOf(const Board& board, const Seat& seat);
 
+/// How much of the wakes of a seat one answer carries, in bytes, and how much of its messages; the
+/// next one carries the next.
+inline constexpr std::size_t wakeBytesCarried = std::size_t{1} << 20;
+inline constexpr std::size_t messageBytesCarried = std::size_t{4} << 20;
+
+/// Those that one answer carries, oldest first: one at least when any waits.
+std::vector<const Wake*> wakesCarried(const Board& board, const Seat& seat);
+std::vector<const Message*> messagesCarried(const Board& board, const Seat& seat);
+
 /// What an answer carried to a seat: every wake and every message up to these ids.
 struct Delivery {
   std::string thread;
@@ -70,9 +79,9 @@ struct Delivery {
 /// Forgets what has been carried.
 void forgetDelivered(Board& board, const Delivery& delivery);
 
-/// Puts what the person has said to the agent into an answer that carries no wakes, wherever an
-/// answer of its kind has room for words: the id of the last such wake, or empty when there is none
-/// or no room.
+/// Puts what the person has said to the agent, as much as one answer carries, into an answer that
+/// carries no wakes, wherever an answer of its kind has room for words: the id of the last such
+/// wake, or empty when there is none or no room.
 std::string carrySaid(const Board& board, const Seat& seat, TeamworkResponse& response);
 
 /// Forgets all that waits for a seat.

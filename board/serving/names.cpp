@@ -49,6 +49,13 @@ std::string quotedForShell(std::string_view value) {
   return out + "'";
 }
 
+std::string wordForShell(std::string_view value) {
+  constexpr std::string_view plain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-_.";
+  const bool isPlain = !value.empty() && value.find_first_not_of(plain) == std::string_view::npos;
+  return isPlain ? std::string(value) : quotedForShell(value);
+}
+
 std::string environmentLines(const SeatEnvironment& seat) {
   return text::cat("export QUILLPOST_SESSION_ID=", quotedForShell(seat.sessionID), "\n",
                    "export QUILLPOST_COLLAB_TOKEN_FILE=", quotedForShell(seat.tokenPath), "\n",

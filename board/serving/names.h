@@ -30,6 +30,9 @@ struct SeatEnvironment {
 /// A word as a shell takes it, whatever stands in it.
 std::string quotedForShell(std::string_view value);
 
+/// The same, in quotes only when it needs them, for a person who reads it.
+std::string wordForShell(std::string_view value);
+
 /// The lines that put a seat into a shell's environment, quoted so that any path survives.
 std::string environmentLines(const SeatEnvironment& seat);
 

@@ -6,6 +6,7 @@
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/removal.h"
 #include "board/rules/views.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
@@ -71,17 +72,32 @@ void announceUnlocked(Board& board, const Task& done, Move move) {
 namespace {
 
 /// Tells those whose verdict is asked for: whom the request names, or all here who have the
-/// authority and, when one is given, the role. Whether there is any.
-bool askReviewers(const Call& call, const Task& task) {
+/// authority and, when one is given, the role; by a move like `move` but for its kind. Whether
+/// there is any.
+bool askReviewers(Board& board, const Task& task, Move move) {
   std::vector<Notice> notices;
-  for (const Seat* seat : othersHere(call.board, call.self())) {
+  for (const Seat* seat : othersHere(board, move.by)) {
     if (!isForReviewBy(task, *seat)) continue;
     notices.push_back({seat->fingerprint, WakeKind::reviewRequested,
-                       text::cat(call.seat.handle, " asks for a review of ", named(task))});
+                       text::cat(calling(board, move.by), " asks for a review of ", named(task))});
   }
-  announce(call.board, call.move(MoveKind::reviewRequested, task.id, task.reviewNote), notices);
+  move.kind = MoveKind::reviewRequested;
+  move.what = task.reviewNote;
+  announce(board, move, notices);
   return !notices.empty();
 }
+
+}  // namespace
+
+void askForVerdict(Board& board, Task& task, Move move) {
+  if (task.reviewRequestedBy.empty()) return;
+  // One that is there was given on what was not complete yet.
+  if (task.reviewState != reviewWanted) clearVerdict(task);
+  task.reviewState = reviewWanted;
+  askReviewers(board, task, std::move(move));
+}
+
+namespace {
 
 TeamworkResponse claimTask(const Call& call, Task& task) {
   if (isHeldBy(task, call.self())) {
@@ -125,7 +141,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   refreshSummary(call.board, task, call.seat, summary, call.at.nowMs);
   task.state = TaskState::done;
   task.blocked = false;
-  if (task.isAnswerSecret) forgetAnswer(task);
+  forgetSecret(task);
   task.parkedReason.clear();
   task.releaseAsks.clear();
   takeBackWakes(call.board, call.seat, WakeKind::claimExpiring, task.id);
@@ -137,9 +153,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   announce(call.board, call.move(MoveKind::taskCompleted, task.id, cut(summary, summaryLimit)),
            notices);
   announceUnlocked(call.board, task, call.move(MoveKind::taskReady));
-  // Asked for while it was under way, or for a completion before this one.
-  if (task.reviewState.empty() && !task.reviewRequestedBy.empty()) task.reviewState = reviewWanted;
-  if (task.reviewState == reviewWanted) askReviewers(call, task);
+  askForVerdict(call.board, task, call.move(MoveKind::reviewRequested, task.id));
   return written(text::cat("Completed ", named(task), "."));
 }
 
@@ -219,7 +233,8 @@ TeamworkResponse requestReview(const Call& call, Task& task) {
   task.reviewBy.clear();
   task.reviewNote =
       cutWithNotice(oneLine(call.request.note.value_or("")), noteLimit, "note", notice);
-  const bool isHeard = askReviewers(call, task);
+  const bool isHeard =
+      askReviewers(call.board, task, call.move(MoveKind::reviewRequested, task.id));
   if (asked != nullptr) {
     addSentence(notice, whyNoVerdict(*asked));
   } else if (!isHeard) {

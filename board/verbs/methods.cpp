@@ -58,7 +58,7 @@ TeamworkResponse carryOut(const Call& call) {
         "This terminal has no agent on the roster, so it sees ticket titles and nothing else. "
         "Call register first.");
   }
-  renewPresence(call.board, call.seat, call.at);
+  if (method->entry != Entry::newcomer) renewPresence(call.board, call.seat, call.at);
   if (method->entry != Entry::listener) markActive(call.seat);
   return run(*method, call);
 }

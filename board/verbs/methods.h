@@ -44,9 +44,10 @@ struct Call {
   }
 };
 
-/// What a caller must be: anyone with a seat; a listener (the same, and it stays marked as
-/// waiting); a member, whose agent has registered.
-enum class Entry { anyone, listener, member };
+/// What a caller must be: anyone with a seat; a newcomer (the same, and its presence begins with
+/// the method and not before it); a listener (the same as anyone, and it stays marked as waiting);
+/// a member, whose agent has registered.
+enum class Entry { anyone, newcomer, listener, member };
 
 /// Whether a method may change the board beyond the caller's own presence and what was carried to
 /// it.
@@ -104,12 +105,13 @@ bool correct(Board& board, const TeamworkRequest& request, Task& task, std::stri
 /// moves like `move` but for their kind.
 void tellOfCorrection(Board& board, const Task& before, Move move);
 
-/// Takes the verdict off a task that is to be done again. Who asked for one stays.
-void clearVerdict(Task& task);
-
 /// Tells of every task that is READY now that this one is done, by moves like `move` but for their
 /// kind.
 void announceUnlocked(Board& board, const Task& done, Move move);
+
+/// Asks for a verdict on a task that has just been completed, when one was asked for while it was
+/// under way or of a completion before; by moves like `move` but for their kind.
+void askForVerdict(Board& board, Task& task, Move move);
 
 /// Why a handle cannot be addressed from here; nothing when its agent can. Squad verbs ask this.
 std::optional<std::string> whyUnreachable(const Call& call, const std::string& handle);

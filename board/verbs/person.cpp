@@ -24,12 +24,30 @@ namespace {
 enum class Speech { answer, comment };
 
 TeamworkResponse speakOn(const Deed& deed, Task& task, Speech speech) {
-  const bool isAnswer = speech == Speech::answer && task.blocked;
   const Ask ask = splitAsk(task.blockerQuestion);
-  const std::string given = isAnswer ? spellOut(ask, deed.words()) : deed.words();
-  // Everybody reads the log, the wakes and the history.
-  const bool isSecret = isAnswer && isForSecret(ask);
-  const std::string words = isSecret ? "a secret was given" : given;
+  // Everybody reads the log, the wakes and the history, so that a secret that comes too late goes
+  // nowhere. One that has not been taken yet may be given anew.
+  const bool isSecret = speech == Speech::answer && (task.isAnswerSecret || isForSecret(ask));
+  if (isSecret && !task.blocked && !hasSecret(task)) {
+    return refused(text::cat("Nobody waits for a secret on ", named(task), " any more, so nothing ",
+                             "was kept. `comment` is for what all may read."));
+  }
+  const bool isAnswer = speech == Speech::answer && (task.blocked || isSecret);
+  std::string notice;
+  std::string given = isSecret ? briefText(deed.words(), "secret", notice)
+                               : cutWithNotice(deed.words(), commentLimit, "text", notice);
+  std::string words = "a secret was given";
+  if (isSecret && seatOf(deed.board, task.blockedBy) == nullptr) {
+    given.clear();
+    notice = "Whoever asked has left, so the secret was not kept.";
+  } else if (!isSecret) {
+    const std::optional<std::string> option = isAnswer ? spellOut(ask, given) : given;
+    if (!option) {
+      return refused(text::cat("There is no such option on ", named(task), ": ",
+                               numbered(*ask.payload->o), "."));
+    }
+    words = given = *option;
+  }
   addLine(deed.board, task,
           {"", LogKind::comment, std::string(human), std::string(human), words, deed.at.nowMs});
   std::erase(task.mentions, human);
@@ -49,7 +67,7 @@ TeamworkResponse speakOn(const Deed& deed, Task& task, Speech speech) {
            deed.move(isAnswer ? MoveKind::taskUnblocked : MoveKind::taskCommented, task.id,
                      cutWithMark(words, noteLimit)),
            notices);
-  return written(text::cat(isAnswer ? "Answered " : "Commented on ", named(task), "."));
+  return written(text::cat(isAnswer ? "Answered " : "Commented on ", named(task), "."), notice);
 }
 
 TeamworkResponse comment(const Deed& deed) {
@@ -70,8 +88,10 @@ TeamworkResponse reply(const Deed& deed) {
     return refused(text::cat(discussion->id, " is resolved: ", discussion->resolution.value_or(""),
                              ". A comment reaches the agents."));
   }
-  addVolley(deed.board, *discussion, {std::string(human), deed.words(), deed.at.nowMs});
-  return written(text::cat("Spoke in ", discussion->id, "."));
+  std::string notice;
+  std::string body = cutWithNotice(deed.words(), volleyLimit, "text", notice);
+  addVolley(deed.board, *discussion, {std::string(human), std::move(body), deed.at.nowMs});
+  return written(text::cat("Spoke in ", discussion->id, "."), notice);
 }
 
 /// Whether the task asks the question that the person has before them; true when it is not said
@@ -93,9 +113,15 @@ TeamworkResponse answer(const Deed& deed) {
   return refused(text::cat("No task and no discussion is called ", deed.subject(), "."));
 }
 
-void wakeEverybody(Board& board, const Reason& reason) {
-  for (const auto& [id, seat] : board.seats)
-    if (isLive(seat)) wake(board, seat, reason);
+/// Wakes every agent, those too whose lease has lapsed. How many there are.
+int64_t wakeEverybody(Board& board, const Reason& reason) {
+  int64_t count = 0;
+  for (const auto& [id, seat] : board.seats) {
+    if (!seat.registered) continue;
+    wake(board, seat, reason);
+    ++count;
+  }
+  return count;
 }
 
 TeamworkResponse changeGoal(const Deed& deed) {
@@ -163,26 +189,28 @@ TeamworkResponse reopenGoal(const Deed& deed) {
 }
 
 TeamworkResponse say(const Deed& deed) {
-  const std::string handle = deed.request.to.value_or("");
-  if (deed.words().empty()) return refused("Say something.");
+  const std::string to = deed.request.to.value_or("");
+  std::string notice;
+  const std::string words = cutWithNotice(deed.words(), lineLimit, "text", notice);
+  if (words.empty()) return refused("Say something.");
   // A wake and not a message: messages are told as another agent's words.
-  const Reason reason{WakeKind::humanSaid, "", text::cat("The human says: ", deed.words())};
-  if (handle == "all") {
-    wakeEverybody(deed.board, reason);
-    return written("Said to all who are here.");
+  const Reason reason{WakeKind::humanSaid, "", text::cat("The human says: ", words)};
+  if (to == "all") {
+    const int64_t count = wakeEverybody(deed.board, reason);
+    if (count == 0) return refused("No agent has registered yet, so there is nobody to hear it.");
+    return written(text::cat("Said to ", count, " agent", text::s(count), "."), notice);
   }
-  const Seat* seat = seatAt(deed.board, handle);
-  if (seat == nullptr || !seat->registered)
-    return refused(text::cat("Nobody is home at ", handle, "."));
+  const Seat* seat = whoIs(deed.board, to);
+  if (seat == nullptr) return refused(text::cat("Nobody is home at ", to, "."));
   wake(deed.board, *seat, reason);
-  return written(text::cat("Said to ", seat->handle, "."));
+  return written(text::cat("Said to ", seat->handle, "."), notice);
 }
 
 TeamworkResponse unseat(const Deed& deed) {
-  const Seat* found = seatAt(deed.board, deed.request.to.value_or(""));
-  if (found == nullptr) {
-    return refused(text::cat("There is no seat ", deed.request.to.value_or(""), "."));
-  }
+  const std::string to = deed.request.to.value_or("");
+  const Seat* found = seatAt(deed.board, to);
+  if (found == nullptr) found = whoIs(deed.board, to);
+  if (found == nullptr) return refused(text::cat("There is no seat ", to, "."));
   Seat& seat = *deed.board.seats.touch(found->id);
   const std::string handle = seat.handle;
   const int64_t returned = seat.registered ? leave(deed.board, seat, deed.at) : 0;

@@ -31,8 +31,9 @@ void addRemark(const Deed& deed, Task& task, std::string_view deedWord, const st
            text::cat(deedWord, ": ", said), deed.at.nowMs});
 }
 
-std::string reasonOf(const Deed& deed) {
-  return cut(oneLine(deed.request.releaseReason.value_or("")), reasonLimit);
+std::string reasonOf(const Deed& deed, std::string& notice) {
+  return cutWithNotice(oneLine(deed.request.releaseReason.value_or("")), reasonLimit, "reason",
+                       notice);
 }
 
 /// Tells the agent of that mark what the person did.
@@ -127,8 +128,9 @@ TeamworkResponse release(const Deed& deed) {
   if (task->state != TaskState::claimed) {
     return refused(text::cat("Nobody holds ", named(*task), "."));
   }
+  std::string notice;
   const std::string holder = task->owner;
-  const std::string reason = reasonOf(deed);
+  const std::string reason = reasonOf(deed, notice);
   addRemark(deed, *task, "released", reason);
   const auto notices = toldTo(holder, text::cat("took ", named(*task), " back", behind(reason)));
   const bool isHandedOver = giveUpClaim(
@@ -136,51 +138,56 @@ TeamworkResponse release(const Deed& deed) {
   return written(text::cat("Took ", named(*task), " from ", calling(deed.board, holder), ". ",
                            isHandedOver ? text::cat(calling(deed.board, task->owner),
                                                     " had asked for it and holds it now.")
-                                        : std::string("It is in the pool.")));
+                                        : std::string("It is in the pool.")),
+                 notice);
 }
 
 TeamworkResponse reopen(const Deed& deed) {
   Task* task = deed.board.tasks.touch(deed.subject());
   if (task == nullptr) return noSuchTask(deed);
   if (isOpen(*task)) return refused(text::cat(named(*task), " is open already."));
+  std::string notice;
   const std::string doer = task->owner;
-  const std::string reason = reasonOf(deed);
+  const std::string reason = reasonOf(deed, notice);
   addRemark(deed, *task, "reopened", reason);
   task->state = TaskState::open;
   task->owner.clear();
   clearVerdict(*task);
   announce(deed.board, deed.move(MoveKind::taskReopened, task->id, reason),
            toldTo(doer, text::cat("reopened ", named(*task), behind(reason))));
-  return written(text::cat("Reopened ", named(*task), "; it is in the pool."));
+  return written(text::cat("Reopened ", named(*task), "; it is in the pool."), notice);
 }
 
 TeamworkResponse finish(const Deed& deed) {
   Task* task = deed.board.tasks.touch(deed.subject());
   if (task == nullptr) return noSuchTask(deed);
   if (!isOpen(*task)) return refused(text::cat(named(*task), " is closed already."));
+  std::string notice;
   const std::string holder = task->owner;
-  addRemark(deed, *task, "done", deed.words());
+  addRemark(deed, *task, "done", cutWithNotice(deed.words(), commentLimit, "outcome", notice));
   task->state = TaskState::done;
   if (task->owner.empty()) task->owner = human;
   task->blocked = false;
-  if (task->isAnswerSecret) forgetAnswer(*task);
+  forgetSecret(*task);
   task->parkedReason.clear();
   task->releaseAsks.clear();
   announce(deed.board,
            deed.move(MoveKind::taskCompleted, task->id, cut(oneLine(deed.words()), summaryLimit)),
            toldTo(holder, text::cat("says that ", named(*task), " is done")));
   announceUnlocked(deed.board, *task, deed.move(MoveKind::taskReady));
-  return written(text::cat("Completed ", named(*task), "."));
+  askForVerdict(deed.board, *task, deed.move(MoveKind::reviewRequested, task->id));
+  return written(text::cat("Completed ", named(*task), "."), notice);
 }
 
 TeamworkResponse reject(const Deed& deed) {
   Task* task = deed.board.tasks.touch(deed.subject());
   if (task == nullptr) return noSuchTask(deed);
   if (!isOpen(*task)) return refused(text::cat(named(*task), " is closed already."));
-  const std::string reason = reasonOf(deed);
+  std::string notice;
+  const std::string reason = reasonOf(deed, notice);
   addRemark(deed, *task, "declined", reason);
   declineTask(deed.board, *task, deed.move(MoveKind::taskRejected, task->id, reason));
-  return written(text::cat("Declined ", named(*task), "."));
+  return written(text::cat("Declined ", named(*task), "."), notice);
 }
 
 TeamworkResponse remove(const Deed& deed) {
@@ -191,9 +198,11 @@ TeamworkResponse remove(const Deed& deed) {
       return refused(text::cat(*reason, " With --anyway it is deleted all the same."));
     }
   }
+  std::string notice;
   const std::string words = named(*task);
-  deleteTask(deed.board, *task, deed.move(MoveKind::taskDeleted, task->id, words), reasonOf(deed));
-  return written(text::cat("Deleted ", words, "; `restore` puts it back for seven days."));
+  const std::string reason = reasonOf(deed, notice);
+  deleteTask(deed.board, *task, deed.move(MoveKind::taskDeleted, task->id, words), reason);
+  return written(text::cat("Deleted ", words, "; `restore` puts it back for seven days."), notice);
 }
 
 TeamworkResponse restore(const Deed& deed) {

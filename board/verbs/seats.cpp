@@ -38,6 +38,14 @@ void describe(Seat& seat, const TeamworkRequest& request) {
   seat.authority = authorityOf(seat.role);
 }
 
+/// Whether somebody else sits down where an agent's lease has lapsed, for whom nothing is meant
+/// that was meant for that one.
+bool isAnother(const Seat& seat, const TeamworkRequest& request) {
+  if (!seat.away || seat.name.empty() || !request.name) return false;
+  const std::string name = cutWithMark(oneLine(*request.name), roleLimit);
+  return !name.empty() && !unicode::equalIgnoringCase(name, seat.name);
+}
+
 TeamworkResponse ownSeat(const Call& call) {
   TeamworkResponse response;
   response.kind = Kind::registered;
@@ -52,7 +60,9 @@ void deliverMessages(const Call& call, TeamworkResponse& response) {
 
 TeamworkResponse registerSeat(const Call& call) {
   Seat& seat = call.seat;
+  if (isAnother(seat, call.request)) leave(call.board, seat, call.at);
   const bool isNew = !seat.registered;
+  const bool isBack = seat.away;
   if (isNew) {
     seat.fingerprint = mintFingerprint(call);
     seat.name = seat.label;
@@ -64,7 +74,7 @@ TeamworkResponse registerSeat(const Call& call) {
   seat.registered = true;
   startPresence(seat, call.at);
   describe(seat, call.request);
-  if (isNew) record(call.board, call.move(MoveKind::agentJoined));
+  if (isNew || isBack) record(call.board, call.move(MoveKind::agentJoined));
   TeamworkResponse response = ownSeat(call);
   response.squad = squadView(call.board);
   // A new agent can read all there is, and need be woken for none of it.
@@ -163,7 +173,7 @@ TeamworkResponse readMessages(const Call& call) {
 // clang-format off
 std::span<const Method> seatMethods() {
   static constexpr Method rows[] = {
-      {"register",      Entry::anyone,   registerSeat},
+      {"register",      Entry::newcomer, registerSeat},
       {"unregister",    Entry::anyone,   unregister},
       {"heartbeat",     Entry::listener, renew},
       {"list_agents",   Entry::member,   listAgents, Effect::reads},

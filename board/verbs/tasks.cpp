@@ -23,14 +23,6 @@ namespace {
 
 using Kind = TeamworkResponse::Kind;
 
-/// The handle of whom a task is meant for; the text as it stands when that names nobody here.
-std::string routeOf(const Board& board, const TeamworkRequest& request) {
-  const std::string named =
-      cut(oneLine(request.to.value_or(request.routedToFingerprint.value_or(""))), entryLimit);
-  const Seat* seat = whoIs(board, named);
-  return seat != nullptr ? seat->handle : named;
-}
-
 /// Whether somebody else holds the task, so that it is not the caller's to take away.
 bool isPeers(const Call& call, const Task& task) {
   return task.state == TaskState::claimed && task.owner != call.self();
@@ -59,7 +51,8 @@ TeamworkResponse addTask(const Call& call) {
   task.type = lineOf(request.taskType.value_or(""), "type", notice);
   task.resources = entriesOf(request.resources, "resources", notice);
   task.assignedRole = lineOf(request.assignedRole.value_or(""), "role", notice);
-  task.routedTo = routeOf(call.board, request);
+  task.routedTo =
+      routeTo(call.board, request.to.value_or(request.routedToFingerprint.value_or("")), notice);
   const std::string brief = briefText(request.body.value_or(""), "brief", notice);
   Task& filed = fileTask(call.board, std::move(task), brief);
   refreshSummary(call.board, filed, call.seat, request.summary.value_or(""), call.at.nowMs);

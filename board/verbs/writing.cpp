@@ -7,6 +7,7 @@
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/removal.h"
 #include "board/verbs/methods.h"
 #include "model/markers.h"
 
@@ -37,7 +38,9 @@ std::optional<std::string> whyNotUpdatable(const Call& call, const Task& task) {
     return text::cat(named(task), " is declined. File a corrected one with add_task.");
   }
   const Seat* doer = seatOf(call.board, task.owner);
-  if (task.state == TaskState::done && (doer == nullptr || !isLive(*doer))) return std::nullopt;
+  // The person is never gone.
+  const bool isGone = task.owner != human && (doer == nullptr || !isLive(*doer));
+  if (task.state == TaskState::done && isGone) return std::nullopt;
   const bool isOwn = task.state == TaskState::open ? task.filedBy == self || task.blockedBy == self
                                                    : task.owner == self;
   if (isOwn) return std::nullopt;
@@ -74,9 +77,7 @@ bool correct(Board& board, const TeamworkRequest& request, Task& task, std::stri
   if (request.waitsOn) task.waitsOn = entriesOf(request.waitsOn, "waitsOn", notice);
   if (request.assignedRole) task.assignedRole = lineOf(*request.assignedRole, "role", notice);
   if (request.routedToFingerprint) {
-    const Seat* seat = whoIs(board, *request.routedToFingerprint);
-    task.routedTo =
-        seat != nullptr ? seat->handle : cut(oneLine(*request.routedToFingerprint), entryLimit);
+    task.routedTo = routeTo(board, *request.routedToFingerprint, notice);
   }
   if (!request.body) return task != before;
   const std::string brief = briefText(*request.body, "brief", notice);
@@ -104,12 +105,6 @@ void tellOfCorrection(Board& board, const Task& before, Move move) {
   tellIfReady(board, task, move, "it waits on less than before");
 }
 
-void clearVerdict(Task& task) {
-  task.reviewState.clear();
-  task.reviewBy.clear();
-  task.reviewNote.clear();
-}
-
 namespace {
 
 /// Takes a finished task up again for the caller. The verdict on it was on what it was then; who
@@ -120,19 +115,19 @@ void reopen(const Call& call, Task& task) {
 }
 
 /// Raises or clears the question to the person. The kind of move that was, if any.
-std::optional<MoveKind> raiseOrClear(const Call& call, Task& task) {
+std::optional<MoveKind> raiseOrClear(const Call& call, Task& task, std::string& notice) {
   if (!call.request.blocked) return std::nullopt;
-  if (task.isAnswerSecret && task.blockedBy == call.self()) forgetAnswer(task);
   if (!*call.request.blocked) {
     if (!std::exchange(task.blocked, false)) return std::nullopt;
     task.blockerQuestion.clear();
     return MoveKind::taskUnblocked;
   }
   const std::string question = call.request.blockerQuestion.value_or("");
-  if (!question.empty()) task.blockerQuestion = question;
+  if (!question.empty()) task.blockerQuestion = cutAsk(question, notice);
   task.blocked = true;
   task.blockedBy = call.self();
-  forgetAnswer(task);
+  task.blockerAnswer.clear();
+  task.isAnswerSecret = isForSecret(splitAsk(task.blockerQuestion));
   return MoveKind::taskBlocked;
 }
 
@@ -203,7 +198,11 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
   const Task before = task;
   const bool isCorrected = correct(call.board, request, task, notice);
   const std::string progress = writeProgress(call, task, notice);
-  const std::optional<MoveKind> blocker = raiseOrClear(call, task);
+  if (hasSecret(task) && task.blockedBy == call.self()) {
+    forgetSecret(task);
+    addSentence(notice, "The secret that you were given is on the board no longer.");
+  }
+  const std::optional<MoveKind> blocker = raiseOrClear(call, task, notice);
   if (request.parkReason) task.parkedReason = lineOf(*request.parkReason, "reason", notice);
   const bool isReopened = task.state == TaskState::done &&
                           (isCorrected || !progress.empty() || blocker || request.parkReason);
@@ -236,11 +235,12 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
 }
 
 TeamworkResponse commentTask(const Call& call, Task& task) {
-  const std::string words =
-      cutWithMark(unicode::trim(call.request.note.value_or("")), commentLimit);
+  const std::string whole(unicode::trim(call.request.note.value_or("")));
   const std::string summary(unicode::trim(call.request.summary.value_or("")));
-  if (words.empty() && summary.empty()) return refused("Pass `text`, `summary` or both.");
+  if (whole.empty() && summary.empty()) return refused("Pass `text`, `summary` or both.");
   std::string notice;
+  cutWithNotice(whole, commentLimit, "comment", notice);
+  const std::string words = cutWithMark(whole, commentLimit);
   const std::vector<std::string> tagged = taggedBy(call, notice);
   const bool isAmending = call.request.editLast.value_or(false);
   if (isAmending && !words.empty()) writeComment(call, task, words, notice);

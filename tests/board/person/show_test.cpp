@@ -129,16 +129,16 @@ TEST(Showing, TheUsualExtentHasTheLatestOfWhatIsDone) {
 TEST(Showing, OfSeveralThreadsAllThatNeedsThePersonIsShown) {
   Desk one;
   Desk two;
-  two.board.editThread().name = "other";
+  two.board.editThread().name = "my other";
   blockedTask(two);
   const Board* const boards[] = {&one.board, &two.board};
   const Sheet sheet = boardSheet(boards, Extent::usual, one.at);
-  EXPECT_THAT(columnOf(sheet, "threads", "thread"), ElementsAre("main", "other"));
+  EXPECT_THAT(columnOf(sheet, "threads", "thread"), ElementsAre("main", "my other"));
   EXPECT_THAT(columnOf(sheet, "threads", "needing"), ElementsAre("0", "1"));
   EXPECT_THAT(columnOf(sheet, "thread", "thread"), ElementsAre("main"));
-  EXPECT_THAT(columnOf(sheet, "needs", "thread"), ElementsAre("other"));
+  EXPECT_THAT(columnOf(sheet, "needs", "thread"), ElementsAre("my other"));
   EXPECT_THAT(columnOf(sheet, "needs", "do"),
-              ElementsAre("quillpost-board answer t000001 NUMBER --thread other"));
+              ElementsAre("quillpost-board answer t000001 NUMBER --thread 'my other'"));
 }
 
 TEST(Showing, AnAgentsStateIsWhatItIsDoing) {

@@ -36,6 +36,26 @@ TEST(Whole, ATaskIsShownWithAllThatIsKnownOfIt) {
   EXPECT_EQ(wholeOf(desk, "t9"), "");
 }
 
+TEST(Whole, OfALongLogTheLatestLinesAreShownAndTheOthersCounted) {
+  Desk desk;
+  const std::string id = desk.add("Frame");
+  Task& task = *desk.board.tasks.touch(id);
+  for (const std::string& words : {std::string("first"), std::string(std::size_t{4} << 20, 'x')})
+    addLine(desk.board, task, {"", LogKind::comment, "", "", words, 0});
+  EXPECT_EQ(columnOf(*wholeSheet(desk.board, id, desk.at), "log", "text").front(),
+            "(1 earlier line is left out; `export` has it)");
+}
+
+TEST(Whole, AWaitOnADeclinedTaskSaysSo) {
+  Desk desk;
+  desk.add("Plan");
+  desk.add("Frame", R"("waitsOn":["t000001","t000009"])");
+  desk.person(personReject, R"("taskID":"1","releaseReason":"no use")");
+  EXPECT_THAT(wholeOf(desk, "2"), HasSubstr("  Waits on: t000001 (declined: no use), t000009\n"));
+  EXPECT_THAT(columnOf(overviewOf(desk), "waiting", "note"),
+              ElementsAre("after t000001 (declined: no use), t000009"));
+}
+
 TEST(Whole, ATaskThatWasDeletedIsStillShown) {
   Desk desk;
   const std::string id = desk.add("slip");

@@ -70,5 +70,17 @@ TEST(Hook, AMoveOfTheAgentBeginsTheCountAnewAndReadingDoesNot) {
   EXPECT_FALSE(isHeldBack(desk)) << "nothing is owed any more";
 }
 
+TEST(Hook, AnOlderWakeThatNobodyToldOfHoldsAnAgentBackThoughANewerOneWasCarried) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.ask("BB3", "watch_task", Desk::on(id));
+  desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"look")");
+  desk.person(personSay, R"("to":"BB3","body":"Lunch")");
+  const std::string said = wakesOf(desk.board, desk.seat("BB3")).back()->id;
+  forgetDelivered(desk.board, {"", "s-BB3", "", "", said});
+  EXPECT_TRUE(isHeldBack(desk));
+  EXPECT_FALSE(isHeldBack(desk)) << "it has been told now";
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -27,6 +27,7 @@ TEST(Limits, OnlyACutIsNoticed) {
 TEST(Limits, ALineHasNoBreaks) {
   EXPECT_EQ(oneLine("  one\r\ntwo\nthree \n"), "one  two three");
   EXPECT_EQ(oneLine(" \n "), "");
+  EXPECT_EQ(oneLine("one\ttwo"), "one two");
 }
 
 TEST(Limits, OneCharacterOfManyBytesCountsAsMany) {

@@ -143,12 +143,26 @@ TEST(Readiness, AWaitOnADeclinedTaskStaysAndSaysWhy) {
   const std::string waits = text::cat(R"("waitsOn":[")", first, R"("])");
   const std::string id = desk.add("one", waits);
   desk.settle();
-  desk.ask("BB3", "reject_task", Desk::on(first));
+  desk.ask("BB3", "reject_task", Desk::on(first) + R"(,"releaseReason":"no use")");
   EXPECT_TRUE(desk.isWoken("AA2", "taskRejected " + first)) << "it filed what waits";
+  desk.ask("BB3", "comment_task", Desk::on(first) + R"(,"note":"really")");
+  EXPECT_EQ(desk.view("AA2", id).parkedReason, "waits on t000001 (declined: no use)");
   EXPECT_FALSE(desk.view("AA2", id).ready);
   EXPECT_TRUE(wasRefused(desk.claim("BB3", id), "Declined and never to be done: " + first));
   const auto late = desk.ask("AA2", "add_task", R"("title":"late",)" + waits);
   EXPECT_NE(late.notice.value_or("").find("Declined"), std::string::npos);
+}
+
+TEST(Readiness, WhoeverMeansATaskForNobodyHereIsTold) {
+  Desk desk;
+  const auto added = desk.ask("AA2", "add_task", R"("title":"one","routedToFingerprint":"ZZ9")");
+  EXPECT_NE(added.notice.value_or("").find("\"ZZ9\""), std::string::npos);
+  EXPECT_EQ(desk.task("t000001").routedTo, "ZZ9");
+  for (const char* to : {"ZZ8", "bb3", ""}) {
+    const auto edited =
+        desk.person(personEdit, text::cat(Desk::on("1"), R"(,"routedToFingerprint":")", to, "\""));
+    EXPECT_EQ(edited.notice.has_value(), *to == 'Z') << to;
+  }
 }
 
 TEST(Readiness, ACircleThatANewTaskWouldCloseIsRefused) {

@@ -29,6 +29,19 @@ TEST(Removal, WhatIsReadyWithoutADeletedTaskIsTold) {
   EXPECT_TRUE(hasMoved(desk.board, desk.seat("BB3"), {rev, {two}, false}));
 }
 
+TEST(Removal, NobodyOwesAVerdictOnADeclinedTask) {
+  Desk desk;
+  desk.ask("AA2", "register", R"("role":"reviewer")");
+  const std::string id = desk.add("one");
+  desk.claim("BB3", id);
+  desk.ask("BB3", "request_review", Desk::on(id));
+  EXPECT_EQ(desk.owed("AA2").oweReply.size(), 1u);
+  desk.ask("BB3", "reject_task", Desk::on(id));
+  EXPECT_TRUE(desk.owed("AA2").clear);
+  EXPECT_TRUE(
+      wasRefused(desk.ask("AA2", "verify_task", Desk::on(id) + R"(,"approve":true)"), "No review"));
+}
+
 TEST(Removal, ARestoredTaskComesBackAsItWas) {
   struct Row {
     const char* name;

@@ -97,6 +97,21 @@ TEST(Wakes, WhatThePersonSaysWaitsWhereTheAnswerHasNoRoom) {
   EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
 }
 
+TEST(Wakes, AnAnswerCarriesAsManyAsItHasRoomForAndTheNextTheNext) {
+  Desk desk;
+  const std::string large(wakeBytesCarried - 1, 'x');
+  for (const char* last : {"1", "2"})
+    wake(desk.board, desk.seat("BB3"), {WakeKind::humanSaid, "", large + last});
+  const Delivery delivery = deliveryOf(desk.board, desk.seat("BB3"));
+  EXPECT_EQ(feedFor(desk.board, desk.seat("BB3"), {}, desk.at).wakeReasons.size(), 1u);
+  TeamworkResponse response = written("Done.");
+  EXPECT_EQ(carrySaid(desk.board, desk.seat("BB3"), response), delivery.wakesUpTo);
+  EXPECT_EQ(response.notice, large + "1");
+  forgetDelivered(desk.board, delivery);
+  ASSERT_EQ(desk.wakes("BB3").size(), 1u);
+  EXPECT_EQ(wakesOf(desk.board, desk.seat("BB3")).front()->summary, large + "2");
+}
+
 TEST(Wakes, WhatThePersonSaysGivesWayToNothingElse) {
   Desk desk;
   desk.person(personSay, R"("to":"BB3","body":"Stop")");

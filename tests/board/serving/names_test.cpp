@@ -23,5 +23,11 @@ TEST(Names, TheEnvironmentLinesSurviveAnyPath) {
             "export QUILLPOST_COLLAB_SOCKET='/a b/x.sock'\n");
 }
 
+TEST(Names, AWordForAShellIsQuotedOnlyWhenItNeedsIt) {
+  EXPECT_EQ(wordForShell("main-2"), "main-2");
+  EXPECT_EQ(wordForShell("my thread's"), "'my thread'\\''s'");
+  EXPECT_EQ(wordForShell(""), "''");
+}
+
 }  // namespace
 }  // namespace quillpost::board

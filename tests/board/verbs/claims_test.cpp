@@ -193,6 +193,29 @@ TEST(Reviews, AVerdictIsGoneWhenTheTaskIsReopenedAndTheNextCompletionIsJudgedAne
       wasWritten(desk.ask("CC4", "verify_task", Desk::on(desk.id) + R"(,"approve":false)")));
 }
 
+TEST(Reviews, AVerdictOnWorkUnderWayIsNotWornByItsCompletion) {
+  ReviewedTask desk;
+  desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"it broke")");
+  desk.ask("BB3", "request_review", Desk::on(desk.id));
+  desk.ask("CC4", "verify_task", Desk::on(desk.id) + R"(,"approve":true)");
+  EXPECT_EQ(desk.view("AA2", desk.id).reviewState, "verified");
+  desk.settle();
+  desk.complete();
+  EXPECT_EQ(desk.view("AA2", desk.id).reviewState, "requested");
+  EXPECT_EQ(desk.view("AA2", desk.id).reviewByFingerprint, std::nullopt);
+  EXPECT_TRUE(desk.isWoken("CC4", "reviewRequested " + desk.id));
+}
+
+TEST(Reviews, ACompletionByThePersonIsJudgedAnewToo) {
+  ReviewedTask desk;
+  desk.ask("CC4", "verify_task", Desk::on(desk.id) + R"(,"approve":true)");
+  desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"it broke")");
+  desk.settle();
+  EXPECT_TRUE(wasWritten(desk.person(personDone, Desk::on(desk.id))));
+  EXPECT_EQ(desk.owed("CC4").oweReply.size(), 1u);
+  EXPECT_TRUE(desk.isWoken("CC4", "reviewRequested " + desk.id));
+}
+
 TEST(Reviews, AimedAtOneWhoMayNotJudgeGiveANotice) {
   ReviewedTask desk;
   const auto response =
@@ -216,6 +239,15 @@ TEST(Reopening, IsOpenToAnybodyOnceTheDoerIsGone) {
   desk.ask("BB3", "unregister");
   EXPECT_TRUE(wasWritten(desk.ask("AA2", "update_task", broken)));
   EXPECT_TRUE(isHeldBy(desk.task(desk.id), desk.mark("AA2")));
+}
+
+TEST(Reopening, OfWhatThePersonDidIsThePersons) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.person(personDone, Desk::on(id));
+  EXPECT_TRUE(wasRefused(desk.ask("BB3", "update_task", Desk::on(id) + R"(,"note":"it broke")"),
+                         "do not hold"));
+  EXPECT_EQ(desk.task(id).state, TaskState::done);
 }
 
 TEST(Reopening, IsOpenToAnybodyWhileTheDoerIsAway) {

@@ -90,11 +90,63 @@ TEST(Person, CannotAnswerOrConfirmWhatIsNotThere) {
   EXPECT_TRUE(wasRefused(desk.person(personRestore, R"("taskID":"t9")"), "t000009"));
 }
 
-TEST(Person, SpeaksToAllWhoAreHere) {
+TEST(Person, SpeaksToAllWhoHaveRegisteredThoughTheirLeaseHasLapsed) {
   Desk desk;
-  EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"all","body":"Lunch")")));
-  EXPECT_THAT(desk.wakes("AA2"), ElementsAre("humanSaid"));
-  EXPECT_THAT(desk.wakes("BB3"), ElementsAre("humanSaid"));
+  desk.sit("CC4");
+  desk.pass(500);
+  desk.ask("AA2", "heartbeat");
+  desk.pass(500);
+  EXPECT_FALSE(isLive(desk.seat("BB3")));
+  EXPECT_EQ(desk.person(personSay, R"("to":"all","body":"Lunch")").message, "Said to 2 agents.");
+  EXPECT_TRUE(desk.isWoken("AA2", "humanSaid"));
+  EXPECT_TRUE(desk.isWoken("BB3", "humanSaid"));
+  EXPECT_THAT(desk.wakes("CC4"), IsEmpty());
+  Desk empty({});
+  empty.sit("CC4");
+  EXPECT_TRUE(wasRefused(empty.person(personSay, R"("to":"all","body":"Lunch")"), "nobody"));
+}
+
+TEST(Person, FindsAnAgentByItsName) {
+  Desk desk;
+  desk.ask("BB3", "register", R"("name":"Bo")");
+  EXPECT_TRUE(wasWritten(desk.person(personSay, R"("to":"bo","body":"Well done")")));
+  EXPECT_TRUE(desk.isWoken("BB3", "humanSaid"));
+  EXPECT_TRUE(wasWritten(desk.person(personUnseat, R"("to":"Bo")")));
+  EXPECT_EQ(seatAt(desk.board, "BB3"), nullptr);
+}
+
+TEST(Person, WhatThePersonSaysIsCutWithANotice) {
+  struct Row {
+    std::string_view method;
+    const char* members;
+    const char* words;
+  };
+  const Row rows[] = {
+      {personComment, R"("taskID":"1","body":)", "2000 characters"},
+      {personAnswer, R"("taskID":"1","body":)", "2000 characters"},
+      {personReply, R"("taskID":"d1","body":)", "2000 characters"},
+      {personSay, R"("to":"BB3","body":)", "2000 characters"},
+      {personDone, R"("taskID":"1","body":)", "2000 characters"},
+      {personRelease, R"("taskID":"1","releaseReason":)", "240 characters"},
+      {personReject, R"("taskID":"1","releaseReason":)", "240 characters"},
+      {personDelete, R"("taskID":"1","releaseReason":)", "240 characters"},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.method);
+    Desk desk;
+    const std::string id = desk.add("one");
+    desk.claim("BB3", id);
+    desk.ask("BB3", "update_task", Desk::on(id) + R"(,"blocked":true,"blockerQuestion":"May I?")");
+    desk.ask("AA2", "open_discussion", R"("body":"Why?","tags":["human"])");
+    const auto response = desk.person(
+        row.method, text::cat(row.members, "\"", std::string(std::size_t{7} << 20, 'x'), "\""));
+    EXPECT_TRUE(wasWritten(response));
+    EXPECT_THAT(response.notice.value_or(""), ::testing::HasSubstr(row.words));
+    forEachTable(desk.board, [](std::string_view kind, const auto& table) {
+      for (const auto& [rowID, written] : table)
+        EXPECT_LT(json::encode(written).size(), 10'000u) << kind;
+    });
+  }
 }
 
 TEST(Person, ACommentLeavesAQuestionOpen) {
@@ -219,15 +271,59 @@ TEST(Person, ASecretIsGoneOnceItIsTaken) {
          desk.ask("BB3", "complete_task", Desk::on(desk.id) + R"(,"summary":"did it")");
        }},
       {"left", [](SecretTask& desk) { desk.ask("BB3", "unregister"); }},
+      {"goes on",
+       [](SecretTask& desk) {
+         desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"on it")");
+       }},
+      {"declined", [](SecretTask& desk) { desk.person(personReject, Desk::on(desk.id)); }},
+      {"deleted", [](SecretTask& desk) { desk.person(personDelete, Desk::on(desk.id)); }},
+      {"done", [](SecretTask& desk) { desk.person(personDone, Desk::on(desk.id)); }},
+      {"released", [](SecretTask& desk) { desk.ask("BB3", "release_task", Desk::on(desk.id)); }},
+      {"handed over",
+       [](SecretTask& desk) {
+         desk.ask("BB3", "heartbeat", R"("waiting":true,"parkReason":"for the key")");
+         desk.ask("AA2", "request_release", Desk::on(desk.id));
+         EXPECT_TRUE(isHeldBy(desk.task(desk.id), desk.mark("AA2")));
+       }},
+      {"lapsed", [](SecretTask& desk) { desk.pass(900); }},
   };
   for (const Row& row : rows) {
     SCOPED_TRACE(row.name);
     SecretTask desk;
-    desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"on it")");
+    desk.ask("AA2", "comment_task", Desk::on(desk.id) + R"(,"note":"on it?")");
     EXPECT_EQ(desk.view("BB3", desk.id).blockerAnswer, "hunter2") << "it may not be read yet";
     row.take(desk);
     EXPECT_EQ(desk.everything().find("hunter2"), std::string::npos);
   }
+}
+
+TEST(Person, ASecretMayBeGivenAnewUntilItIsTakenAndNeverBecomesAComment) {
+  SecretTask desk;
+  const std::string again = Desk::on(desk.id) + R"(,"body":"swordfish")";
+  EXPECT_TRUE(wasWritten(desk.person(personAnswer, again)));
+  EXPECT_EQ(desk.view("BB3", desk.id).blockerAnswer, "swordfish");
+  EXPECT_THAT(desk.log(desk.id),
+              ElementsAre("human: a secret was given", "human: a secret was given"));
+  const auto update = desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"note":"on it")");
+  EXPECT_THAT(update.notice.value_or(""), ::testing::HasSubstr("secret"));
+  EXPECT_TRUE(wasRefused(desk.person(personAnswer, again), "Nobody waits for a secret"));
+  EXPECT_EQ(desk.everything().find("swordfish"), std::string::npos);
+  EXPECT_TRUE(wasWritten(desk.person(personComment, Desk::on(desk.id) + R"(,"body":"Go on")")));
+}
+
+TEST(Person, ASecretForNobodyIsNotKept) {
+  SecretTask desk;
+  const std::string late = Desk::on(desk.id) + R"(,"body":"swordfish")";
+  desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"blocked":true)");
+  desk.ask("BB3", "update_task", Desk::on(desk.id) + R"(,"blocked":false)");
+  EXPECT_TRUE(wasRefused(desk.person(personAnswer, late), "Nobody waits")) << "it was taken back";
+  desk.ask("BB3", "update_task",
+           Desk::on(desk.id) +
+               R"(,"blocked":true,"blockerQuestion":"[[ask:{\"k\":\"secret\"}]] The key?")");
+  desk.ask("BB3", "unregister");
+  EXPECT_THAT(desk.person(personAnswer, late).notice.value_or(""), ::testing::HasSubstr("left"));
+  EXPECT_FALSE(desk.task(desk.id).blocked) << "others may go on with it";
+  EXPECT_EQ(desk.everything().find("swordfish"), std::string::npos);
 }
 
 }  // namespace

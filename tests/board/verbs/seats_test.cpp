@@ -39,6 +39,31 @@ TEST(Registering, LeavingReturnsWhatIsHeld) {
   EXPECT_FALSE(desk.seat("BB3").registered);
 }
 
+TEST(Registering, WhoeverSitsDownUnderAnotherNameWhereALeaseHasLapsedIsAnotherAgent) {
+  struct Row {
+    const char* name;
+    bool isSame;
+  };
+  for (const Row& row : {Row{"bo", true}, {"", true}, {"Cy", false}}) {
+    SCOPED_TRACE(row.name);
+    Desk desk;
+    desk.ask("BB3", "register", R"("name":"Bo")");
+    const std::string mark = desk.mark("BB3");
+    desk.pass(900);
+    desk.person(personSay, R"("to":"BB3","body":"Come back, Bo")");
+    leaveMessage(desk.board, desk.seat("BB3"), {"AA2", "", "for Bo", 0});
+    const int64_t rev = desk.board.counted().rev;
+    const auto response = desk.ask("BB3", "register", text::cat(R"("name":")", row.name, "\""));
+    EXPECT_EQ(response.messages.has_value(), row.isSame);
+    EXPECT_EQ(desk.isWoken("BB3", "humanSaid"), row.isSame);
+    EXPECT_EQ(desk.mark("BB3") == mark, row.isSame);
+    EXPECT_EQ(desk.board.changes.find(padded(desk.board.counted().rev))->kind,
+              MoveKind::agentJoined);
+    EXPECT_GT(desk.board.counted().rev, rev);
+    EXPECT_TRUE(isLive(desk.seat("BB3")));
+  }
+}
+
 TEST(Messages, AreRefusedWhileTheSquadIsOffAndWhereNobodyIsHome) {
   Desk desk;
   desk.sit("CC4");

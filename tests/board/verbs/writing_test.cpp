@@ -104,6 +104,9 @@ TEST(Blockers, AreOfferedOptionsThatThePersonPicksByNumber) {
   HeldTask desk;
   desk.update("BB3", R"("blocked":true,"blockerQuestion":"[[ask:{\"k\":\"decision\",)"
                      R"(\"o\":[\"red\",\"blue\"]}]] Which?")");
+  EXPECT_TRUE(wasRefused(desk.person(personAnswer, Desk::on(desk.id) + R"(,"body":"3")"),
+                         "1) red, 2) blue."));
+  EXPECT_TRUE(desk.view("AA2", desk.id).blocked);
   desk.person(personAnswer, Desk::on(desk.id) + R"(,"body":"2")");
   EXPECT_EQ(desk.view("AA2", desk.id).blockerAnswer, "blue");
 }
@@ -117,6 +120,15 @@ TEST(Blockers, WithoutAQuestionOrWithALongOneAreRefused) {
   EXPECT_FALSE(desk.view("AA2", desk.id).blocked);
   EXPECT_TRUE(wasWritten(
       desk.update("BB3", text::cat(R"("blocked":true,"blockerQuestion":")", letters(140), "\""))));
+}
+
+TEST(Blockers, AreCutInEveryPartWithANotice) {
+  HeldTask desk;
+  const auto asked = desk.update(
+      "BB3", text::cat(R"("blocked":true,"blockerQuestion":"[[ask:{\"k\":\"review\",\"a\":\")",
+                       letters(1 << 20), R"(\"}]] Look?")"));
+  EXPECT_THAT(asked.notice.value_or(""), HasSubstr("artifact was cut at 2000 characters"));
+  EXPECT_LT(desk.task(desk.id).blockerQuestion.size(), 2100u);
 }
 
 TEST(Blockers, CanBeClearedByTheirAgent) {
@@ -137,10 +149,12 @@ TEST(Comments, NeedNoClaimAndATextOrASummary) {
 
 TEST(Comments, KeepOneCharacterLessThanTheLimitAndTheMark) {
   HeldTask desk;
-  desk.comment("AA2", text::cat(R"("note":")", letters(2000), "\""));
+  EXPECT_EQ(desk.comment("AA2", text::cat(R"("note":")", letters(2000), "\"")).notice,
+            std::nullopt);
   EXPECT_EQ(desk.log(desk.id).back(), "AA2: " + letters(2000));
-  desk.comment("AA2", text::cat(R"("note":")", letters(2001), "\""));
+  const auto longer = desk.comment("AA2", text::cat(R"("note":")", letters(2001), "\""));
   EXPECT_EQ(desk.log(desk.id).back(), "AA2: " + letters(1999) + "…");
+  EXPECT_THAT(longer.notice.value_or(""), HasSubstr("comment was cut at 2000 characters"));
 }
 
 TEST(Comments, AreAmendedOnlyWhileTheyAreTheLastEntry) {
