@@ -5,6 +5,7 @@
 #include "board/person/manual_text.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <functional>
 
 namespace quillpost::board {
@@ -161,6 +162,7 @@ int help(const Line& line, const Surroundings&) {
     printLaidOut(command != nullptr ? helpOn(*command) : overview());
   } else {
     complain(text::cat("there is no command ", word));
+    std::fputs(text::cat("usage: ", usageOf(*line.command), "\n").c_str(), stderr);
     return wrongUse;
   }
   return 0;

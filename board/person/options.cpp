@@ -86,17 +86,20 @@ constexpr Place places[] = {
 };
 // clang-format on
 
-void putWord(std::string_view place, const std::string& value, Line& line) {
+/// Puts a word where its place wants it; false when it makes no sense there.
+bool putWord(std::string_view place, const std::string& value, Line& line) {
   const Place* const found = std::ranges::find(places, place, &Place::word);
-  if (found == std::end(places)) return;
+  if (found == std::end(places)) return true;
   if (const auto* const ofLine = std::get_if<std::string Line::*>(&found->target)) {
     line.** ofLine = value;
-  } else {
-    line.request.*std::get<1>(found->target) = value;
+    return !value.empty();
   }
+  line.request.*std::get<1>(found->target) = value;
+  return true;
 }
 
-/// Gives the words to the places of the command; false when there are too many or too few.
+/// Gives the words to the places of the command; false when there are too many or too few, or one
+/// makes no sense there.
 bool placeWords(const Command& command, std::vector<std::string> words, Line& line) {
   if (!command.words.empty()) {
     for (std::string_view place : text::split(command.words, ' ')) {
@@ -106,12 +109,12 @@ bool placeWords(const Command& command, std::vector<std::string> words, Line& li
       if (takesAll) place.remove_suffix(3);
       if (words.empty() && isOptional) continue;
       if (words.empty()) return false;
+      const std::string word = takesAll ? text::join(words, " ") : words.front();
+      if (!putWord(place, word, line)) return false;
       if (takesAll) {
-        putWord(place, text::join(words, " "), line);
         line.words = std::exchange(words, {});
       } else {
-        putWord(place, words.front(), line);
-        line.words.push_back(words.front());
+        line.words.push_back(word);
         words.erase(words.begin());
       }
     }

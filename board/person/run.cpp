@@ -57,6 +57,8 @@ int runInSeat(const Line& line, const Surroundings& around) {
   std::string why;
   const std::optional<NewSeat> seat = askForSeat(line, why);
   if (!seat) return complain(why);
+  // Of a thread that is named, so that a slip in the name is not found out much later.
+  if (!line.thread.empty()) complain(seat->sentence);
   const int status =
       line.host.empty() ? runHere(line, around, *seat) : runThere(line, around, *seat);
   passTo(0);

@@ -51,7 +51,16 @@ TeamworkResponse history(const Board& board, const Store& store, const TeamworkR
                                                      : by;
   if (request.status == "all") query.atMost = movesDrawn;
   if (request.holdMs) query.sinceMs = text::saturatingSubtract(at.nowMs, *request.holdMs);
-  return shown({at.nowMs, board.counted().rev, {moveRows(store.history(query))}});
+  const std::vector<Change> moves = store.history(query);
+  const std::string& task = query.taskID;
+  const bool isTask =
+      task.empty() || board.tasks.find(task) != nullptr || board.trash.find(task) != nullptr;
+  // Moves outlive those who made them and what they were made on.
+  if (moves.empty() && !isTask) return refused(text::cat("No task is called ", task, "."));
+  if (moves.empty() && seat == nullptr && !query.by.empty() && query.by != human) {
+    return refused(text::cat("Nobody is called ", by, ", and nobody of that name has moved."));
+  }
+  return shown({at.nowMs, board.counted().rev, {moveRows(moves)}});
 }
 
 }  // namespace
@@ -72,7 +81,7 @@ TeamworkResponse view(Threads boards, const Store& store, const TeamworkRequest&
   }
   if (request.method == personShow && !what.empty()) return showOne(boards, what, at);
   if (request.method == personLive) return shown(liveSheet(boards, request.sinceRev, at));
-  if (boards.empty()) return refused("There is no thread yet: `seat` or `thread` makes the first.");
+  if (boards.empty()) return refused(std::string(noThreadYet));
   if (request.method == personHistory) return history(*boards.front(), store, request, at);
   if (request.method == personFind) {
     return shown(foundSheet(*boards.front(), request.body.value_or(""), at));

@@ -46,7 +46,7 @@ Delivery carriedBy(const Board& board, const Seat& seat, const TeamworkRequest& 
 }
 
 std::string noSuchThread(const std::string& name) {
-  if (name.empty()) return "There is no thread yet: `seat` or `thread` makes the first one.";
+  if (name.empty()) return std::string(noThreadYet);
   return text::cat("There is no thread called \"", name, "\"; `threads` lists them.");
 }
 
@@ -195,7 +195,13 @@ std::optional<int64_t> Service::tick() {
   if (store_.isFile() || settings_.care) consider(lookAtMs_);
   for (Board& board : boards_) {
     if (nowMs >= retryAtMs_) {
-      lapse(board, moment());
+      // While nothing could be written nobody could renew a lease. Nothing lapses before something
+      // has been written, and that may be the leases themselves.
+      if (isFailing()) {
+        forgiveAbsence(board, moment());
+      } else {
+        lapse(board, moment());
+      }
       save(board);
     }
     if (const std::optional<int64_t> due = nextLapse(board)) consider(std::max(*due, retryAtMs_));
@@ -261,6 +267,10 @@ bool Service::save(Board& board) {
 Answer Service::answerPerson(const TeamworkRequest& request) {
   const std::string name = request.name.value_or("");
   if (isFileKeeping(request.method)) return {keepFile(store_, request)};
+  if (name != cut(oneLine(name), entryLimit)) {
+    return {refused(
+        text::cat("The name of a thread is one line of up to ", entryLimit, " characters."))};
+  }
   std::vector<Board*> meant;
   for (Board& board : boards_)
     if (isFor(board, name)) meant.push_back(&board);
@@ -339,7 +349,8 @@ TeamworkResponse Service::newSeat(const TeamworkRequest& request) {
   const Seat& added = board.seats.put(std::move(seat));
   TeamworkResponse response =
       written(environmentLines({added.id, settings_.tokenPath, settings_.socketPath}),
-              text::cat("This seat answers to ", added.handle, " on the thread \"",
+              text::cat(isNew && !name.empty() ? "A new thread was made. " : "",
+                        "This seat answers to ", added.handle, " on the thread \"",
                         board.thread().name, "\" (", board.thread().id, ")."));
   response.panes = {{added.handle}};
   response.threadTag = board.thread().id;

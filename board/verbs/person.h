@@ -55,6 +55,10 @@ inline constexpr std::string_view personSquad = "person_squad";        // `appro
 
 // clang-format on
 
+/// What is said of a file without any board.
+inline constexpr std::string_view noThreadYet =
+    "There is no thread yet: `goal`, `add`, `thread` or `seat` makes the first one.";
+
 /// One request of the person's on its way to one board.
 struct Deed {
   Board& board;

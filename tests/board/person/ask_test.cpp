@@ -35,7 +35,8 @@ TEST(AskCommand, ANewBoardIsBegunWithAGoalOrATask) {
   const Instant deadline = SteadyClock().now() + realPatience;
   while (typed(dir.path(), {"threads"}).status != 0 && isBefore(deadline)) continue;
   EXPECT_EQ(typed(dir.path(), {"comment", "1", "x"}).errors,
-            "quillpost-board: There is no thread yet: `seat` or `thread` makes the first one.\n");
+            "quillpost-board: There is no thread yet: `goal`, `add`, `thread` or `seat` makes the "
+            "first one.\n");
   EXPECT_EQ(typed(dir.path(), {"goal", "Ship", "it"}).status, 0);
   EXPECT_THAT(typed(dir.path(), {"threads"}).output, HasSubstr("main"));
 }
@@ -79,8 +80,14 @@ TEST(AskCommand, ASeatIsLinesForAShellAndASentenceForThePerson) {
   const CommandedBoard board;
   const Said said = board.type({"seat", "--name", "Ada"});
   EXPECT_THAT(said.output, ContainsRegex("^export QUILLPOST_SESSION_ID='[0-9a-f]+'\n"));
-  EXPECT_THAT(said.errors, ContainsRegex("This seat answers to [A-Z0-9]+ on the thread"));
+  EXPECT_THAT(said.errors, ContainsRegex("^quillpost-board: This seat answers to [A-Z0-9]+ on the "
+                                         "thread"));
   EXPECT_THAT(board.type({"seats"}).output, HasSubstr("Ada"));
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"seat", "--thread", "mian"},
+        {"run", "--thread", "mein", "true"}}) {
+    EXPECT_THAT(board.type(command).errors, HasSubstr("A new thread was made. This seat"));
+  }
 }
 
 TEST(AskCommand, OnSeveralThreadsAWritingCommandNeedsToNameOne) {

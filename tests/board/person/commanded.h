@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <map>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -36,6 +37,26 @@ inline Said typed(const std::string& directory, std::vector<std::string> argumen
   said.status = process.waitForExit().value_or(-1);
   return said;
 }
+
+/// An ssh that runs its commands on this machine, with $THERE for their PATH, and carries a socket
+/// by a link to it.
+inline constexpr std::string_view sshToHere = R"(#!/bin/sh
+mode=run
+while [ $# -gt 0 ]; do
+  case $1 in
+    -M) mode=master; shift ;;
+    -S | -o) shift 2 ;;
+    -O) mode=$2; shift 2 ;;
+    -R) carried=$2; shift 2 ;;
+    -t | -T) shift ;;
+    *) break ;;
+  esac
+done
+host=$1; shift
+[ "$mode" = forward ] && { [ "$host" != walled ] || exit 1; exec ln -s "${carried#*:}" "${carried%%:*}"; }
+[ "$host" = nowhere ] && exit 255
+PATH=$THERE exec sh -c "$*"
+)";
 
 /// A served board with one thread, "main", which a person commands.
 class CommandedBoard {

@@ -130,6 +130,8 @@ TEST(Options, WhatMakesNoSenseIsRefusedWithTheCommandThatWasMeant) {
       {{"say"}, "say takes: HANDLE|all TEXT...", "say"},
       {{"add", "x", "--priority", "high"}, "\"high\" makes no sense for --priority", "add"},
       {{"run"}, "run takes: COMMAND...", "run"},
+      {{"thread", ""}, "thread takes: NAME", "thread"},
+      {{"backup", ""}, "backup takes: FILE", "backup"},
   };
   for (const Wrong& wrong : wrongs) {
     Misuse misuse;

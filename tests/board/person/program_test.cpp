@@ -31,7 +31,11 @@ TEST(BoardProgram, WrongUseIsToldWithTheUsageOfThatCommandAlone) {
   EXPECT_EQ(said.errors,
             "quillpost-board: restore takes: TASK\nusage: quillpost-board restore TASK\n");
   EXPECT_EQ(said.status, 2);
-  EXPECT_EQ(typed(dir.path(), {"help", "frobnicate"}).status, 2);
+  const Said helped = typed(dir.path(), {"help", "frobnicate"});
+  EXPECT_EQ(helped.status, 2);
+  EXPECT_EQ(helped.errors,
+            "quillpost-board: there is no command frobnicate\n"
+            "usage: quillpost-board help [COMMAND]\n");
 }
 
 TEST(BoardProgram, WhatWasWrittenSteersNoTerminalEither) {

@@ -1,5 +1,5 @@
-// A harness on another machine, which is this one: the ssh of these tests runs its commands here,
-// and carries a socket by a link to it. With a real sshd the same is tried in ssh_test.cpp.
+// A harness on another machine, which is this one. With a real sshd the same is tried in
+// ssh_test.cpp.
 
 #include "board/person/commanded.h"
 
@@ -12,31 +12,13 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-constexpr std::string_view ssh = R"(#!/bin/sh
-mode=run
-while [ $# -gt 0 ]; do
-  case $1 in
-    -M) mode=master; shift ;;
-    -S | -o) shift 2 ;;
-    -O) mode=$2; shift 2 ;;
-    -R) carried=$2; shift 2 ;;
-    -t | -T) shift ;;
-    *) break ;;
-  esac
-done
-host=$1; shift
-[ "$mode" = forward ] && { [ "$host" != walled ] || exit 1; exec ln -s "${carried#*:}" "${carried%%:*}"; }
-[ "$host" = nowhere ] && exit 255
-PATH=$THERE exec sh -c "$*"
-)";
-
 struct There {
   CommandedBoard board;
   testing::TempDir bin;
   std::string programs = std::string(std::filesystem::path(testing::boardProgram()).parent_path());
 
   There() {
-    std::filesystem::permissions(bin.write("ssh", ssh), std::filesystem::perms::owner_all);
+    std::filesystem::permissions(bin.write("ssh", sshToHere), std::filesystem::perms::owner_all);
   }
 
   std::map<std::string, std::string> variables() const {

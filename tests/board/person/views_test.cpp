@@ -78,6 +78,9 @@ TEST(Views, TheHistoryIsReadFromTheFile) {
   EXPECT_THAT(moves(R"("to":"bb3")"), ElementsAre("agentJoined", "taskClaimed"));
   EXPECT_THAT(moves(R"("to":"you")"), ElementsAre("taskCommented"));
   EXPECT_THAT(moves(R"("holdMs":5000)"), ElementsAre("taskCommented"));
+  EXPECT_TRUE(wasRefused(views.ask(personHistory, R"("taskID":"77")"), "t000077"));
+  EXPECT_TRUE(wasRefused(views.ask(personHistory, R"("taskID":"nope")"), "nope"));
+  EXPECT_TRUE(wasRefused(views.ask(personHistory, R"("to":"nobody")"), "nobody"));
 }
 
 TEST(Views, WithoutAThreadThereIsNothingToSeeButLists) {

@@ -252,12 +252,16 @@ TEST(Service, AFileThatIsDeletedIsNoticedAndWrittenAnew) {
 
 TEST(Service, AFileThatIsReplacedEndsTheBoardAndStaysAsItIs) {
   FileDesk desk;
-  std::filesystem::remove(desk.path);
-  desk.dir.write("board.db", "somebody's");
+  desk.service.answer(requestOf("", personSeat, R"("name":"main")", "persons"));
+  const std::string other = desk.dir.pathOf("other.db");
+  Desk others;
+  ASSERT_TRUE(Store::open(other, desk.why)->save(others.board));
+  const std::string bytes = testing::readFile(other);
+  std::filesystem::rename(other, desk.path);
   desk.nowMs += storeCareMs;
   desk.service.tick();
   EXPECT_TRUE(desk.service.isOver());
-  EXPECT_EQ(testing::readFile(desk.path), "somebody's");
+  EXPECT_EQ(testing::readFile(desk.path), bytes);
 }
 
 TEST(Service, AFullDiskRefusesWritesInWordsLetsReadsGoOnAndRecovers) {
@@ -289,9 +293,10 @@ TEST(Service, AFullDiskRefusesWritesInWordsLetsReadsGoOnAndRecovers) {
 
   full.end();
   desk.nowMs += storeCareMs;
-  EXPECT_TRUE(wasWritten(ask(session, "add_task", big)));
-  EXPECT_EQ(desk.said.size(), 2u);
+  desk.service.tick();
+  EXPECT_EQ(desk.said.size(), 2u) << "by itself";
   EXPECT_EQ(ask(session, "list_tasks").tasks->front().state, "claimed") << "its lease runs anew";
+  EXPECT_TRUE(wasWritten(ask(session, "add_task", big)));
 }
 
 TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown) {
@@ -304,6 +309,7 @@ TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown)
   EXPECT_TRUE(wasRefused(person(personSquad, R"("approve":true)"), "(main, another)"));
   EXPECT_TRUE(wasWritten(person(personSquad, R"("approve":true,"name":"another")")));
   EXPECT_THAT(person(personShow, "").message.value_or(""), HasSubstr(R"("cells":["main")"));
+  EXPECT_TRUE(wasRefused(person(personThread, R"("name":"two\nlines")"), "one line"));
   Service again = desk.make();
   EXPECT_THAT(again.answer(requestOf("", personShow, "", "persons")).response.message.value_or(""),
               HasSubstr(R"("thread","columns":["thread","tag","revision","squad","state","open",)"
