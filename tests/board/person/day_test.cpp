@@ -88,7 +88,7 @@ TEST(Day, PlaysAsTheGuideHasIt) {
   person.types("add Say when the bakery is closed");
 
   const auto ada = person.runs("run --name Ada -- ", "claude");
-  const auto bo = person.runs("run --name Bo -- ", "codex");
+  const auto bo = person.runs("run --name Bo -- ", "codex --no-daemon");
   const auto cy = person.runs("run --name Cy --host cy@builder -- ", "opencode");
   for (RealSeat* agent : {ada.get(), bo.get(), cy.get()}) agent->call("register");
   testing::Process watch(person.starts("watch"));
