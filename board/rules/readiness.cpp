@@ -63,6 +63,14 @@ std::string waitedOn(const Board& board, const std::string& id) {
   return text::cat(id, " (declined)");
 }
 
+std::string waitsForEver(const Board& board, const Task& task) {
+  const std::vector<std::string> declined = declinedAmong(board, task.waitsOn);
+  if (declined.empty() || !isOpen(task)) return {};
+  return text::cat("waits on ", text::join(declined, ", ", [&](const std::string& id) {
+                     return waitedOn(board, id);
+                   }));
+}
+
 std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn) {
   std::string notice;
   const std::vector<std::string> missing = unresolved(board, waitsOn);

@@ -30,6 +30,10 @@ std::vector<std::string> declinedAmong(const Board& board, std::span<const std::
 /// A task that another waits on, for a reader: its id, and behind it that it was declined and why.
 std::string waitedOn(const Board& board, const std::string& id);
 
+/// What is said of an open task that waits on one that was declined, and so for ever; empty for any
+/// other.
+std::string waitsForEver(const Board& board, const Task& task);
+
 /// What a caller is told of the ids that a task is to wait on when not all of them hold it up until
 /// they are done; empty when all do.
 std::string noticeOfWaits(const Board& board, std::span<const std::string> waitsOn);

@@ -25,12 +25,7 @@ int64_t secondsUntil(int64_t whenMs, Moment at) {
 /// Why nothing goes on with the task: what its holder says, or that it waits for ever.
 std::string parkedReason(const Board& board, const Task& task) {
   if (!task.parkedReason.empty() || !isOpen(task)) return task.parkedReason;
-  const std::vector<std::string> declined = declinedAmong(board, task.waitsOn);
-  if (!declined.empty()) {
-    return text::cat("waits on ", text::join(declined, ", ", [&](const std::string& id) {
-                       return waitedOn(board, id);
-                     }));
-  }
+  if (std::string why = waitsForEver(board, task); !why.empty()) return why;
   const Seat* holder = seatOf(board, task.owner);
   return holder != nullptr ? holder->parkReason : std::string();
 }

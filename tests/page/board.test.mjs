@@ -82,7 +82,7 @@ describe('the page', () => {
     assert.match(await wait, /Take the oak/);
     await tab.getByLabel('Say to all agents').fill('Lunch');
     await tab.locator('.say-all').getByRole('button', { name: 'Send' }).click();
-    await said(tab, 'Said to all who are here.');
+    await said(tab, 'Said to 2 agents.');
   });
 
   it('opens a task by its address and does with it whatever the commands do', async () => {

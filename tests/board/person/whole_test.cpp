@@ -51,7 +51,8 @@ TEST(Whole, AWaitOnADeclinedTaskSaysSo) {
   desk.add("Plan");
   desk.add("Frame", R"("waitsOn":["t000001","t000009"])");
   desk.person(personReject, R"("taskID":"1","releaseReason":"no use")");
-  EXPECT_THAT(wholeOf(desk, "2"), HasSubstr("  Waits on: t000001 (declined: no use), t000009\n"));
+  EXPECT_THAT(wholeOf(desk, "2"), HasSubstr("  Waits on: t000001, t000009\n"));
+  EXPECT_THAT(wholeOf(desk, "2"), HasSubstr("waits on t000001 (declined: no use)\n"));
   EXPECT_THAT(columnOf(overviewOf(desk), "waiting", "note"),
               ElementsAre("after t000001 (declined: no use), t000009"));
 }
