@@ -123,7 +123,7 @@ int servePage(const Line& line, const Surroundings& around) {
   print(address);
   std::fflush(stdout);
   std::optional<Signpost> post;
-  if (line.isOpened) {
+  if (line.openOnly) {
     post.emplace(files::joinPath(line.directory, text::cat("page-", *suffix, ".html")), address);
     openBrowser(post->path(), around);
   }

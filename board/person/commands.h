@@ -33,6 +33,7 @@ struct Line {
   bool isLogged = false;
   bool asJson = false;
   bool mineOnly = false;
+  /// Of what is shown only what is open; of the page, whether to open it in the browser.
   bool openOnly = false;
   bool all = false;
   /// How far back a reader of the history looks; 0 for all of it.
@@ -42,10 +43,9 @@ struct Line {
   /// The other machine that a harness is to run on.
   std::string host;
   std::string file;
-  /// The port of the page; empty for the usual one. Whether the page is to be shown at once, and
-  /// whether the board is to be served together with it.
+  /// The port of the page; empty for the usual one. Whether the board is to be served together with
+  /// it.
   std::string port;
-  bool isOpened = false;
   bool withPage = false;
   /// A command to be run, with its words.
   std::vector<std::string> words;

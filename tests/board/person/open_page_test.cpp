@@ -21,7 +21,7 @@ TEST(PageCommand, StartsTheProgramBesideThisOneWithWhatWasMeant) {
   line.suffix = "s";
   line.thread = "t";
   line.port = "80";
-  line.isOpened = true;
+  line.openOnly = true;
   EXPECT_THAT(pageWords(line, "./quillpost-board"),
               ElementsAre("./quillpost-page", "--dir", "/d", "--suffix", "s", "--thread", "t",
                           "--port", "80", "--open"));
