@@ -449,6 +449,28 @@ def playByShell(board, ada, bo, bread, page):
     board.command("show", expect="GOAL COMPLETE")
 
 
+def playHands(board, ada):
+    title("10. Hands that start",
+          "The person allows a helper in exactly these words. Ada asks for its hands, the board "
+          "starts it in the background, and Ada is woken with what came of it.")
+    board.command("reopen-goal", expect="open again")
+    script = os.path.join(os.path.dirname(os.path.abspath(__file__)), "demo_helper.py")
+    board.command("helper", "allow", "counter", "--explanation", "adds up loaves", "--with-tools",
+                  "--", sys.executable, script, expect="The squad is on.")
+    ada.shell("qp register Ada --role planner", {"yourHandle": ada.handle})
+    asked = ada.shell("qp hands --title 'Count the loaves' --brief '3 loaves of rye, 4 loaves of "
+                      "wheat. Done is one number.'", "is handed to")
+    helper = re.search(r"is handed to (\w+)", asked)[1]
+    kinds = []
+    while "helperEnded" not in kinds:
+        ada.listenByShell()
+        kinds += find(ada.wakeByShell({"goalComplete": False}), "wakeReasons")
+    check("handedTaskDone" in kinds, "to be woken with the result", kinds)
+    board.command("show", helper, expect="That makes 7.")
+    ada.shell(f"qp stop {helper}", f"Stopped {helper}.")
+    ada.shell("qp leave", "You have left the board.")
+
+
 def serve(cleanup, build, program):
     """Leaves a board to the person: their own, of which nothing is ever deleted here."""
     title("A board of your own, until Ctrl-C",
@@ -494,6 +516,7 @@ def run(build, staysOpen, hasPage):
             bo = Seat(cleanup, "Bo", build, board, runtime)
             bread, page = play(board, ada, bo)
             playByShell(board, ada, bo, bread, page)
+            playHands(board, ada)
             ada.close()
             bo.close()
             if browsed:

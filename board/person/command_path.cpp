@@ -2,6 +2,7 @@
 
 #include "base/files.h"
 #include "base/text.h"
+#include "board/person/console.h"
 #include "board/serving/names.h"
 
 #include <algorithm>
@@ -12,6 +13,24 @@
 #include <unistd.h>
 
 namespace quillpost::board {
+
+namespace {
+
+/// The folder of the program of this path; empty when that is none, or only a name.
+std::string folderOf(std::string_view program) {
+  if (program.find('/') == std::string_view::npos) return {};
+  std::error_code failed;
+  const std::string whole = std::filesystem::canonical(std::string(program), failed).string();
+  return failed ? std::string() : std::string(files::parentPath(whole));
+}
+
+}  // namespace
+
+std::string pathWith(const Surroundings& around) {
+  const std::string_view path = valueOf("PATH", around.variables);
+  const std::string folder = folderOf(around.program);
+  return text::cat("PATH=", folder, folder.empty() || path.empty() ? "" : ":", path);
+}
 
 std::string commandPathLine(std::string_view program, const Environment& environment) {
   if (program.find('/') == std::string_view::npos) return {};

@@ -12,7 +12,8 @@ namespace {
 
 // clang-format off
 constexpr std::string_view keeping = "Keeping a board", agents = "Agents", looking = "Looking",
-                           yours = "Your word on tasks and discussions", goals = "Goal and team";
+                           yours = "Your word on tasks and discussions", goals = "Goal and team",
+                           hands = "Helpers that agents may have started";
 
 constexpr Command commandRows[] = {
     {keeping, "serve",   "",                 serve,      "",            "serve the board until it is interrupted",
@@ -43,7 +44,7 @@ constexpr Command commandRows[] = {
     {looking, "threads", "",                 show,       personThreads, "list all threads with their counts"},
     {looking, "thread",  "NAME",             ask,        personThread,  "make a thread"},
 
-    {looking, "help",    "[COMMAND]",        help,       "",            "say more about a command"},
+    {looking, "help",    "[COMMAND...]",     help,       "",            "say more about a command"},
 
     {yours,   "answer",  "WHAT TEXT...",     ask,        personAnswer,  "answer a task's question (an option by its number); comment or reply when it asks nothing"},
     {yours,   "comment", "TASK TEXT...",     ask,        personComment, "write on a task; a question of it stays open"},
@@ -63,10 +64,21 @@ constexpr Command commandRows[] = {
     {goals,   "confirm-goal", "",            ask,        personConfirmGoal, "confirm that the goal is complete"},
     {goals,   "reopen-goal",  "",            ask,        personReopenGoal,  "take a proposal or a confirmation back"},
     {goals,   "say",     "HANDLE|all TEXT...", ask,      personSay,     "say something to an agent, or to all"},
-    {goals,   "squad",   "on|off",           ask,        personSquad,   "let agents address each other, or not"},
+    {goals,   "squad",   "on|off",           ask,        personSquad,   "let agents address each other and have helpers started, or not"},
+
+    {hands,   "helper allow",   "HELPER COMMAND...", allowHelper, personHelperAllow, "allow agents to have this command run in the background, as a helper",
+     "It is run without a shell, in the directory in which this is said, with PATH, HOME, USER, SHELL, LANG, LC_* and TERM as they are here. "
+     "A line that says which task to do stands where {prompt} does, or at the end, as one argument. "
+     "Its options stand before the command; write -- between them. The squad is on from then on."},
+    {hands,   "helper list",    "",         show,          personHelpers,       "list the helpers that are allowed, those that are suggested, and those that were asked for"},
+    {hands,   "helper forget",  "HELPER",   ask,           personHelperForget,  "allow a helper no longer; those that run go on",
+     "unseat HANDLE stops one that runs."},
+    {hands,   "helper approve", "HELPER",   approveHelper, personHelperApprove, "allow a helper that an agent suggests, after its list of arguments was shown"},
+    {hands,   "helper refuse",  "HELPER",   ask,           personHelperRefuse,  "say no to a helper that an agent suggests"},
 };
 
-constexpr std::string_view showing = "show history threads seats";
+constexpr std::string_view showing = "show history threads seats helper-list";
+constexpr std::string_view allowing = "helper-allow helper-approve";
 constexpr std::string_view writing = "add edit";
 constexpr std::string_view fileUsers = "serve export import backup check";
 
@@ -97,6 +109,12 @@ constexpr Option optionRows[] = {
     {"--role",      "TEXT",    &TeamworkRequest::assignedRole, writing, "the role it is meant for"},
     {"--to",        "HANDLE",  &TeamworkRequest::routedToFingerprint, writing, "the agent it is meant for; \"\" for nobody"},
     {"--anyway",    "",        &TeamworkRequest::acknowledgeOpenTasks, "confirm-goal delete", "though something stands against it"},
+    {"--explanation", "TEXT", &TeamworkRequest::explanation, allowing, "what other agents are told of it"},
+    {"--in",        "DIR",     &Line::startIn,   allowing, "where it is started (default: here)"},
+    {"--env",       "LIST",    &TeamworkRequest::tags, allowing, "further variables that it gets as they are here: their names, with commas between"},
+    {"--without-approvals", "", &Line::runsWithoutApprovals, allowing, "agents are told that it asks nobody for approval of what it does"},
+    {"--with-tools", "",       &Line::hasTools,  allowing, "agents are told that it has the board's tools; otherwise that it has qp alone"},
+    {"--yes",       "",        &Line::isSure,    "helper-approve", "do not ask"},
     {"--help",      "",        Target(),         "", "say how a command is written"},
 };
 // clang-format on
@@ -114,8 +132,11 @@ const Command* commandNamed(std::string_view name) {
 
 bool takes(const Command& command, const Option& option) {
   if (option.commands.empty()) return true;
+  // A name of two words is written there as one.
+  std::string name(command.name);
+  std::ranges::replace(name, ' ', '-');
   const auto names = text::split(option.commands, ' ');
-  return std::ranges::find(names, command.name) != names.end();
+  return std::ranges::find(names, name) != names.end();
 }
 
 std::string usualDatabase(const Line& line) { return files::joinPath(line.directory, "board.db"); }

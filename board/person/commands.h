@@ -47,6 +47,12 @@ struct Line {
   /// it.
   std::string port;
   bool withPage = false;
+  /// Where a helper is started; empty for here. The two marks of its record, and whether the person
+  /// has made up their mind.
+  std::string startIn;
+  bool runsWithoutApprovals = false;
+  bool hasTools = false;
+  bool isSure = false;
   /// A command to be run, with its words.
   std::vector<std::string> words;
   /// What the board is asked.
@@ -142,6 +148,10 @@ int watchBoard(const Line& line, const Surroundings& around);
 int openPage(const Line& line, const Surroundings& around);
 /// Has the board's file looked after, by the board when it is served.
 int keep(const Line& line, const Surroundings& around);
+/// Allows a helper, as it is written.
+int allowHelper(const Line& line, const Surroundings& around);
+/// Allows a helper that an agent suggests, after it was shown.
+int approveHelper(const Line& line, const Surroundings& around);
 /// Prints the help.
 int help(const Line& line, const Surroundings& around);
 

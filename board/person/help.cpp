@@ -151,7 +151,7 @@ std::string commandList() {
 }
 
 int help(const Line& line, const Surroundings&) {
-  const std::string_view word = line.words.empty() ? std::string_view() : line.words.front();
+  const std::string word = text::join(line.words, " ");
   const Command* const command = commandNamed(word);
   // Two words that only the tree's own pages are made with.
   if (word == "manual-page") {

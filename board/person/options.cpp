@@ -74,6 +74,7 @@ constexpr Place places[] = {
     {"WHAT",       &TeamworkRequest::taskID},
     {"DISCUSSION", &TeamworkRequest::taskID},
     {"HANDLE",     &TeamworkRequest::to},
+    {"HELPER",     &TeamworkRequest::agent},
     {"HANDLE|all", &TeamworkRequest::to},
     {"on|off",     &TeamworkRequest::status},
     {"TEXT",       &TeamworkRequest::body},
@@ -133,10 +134,33 @@ struct Parts {
   bool wantsHelp = false;
 };
 
-/// Whether the next word begins what is only handed on: the command that a command runs.
-bool endsOptions(const std::vector<std::string>& words) {
+/// Makes one word of the first two when these are the name of a command.
+void joinName(std::vector<std::string>& words) {
+  if (words.size() < 2) return;
+  const std::string name = text::cat(words[0], " ", words[1]);
+  if (commandNamed(name) == nullptr) return;
+  words.erase(words.begin());
+  words.front() = name;
+}
+
+/// Whether the next word begins what is only handed on: the rest of the command that a command
+/// runs.
+bool endsOptions(std::vector<std::string> words) {
+  joinName(words);
   const Command* const command = words.size() > 1 ? commandNamed(words.front()) : nullptr;
-  return command != nullptr && command->words == "COMMAND...";
+  if (command == nullptr || !command->words.ends_with("COMMAND...")) return false;
+  return words.size() > text::split(command->words, ' ').size();
+}
+
+/// The second words of the commands whose first word this is; empty when there are none.
+std::string secondWords(std::string_view first) {
+  std::string words;
+  for (const Command& command : commands()) {
+    if (command.name.size() <= first.size() || !command.name.starts_with(first)) continue;
+    if (command.name[first.size()] != ' ') continue;
+    words += text::cat(words.empty() ? "" : ", ", command.name.substr(first.size() + 1));
+  }
+  return words;
 }
 
 const Option* optionNamed(std::string_view name) {
@@ -206,6 +230,7 @@ std::optional<int64_t> spanFrom(std::string_view written) {
 std::optional<Line> readLine(std::span<const std::string> arguments, Misuse& misuse) {
   Parts parts;
   const bool isRead = readParts(arguments, parts, misuse);
+  joinName(parts.words);
   const std::string name = parts.words.empty() ? "serve" : parts.words.front();
   misuse.command = commandNamed(name);
   if (!isRead) return std::nullopt;
@@ -218,7 +243,9 @@ std::optional<Line> readLine(std::span<const std::string> arguments, Misuse& mis
   if (misuse.command == nullptr) {
     std::vector<std::string_view> names;
     for (const Command& row : commands()) names.push_back(row.name);
-    misuse.why = text::cat("there is no command ", name, guess(name, names));
+    const std::string seconds = secondWords(name);
+    misuse.why = seconds.empty() ? text::cat("there is no command ", name, guess(name, names))
+                                 : text::cat(name, " wants one of: ", seconds);
     return std::nullopt;
   }
   const Command& command = *misuse.command;

@@ -1,27 +1,16 @@
 // A harness in a seat of its own, on this machine.
 
-#include "base/files.h"
 #include "base/text.h"
+#include "board/person/command_path.h"
 #include "board/person/commands.h"
 #include "board/person/console.h"
 #include "board/person/remote.h"
 #include "board/person/seat.h"
 #include "board/person/spawn.h"
 
-#include <filesystem>
-#include <system_error>
-
 namespace quillpost::board {
 
 namespace {
-
-/// The folder of this program, when it was called by its path: qp lies there too.
-std::string folderOf(const std::string& program) {
-  if (program.find('/') == std::string::npos) return {};
-  std::error_code failed;
-  const std::string whole = std::filesystem::canonical(program, failed).string();
-  return failed ? std::string() : std::string(files::parentPath(whole));
-}
 
 /// The variables of this program, and those of the seat in the place of any other seat's.
 std::vector<std::string> variablesFor(const NewSeat& seat, const Surroundings& around) {
@@ -29,9 +18,7 @@ std::vector<std::string> variablesFor(const NewSeat& seat, const Surroundings& a
   for (const std::string& variable : around.variables)
     if (!variable.starts_with("QUILLPOST_") && !variable.starts_with("PATH="))
       variables.push_back(variable);
-  const std::string_view path = valueOf("PATH", around.variables);
-  const std::string folder = folderOf(around.program);
-  variables.push_back(text::cat("PATH=", folder, folder.empty() || path.empty() ? "" : ":", path));
+  variables.push_back(pathWith(around));
   variables.push_back(text::cat("QUILLPOST_SESSION_ID=", seat.session));
   variables.push_back(text::cat("QUILLPOST_COLLAB_TOKEN_FILE=", seat.tokenFile));
   variables.push_back(text::cat("QUILLPOST_COLLAB_SOCKET=", seat.socket));

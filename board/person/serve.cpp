@@ -10,6 +10,7 @@
 #include "board/serving/listener.h"
 #include "board/serving/publication.h"
 #include "board/serving/service.h"
+#include "board/serving/spawned_processes.h"
 #include "board/serving/store.h"
 
 #include <chrono>
@@ -88,6 +89,9 @@ int serve(const Line& line, const Surroundings& around) {
                     report,
                     care};
   if (line.isLogged) settings.log = logRequest;
+  SpawnedProcesses processes;
+  settings.processes = &processes;
+  settings.news = processes.news();
   Service service(*store, std::move(loaded->boards), std::move(settings), now, random);
   Listener listener(publication->takeSocket(), service, clock);
   listening = &listener;
@@ -100,6 +104,7 @@ int serve(const Line& line, const Surroundings& around) {
   const PageProgram page = line.withPage ? startPage(served, around, why) : PageProgram();
   if (line.withPage && !page.isRunning()) complain(why);
   listener.run(stop.get());
+  service.finish();
   return service.isOver() ? failure : 0;
 }
 

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/rules/ask.h"
+#include "board/rules/command_words.h"
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
@@ -103,6 +104,15 @@ void addDebates(const Board& board, std::vector<Need>& needs) {
   }
 }
 
+void addSuggestions(const Board& board, std::vector<Need>& needs) {
+  for (const auto& [name, suggestion] : board.suggestions) {
+    needs.push_back({name, "helper", suggestion.by, 0, "",
+                     justWords(text::cat("May agents have this started: ", suggestion.command)),
+                     text::cat("helper approve ", shownWords({name}),
+                               "; quillpost-board helper refuse ", shownWords({name}))});
+  }
+}
+
 std::vector<Need> needsOf(const Board& board) {
   std::vector<Need> needs;
   const Thread& thread = board.thread();
@@ -114,6 +124,7 @@ std::vector<Need> needsOf(const Board& board) {
   }
   addDebates(board, needs);
   addTags(board, needs);
+  addSuggestions(board, needs);
   return needs;
 }
 
@@ -164,14 +175,10 @@ void addAgents(Sheet& sheet, const Board& board, Moment at) {
 }
 
 void addLeftovers(Sheet& sheet, const Board& board, Extent extent) {
-  Section helpers{"helpers", {"name", "command", "text", "by"}, {}};
   Section deleted{"deleted", {"id", "since", "title", "reason"}, {}};
-  for (const auto& [name, helper] : board.suggestions)
-    helpers.add(name, helper.command, helper.explanation, helper.by);
   if (extent != Extent::open)
     for (const auto& [id, task] : board.trash)
       deleted.add(id, task.deletedAtMs, cut(task.title, listedLength), task.deleteReason);
-  sheet.sections.push_back(std::move(helpers));
   sheet.sections.push_back(std::move(deleted));
 }
 
@@ -295,6 +302,10 @@ Sheet boardSheet(std::span<const Board* const> boards, Extent extent, Moment at)
   sheet.sections.push_back(std::move(needs));
   addTasks(sheet, board, extent);
   addAgents(sheet, board, at);
+  Section runs = runSection();
+  for (const auto& [id, run] : board.runs)
+    if (isCounted(run) || extent == Extent::all) addRun(runs, run);
+  sheet.sections.push_back(std::move(runs));
   Section debates = debateSection();
   for (const auto& [id, discussion] : board.discussions)
     if (isOpen(discussion) || extent == Extent::all) addDebate(debates, board, discussion);

@@ -39,6 +39,9 @@ Section needRows(std::span<const Board* const> boards);
 /// All seats of the Threads, and who sits there.
 Section seatRows(std::span<const Board* const> boards, Moment at);
 
+/// The helpers that are allowed, those that are suggested, and those that were asked for.
+Sheet helperSheet(const Board& board, Moment at);
+
 /// Moves, as rows.
 Section moveRows(std::span<const Change> changes);
 
@@ -57,6 +60,9 @@ void addDebate(Section& section, const Board& board, const TeamworkDiscussion& d
 Section debateSection();
 /// The last line of a task's log that is neither a summary nor a hand-off; null when there is none.
 const LogLine* lastWords(const Board& board, const Task& task);
+/// The helpers that were asked for, without rows, and one of them as a row.
+Section runSection();
+void addRun(Section& section, const HelperRun& run);
 /// What a question asks, as cells for the columns question, options, consequence, artifact, secret.
 std::vector<std::string> questionCells(const Task& task);
 /// The state in which a task is, as the section is called that shows it.

@@ -67,7 +67,8 @@ TeamworkResponse history(const Board& board, const Store& store, const TeamworkR
 
 bool isViewing(std::string_view method) {
   return method == personShow || method == personSeats || method == personThreads ||
-         method == personHistory || method == personLive || method == personFind;
+         method == personHistory || method == personLive || method == personFind ||
+         method == personHelpers;
 }
 
 TeamworkResponse view(Threads boards, const Store& store, const TeamworkRequest& request,
@@ -82,6 +83,7 @@ TeamworkResponse view(Threads boards, const Store& store, const TeamworkRequest&
   if (request.method == personShow && !what.empty()) return showOne(boards, what, at);
   if (request.method == personLive) return shown(liveSheet(boards, request.sinceRev, at));
   if (boards.empty()) return refused(std::string(noThreadYet));
+  if (request.method == personHelpers) return shown(helperSheet(*boards.front(), at));
   if (request.method == personHistory) return history(*boards.front(), store, request, at);
   if (request.method == personFind) {
     return shown(foundSheet(*boards.front(), request.body.value_or(""), at));

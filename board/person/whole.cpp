@@ -3,11 +3,13 @@
 #include "base/text.h"
 #include "base/unicode.h"
 #include "board/person/show.h"
+#include "board/rules/command_words.h"
 #include "board/rules/debates.h"
 #include "board/rules/ids.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/runs.h"
 
 #include <algorithm>
 #include <utility>
@@ -136,7 +138,48 @@ Sheet agentSheet(const Board& board, const Seat& seat, Moment at) {
   return {at.nowMs, board.counted().rev, {std::move(agent), std::move(held), moveRows(moves)}};
 }
 
+/// What a helper is, and what it wrote.
+void addHelper(Sheet& sheet, const Board& board, const HelperRun& run) {
+  Section helper = runSection();
+  addRun(helper, run);
+  Section output{"output", {"text"}, {}};
+  const auto written = board.outputs.find(run.id);
+  if (written != board.outputs.end()) output.add(outputText(written->second));
+  sheet.sections.push_back(std::move(helper));
+  sheet.sections.push_back(std::move(output));
+}
+
 }  // namespace
+
+Section runSection() {
+  return {"hands", {"handle", "state", "task", "from", "since", "name", "remark"}, {}};
+}
+
+void addRun(Section& section, const HelperRun& run) {
+  section.add(run.handle, json::wordFor(run.state), run.taskID, run.askerHandle, run.askedAtMs,
+              run.helper, run.detail);
+}
+
+Sheet helperSheet(const Board& board, Moment at) {
+  Section allowed{"allowed", {"helper", "arguments", "directory", "text", "marks"}, {}};
+  for (const auto& [name, helper] : board.helpers) {
+    std::string marks = helper.hasTools ? "has the board's tools" : "has qp alone";
+    if (helper.runsWithoutApprovals) marks += ", runs without asking for approval";
+    allowed.add(name, shownWords(helper.words), helper.directory, helper.explanation, marks);
+  }
+  Section suggested{"suggested", {"helper", "by", "arguments", "text", "reason", "do"}, {}};
+  for (const auto& [name, suggestion] : board.suggestions) {
+    std::string why;
+    const auto words = commandWords(suggestion.command, why);
+    suggested.add(name, suggestion.by, words ? shownWords(*words) : why, suggestion.explanation,
+                  suggestion.reason,
+                  text::cat("quillpost-board helper approve ", shownWords({name}), ", or refuse"));
+  }
+  Section runs = runSection();
+  for (const auto& [id, run] : board.runs) addRun(runs, run);
+  return {
+      at.nowMs, board.counted().rev, {std::move(allowed), std::move(suggested), std::move(runs)}};
+}
 
 std::optional<Sheet> wholeSheet(const Board& board, std::string_view what, Moment at) {
   const std::string id = wholeID(what);
@@ -146,8 +189,14 @@ std::optional<Sheet> wholeSheet(const Board& board, std::string_view what, Momen
     return debateSheet(board, *discussion, at);
   }
   const Seat* seat = seatAt(board, what);
-  if (seat == nullptr) seat = whoIs(board, what);
-  return seat == nullptr ? std::nullopt : std::optional(agentSheet(board, *seat, at));
+  const HelperRun* run = runAt(board, what);
+  if (seat == nullptr && run == nullptr) seat = whoIs(board, what);
+  if (seat == nullptr && run == nullptr) return std::nullopt;
+  Sheet sheet{at.nowMs, board.counted().rev, {}};
+  if (seat != nullptr) sheet = agentSheet(board, *seat, at);
+  if (run == nullptr && seat != nullptr) run = board.runs.find(seat->id);
+  if (run != nullptr) addHelper(sheet, board, *run);
+  return sheet;
 }
 
 Section seatRows(std::span<const Board* const> boards, Moment at) {

@@ -3,6 +3,7 @@
 // All there is to know about one Thread. Plain rows; the rules beside this file read and change
 // them, with the time passed in.
 
+#include "board/rules/helper.h"
 #include "board/rules/line.h"
 #include "board/rules/post.h"
 #include "board/rules/seat.h"
@@ -14,6 +15,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <tuple>
@@ -80,8 +83,13 @@ struct Board {
   Table<Wake> wakes;
   Table<Message> messages;
   Table<Suggestion> suggestions;
+  /// The helpers that the person allows, and those that were asked for.
+  Table<Helper> helpers;
+  Table<HelperRun> runs;
   /// The latest changes, oldest first; what is saved has all of them.
   Table<Change> changes;
+  /// What the helpers wrote, by the sessions of their seats. Not saved.
+  std::map<std::string, Output, std::less<>> outputs;
 
   const Thread& thread() const { return threads.begin()->second; }
   Thread& editThread() { return *threads.touch(thread().id); }
@@ -110,6 +118,8 @@ void forEachTable(AnyBoard& board, Visit&& visit) {
   visit("wake", board.wakes);
   visit("message", board.messages);
   visit("suggestion", board.suggestions);
+  visit("helper", board.helpers);
+  visit("run", board.runs);
   visit("change", board.changes);
 }
 

@@ -77,7 +77,9 @@ bool hasMoved(const Board& board, const Seat& seat, const Listening& listening) 
   });
 }
 
-bool isDeserted(const Board& board) { return board.tasks.empty() && othersHere(board, "").empty(); }
+bool isDeserted(const Board& board) {
+  return board.tasks.empty() && board.runs.empty() && othersHere(board, "").empty();
+}
 
 bool hasNews(const Board& board, const Seat& seat, const Listening& listening) {
   return board.thread().goalComplete || board.wakes.has({bySeat, seat.id}) ||

@@ -17,7 +17,8 @@ enum class MoveKind {
   taskParked, taskBlocked, taskUnblocked, taskCommented, taskReleased, taskLapsed,
   taskHandedOver, taskCompleted, taskReopened, taskRejected, taskDeleted, releaseRequested,
   reviewRequested, reviewVerdict, discussionOpened, discussionReplied, discussionEscalated,
-  discussionResolved,
+  discussionResolved, helperSuggested, helperAllowed, helperForgotten, helperStarted,
+  helperEnded, helperStopped,
 };
 
 /// Why an agent is woken; the words are those of its wake reasons.
@@ -26,6 +27,7 @@ enum class WakeKind {
   taskAssigned, taskRejected, taskDeleted, handedTaskDone, taskWatched, mentioned,
   reviewRequested, reviewVerdict, discussionOpened, discussionReply, discussionEscalated,
   discussionResolved, blockerAnswered, humanReplied, humanSaid, goalConfirmed, goalReopened,
+  helperBlocked, helperEnded,
 };
 // clang-format on
 
@@ -84,6 +86,12 @@ struct json::Names<board::MoveKind> {
       Row{{Kind::discussionReplied,   "discussionReplied"},   loud},
       Row{{Kind::discussionEscalated, "discussionEscalated"}, loud},
       Row{{Kind::discussionResolved,  "discussionResolved"},  loud},
+      Row{{Kind::helperSuggested,     "helperSuggested"},     quiet},
+      Row{{Kind::helperAllowed,       "helperAllowed"},       loud},
+      Row{{Kind::helperForgotten,     "helperForgotten"},     quiet},
+      Row{{Kind::helperStarted,       "helperStarted"},       quiet},
+      Row{{Kind::helperEnded,         "helperEnded"},         quiet},
+      Row{{Kind::helperStopped,       "helperStopped"},       quiet},
   };
   // clang-format on
   static_assert(allDifferent(rows));
@@ -117,6 +125,8 @@ struct json::Names<board::WakeKind> {
       Name<Kind>{Kind::humanSaid,           "humanSaid"},
       Name<Kind>{Kind::goalConfirmed,       "goalConfirmed"},
       Name<Kind>{Kind::goalReopened,        "goalReopened"},
+      Name<Kind>{Kind::helperBlocked,       "helperBlocked"},
+      Name<Kind>{Kind::helperEnded,         "helperEnded"},
   };
   // clang-format on
   static_assert(allDifferent(rows));

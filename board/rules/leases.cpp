@@ -6,6 +6,7 @@
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/runs.h"
 #include "board/rules/wakes.h"
 
 #include <string>
@@ -115,6 +116,14 @@ void lapseSeats(Board& board, Moment at) {
     missAgent(board, *seat, at);
   }
   for (const Seat* seat : silent) freeRouted(board, *seat, at);
+  // Last, since the seats of helpers go with them.
+  std::vector<std::string> sessions;
+  for (const Seat* seat : lapsed) sessions.push_back(seat->id);
+  for (const std::string& session : sessions) {
+    const Seat* seat = board.seats.find(session);
+    if (seat == nullptr) continue;
+    stopHelpersOf(board, session, {"", text::cat("the lease of ", seat->handle, " is over")}, at);
+  }
 }
 
 void warnHolder(Board& board, Task& task, Moment at) {
@@ -191,6 +200,7 @@ int64_t leave(Board& board, Seat& seat, Moment at) {
   record(board, {MoveKind::agentLeft, "", seat.fingerprint, at.nowMs});
   seat.registered = seat.waiting = seat.stoodDown = false;
   seat.parkReason.clear();
+  stopHelpersOf(board, seat.id, {seat.fingerprint, text::cat(seat.handle, " has left")}, at);
   emptySeat(board, seat);
   missAgent(board, seat, at);
   return text::countOf(held);

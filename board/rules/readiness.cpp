@@ -4,6 +4,7 @@
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/people.h"
+#include "board/rules/runs.h"
 
 #include <algorithm>
 #include <set>
@@ -122,7 +123,10 @@ const Seat* addresseeOf(const Board& board, const Task& task) {
 
 bool isMeantForSomebodyHere(const Board& board, const Task& task, int64_t nowMs) {
   const Seat* seat = addresseeOf(board, task);
-  return seat != nullptr && isAttending(*seat, nowMs);
+  if (seat != nullptr) return isAttending(*seat, nowMs);
+  // A helper that is being started comes for it.
+  const HelperRun* run = runFor(board, task);
+  return run != nullptr && run->state == RunState::starting;
 }
 
 }  // namespace quillpost::board

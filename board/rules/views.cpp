@@ -7,6 +7,7 @@
 #include "board/rules/log.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
+#include "board/rules/runs.h"
 #include "model/markers.h"
 
 #include <algorithm>
@@ -236,9 +237,13 @@ TeamworkSquadState squadView(const Board& board) {
   TeamworkSquadState view;
   view.mode = board.thread().squadOn ? "on" : "off";
   view.canAddress = board.thread().squadOn;
+  view.canSpawn = board.thread().squadOn && !board.helpers.empty();
   view.helpers.emplace();
+  for (const auto& [name, helper] : board.helpers)
+    view.helpers->push_back(
+        {name, helper.explanation, helper.runsWithoutApprovals, helper.hasTools});
   view.helperLimit = helperLimit;
-  view.helpersRunning = 0;
+  view.helpersRunning = helpersCounted(board);
   return view;
 }
 

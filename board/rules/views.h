@@ -15,9 +15,6 @@
 
 namespace quillpost::board {
 
-/// How many helpers may run at once in a Thread.
-inline constexpr int64_t helperLimit = 20;
-
 /// Progress lines after which a summary counts as stale.
 inline constexpr int64_t staleAfterLines = 3;
 
@@ -48,7 +45,7 @@ TeamworkDiscussion discussionView(const TeamworkDiscussion& discussion, const Se
 /// The goal and the open discussions.
 TeamworkPlan planView(const Board& board, const Seat& viewer);
 
-/// The squad switch; no helper is ever allowed here.
+/// The squad switch, the helpers that are allowed, and how many count.
 TeamworkSquadState squadView(const Board& board);
 
 /// Who else reads the Thread: this machine's agents and nobody beyond it.

@@ -125,6 +125,8 @@ void Listener::step(Duration atMost, int stop) {
     wanted.push_back(
         {isHeld && !tellsWhoHasGone ? -1 : connection.fd.get(), isHeld ? short{0} : events, 0});
   }
+  const std::vector<int> helpers = service_.helperDescriptors();
+  for (const int helper : helpers) wanted.push_back({helper, POLLIN, 0});
   ::poll(wanted.data(), static_cast<nfds_t>(wanted.size()), timeoutMs(atMost));
 
   std::size_t next = 2;
@@ -133,6 +135,8 @@ void Listener::step(Duration atMost, int stop) {
     if (events != 0) advance(connection, events);
     if (clock_.now() >= connection.deadline) expire(connection);
   }
+  for (const int helper : helpers)
+    if (wanted[next++].revents != 0) service_.hear(helper);
   forgetEnded();
   if (wanted[1].revents != 0) acceptAll();
   service_.tick();

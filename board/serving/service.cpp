@@ -5,6 +5,7 @@
 #include "board/rules/feed.h"
 #include "board/rules/limits.h"
 #include "board/rules/people.h"
+#include "board/rules/runs.h"
 #include "board/rules/views.h"
 #include "board/serving/keeping.h"
 #include "board/serving/names.h"
@@ -62,9 +63,11 @@ Service::Service(Store& store, Boards boards, Settings settings, Now now, Random
       settings_(std::move(settings)),
       now_(std::move(now)),
       random_(std::move(random)),
+      hands_(settings_.processes, settings_.news, {settings_.tokenPath, settings_.socketPath}),
       lookAtMs_(now_() + storeCareMs) {
   for (Board& board : boards_) {
     forgiveAbsence(board, moment());
+    hands_.adopt(board, moment());
     save(board);
   }
 }
@@ -93,14 +96,15 @@ Answer Service::carryOutOne(const TeamworkRequest& request) {
                 "token file.")};
   }
   Board* board = boardOf(request.sessionID);
-  if (board == nullptr) {
-    return {
-        refused("This board knows no seat of that session id. A new terminal's environment "
-                "comes from `quillpost-board seat`.")};
-  }
-  // What has lapsed by now has lapsed before this request.
-  if (!isFailing()) lapse(*board, moment());
-  return answerSeat(*board, *board->seats.touch(request.sessionID), request);
+  // What has lapsed by now has lapsed before this request, and with it perhaps the seat: a
+  // helper's goes with the agent that asked for it.
+  if (board != nullptr && !isFailing()) lapse(*board, moment());
+  Seat* seat = board != nullptr ? board->seats.touch(request.sessionID) : nullptr;
+  if (seat != nullptr) return answerSeat(*board, *seat, request);
+  if (board != nullptr && save(*board)) tend(*board);
+  return {
+      refused("This board knows no seat of that session id. A new terminal's environment comes "
+              "from `quillpost-board seat`.")};
 }
 
 Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& request) {
@@ -118,6 +122,7 @@ Answer Service::answerSeat(Board& board, Seat& seat, const TeamworkRequest& requ
         carryOut({board, request, seat, at, random_, listening_.contains(request.sessionID)});
   }
   const bool isKept = save(board);
+  if (isKept) tend(board);
   if (answer.holdMs > 0) return answer;
   if (!isKept && !isReading) answer.response = refused(cannotWrite);
   answer.response.obligations = obligationsOf(board, seat, at);
@@ -192,6 +197,7 @@ std::optional<int64_t> Service::tick() {
   }
   std::optional<int64_t> next;
   const auto consider = [&](int64_t dueMs) { next = std::min(next.value_or(dueMs), dueMs); };
+  if (const auto due = hands_.press(nowMs)) consider(std::max(*due, retryAtMs_));
   if (store_.isFile() || settings_.care) consider(lookAtMs_);
   for (Board& board : boards_) {
     if (nowMs >= retryAtMs_) {
@@ -202,12 +208,35 @@ std::optional<int64_t> Service::tick() {
       } else {
         lapse(board, moment());
       }
-      save(board);
+      if (save(board)) tend(board);
     }
     if (const std::optional<int64_t> due = nextLapse(board)) consider(std::max(*due, retryAtMs_));
   }
   if (next) next = std::max<int64_t>(0, *next - nowMs);
   return next;
+}
+
+/// Has the helpers of a board that is saved follow its rows.
+void Service::tend(Board& board) {
+  if (board.runs.empty()) return;
+  hands_.tend(board, moment());
+  save(board);
+}
+
+void Service::hear(int descriptor) {
+  hands_.hearOfEnds(descriptor);
+  for (Board& board : boards_) hands_.hearOutput(descriptor, board);
+}
+
+void Service::finish() {
+  for (Board& board : boards_) {
+    std::vector<std::string> all;
+    for (const auto& [id, run] : board.runs) all.push_back(id);
+    stopRuns(board, all, {"", "the board ended"}, moment());
+    if (save(board)) tend(board);
+  }
+  hands_.finish();
+  for (Board& board : boards_) tend(board);
 }
 
 void Service::careForFile() {
@@ -292,6 +321,7 @@ Answer Service::answerPerson(const TeamworkRequest& request) {
   if (!isFailing()) lapse(board, moment());
   TeamworkResponse response = carryOutForPerson(board, request, moment());
   if (!save(board)) return {refused(cannotWrite)};
+  tend(board);
   return {std::move(response)};
 }
 

@@ -3,6 +3,7 @@
 // The board's desk: takes one request, carries it out on the right board, and answers only when
 // what has changed is on disk. Knows no sockets.
 
+#include "board/serving/hands.h"
 #include "board/serving/reply.h"
 #include "board/serving/store.h"
 #include "board/verbs/methods.h"
@@ -50,6 +51,10 @@ struct Settings {
   std::function<void()> care = {};
   /// Told of every request when its answer is known. May be empty.
   std::function<void(const TeamworkRequest&, const TeamworkResponse&)> log = {};
+  /// What starts helpers, and what can be read when one may have ended; null and -1 where none is
+  /// ever started.
+  Processes* processes = nullptr;
+  int news = -1;
 };
 
 /// The time in milliseconds since 1970.
@@ -74,6 +79,13 @@ class Service {
   /// Does what is due by now: lapsed leases, warnings, the care of the file. When it is to be
   /// called again, in milliseconds from now; nothing when nothing will be due.
   std::optional<int64_t> tick();
+
+  /// What can be read when helpers have something to say, and what hears it.
+  std::vector<int> helperDescriptors() const { return hands_.descriptors(); }
+  void hear(int descriptor);
+
+  /// Stops all helpers and waits until they have ended; the last thing to be done.
+  void finish();
 
   /// Counts whatever may give a held poll something to say.
   uint64_t stirred() const { return stirred_; }
@@ -102,6 +114,7 @@ class Service {
   TeamworkResponse newSeat(const TeamworkRequest& request);
   Board* boardOf(std::string_view sessionID);
   bool save(Board& board);
+  void tend(Board& board);
   void careForFile();
   void say(const std::string& sentence) const;
   Moment moment() const { return {now_(), settings_.leaseMs}; }
@@ -112,6 +125,7 @@ class Service {
   Settings settings_;
   Now now_;
   Random random_;
+  Hands hands_;
   uint64_t stirred_ = 0;
   /// When writing may be tried again after it failed; 0 while it does not fail.
   int64_t retryAtMs_ = 0;

@@ -91,7 +91,7 @@ std::span<const Method> taskMethods();
 std::span<const Method> claimMethods();
 /// What holders and peers write on a task.
 std::span<const Method> writingMethods();
-/// Helpers, of which none is ever allowed.
+/// Helpers, which the board starts and stops.
 std::span<const Method> helperMethods();
 
 /// Adds a task with the next id and that brief; everything else is taken from `task`.

@@ -9,6 +9,7 @@
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
+#include "board/rules/runs.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
 
@@ -211,9 +212,16 @@ TeamworkResponse unseat(const Deed& deed) {
   const Seat* found = seatAt(deed.board, to);
   if (found == nullptr) found = whoIs(deed.board, to);
   if (found == nullptr) return refused(text::cat("There is no seat ", to, "."));
+  if (const HelperRun* run = deed.board.runs.find(found->id)) {
+    const std::string named = run->handle;
+    const std::string freed =
+        stopWithHelpers(deed.board, run->id, {std::string(human), "by the human"}, deed.at);
+    return written(text::cat("Stopped the helper ", named, ".", freed.empty() ? "" : " ", freed));
+  }
   Seat& seat = *deed.board.seats.touch(found->id);
   const std::string handle = seat.handle;
   const int64_t returned = seat.registered ? leave(deed.board, seat, deed.at) : 0;
+  stopHelpersOf(deed.board, seat.id, {"", text::cat("the seat ", handle, " was freed")}, deed.at);
   emptySeat(deed.board, seat);
   deed.board.seats.remove(std::string(seat.id));
   return written(text::cat("Took the seat ", handle, " away; ", returned, " claim",
@@ -258,7 +266,7 @@ std::span<const PersonMethod> personTalk() {
 bool isForPerson(std::string_view method) { return method.starts_with("person_"); }
 
 TeamworkResponse carryOutForPerson(Board& board, const TeamworkRequest& request, Moment at) {
-  for (const std::span<const PersonMethod> rows : {personTalk(), personTasks()}) {
+  for (const std::span<const PersonMethod> rows : {personTalk(), personTasks(), personHelping()}) {
     const auto method = std::ranges::find(rows, request.method, &PersonMethod::name);
     if (method != rows.end()) return method->run({board, request, at});
   }

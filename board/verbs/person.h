@@ -27,6 +27,7 @@ inline constexpr std::string_view personShow = "person_show";          // `taskI
 inline constexpr std::string_view personHistory = "person_history";    // of `taskID`, by `to`, within `holdMs`; `status` "all": more of them
 inline constexpr std::string_view personLive = "person_live";          // what moved since `sinceRev`, held for `holdMs`; without it all
 inline constexpr std::string_view personFind = "person_find";          // the words `body`
+inline constexpr std::string_view personHelpers = "person_helpers";    // allowed, suggested and asked for
 inline constexpr std::string_view personExport = "person_export";      // into the file `body`, as the next two
 inline constexpr std::string_view personBackup = "person_backup";
 inline constexpr std::string_view personImport = "person_import";
@@ -52,6 +53,10 @@ inline constexpr std::string_view personConfirmGoal = "person_confirm_goal";  //
 inline constexpr std::string_view personReopenGoal = "person_reopen_goal";
 inline constexpr std::string_view personSay = "person_say";            // `to` and `body`
 inline constexpr std::string_view personSquad = "person_squad";        // `approve`
+inline constexpr std::string_view personHelperAllow = "person_helper_allow";      // `body`: a Helper as JSON
+inline constexpr std::string_view personHelperForget = "person_helper_forget";    // `agent`: the name
+inline constexpr std::string_view personHelperApprove = "person_helper_approve";  // `body`: the same without words; `command`: the arguments as shown
+inline constexpr std::string_view personHelperRefuse = "person_helper_refuse";    // `agent`: the name suggested
 
 // clang-format on
 
@@ -79,9 +84,10 @@ struct PersonMethod {
   TeamworkResponse (*run)(const Deed&);
 };
 
-/// Those that speak to agents, and those that change tasks.
+/// Those that speak to agents, those that change tasks, and those that are about helpers.
 std::span<const PersonMethod> personTalk();
 std::span<const PersonMethod> personTasks();
+std::span<const PersonMethod> personHelping();
 
 /// Whether a method is one of the person's.
 bool isForPerson(std::string_view method);

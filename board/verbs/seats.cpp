@@ -5,6 +5,7 @@
 #include "board/rules/limits.h"
 #include "board/rules/moves.h"
 #include "board/rules/people.h"
+#include "board/rules/runs.h"
 #include "board/rules/views.h"
 #include "board/rules/wakes.h"
 #include "board/verbs/methods.h"
@@ -75,6 +76,7 @@ TeamworkResponse registerSeat(const Call& call) {
   startPresence(seat, call.at);
   describe(seat, call.request);
   if (isNew || isBack) record(call.board, call.move(MoveKind::agentJoined));
+  noteRegistered(call.board, seat);
   TeamworkResponse response = ownSeat(call);
   response.squad = squadView(call.board);
   // A new agent can read all there is, and need be woken for none of it.
@@ -85,9 +87,13 @@ TeamworkResponse registerSeat(const Call& call) {
 
 TeamworkResponse unregister(const Call& call) {
   if (!call.seat.registered) return written("You were not on the roster; nothing to leave.");
+  const int64_t helpers = text::countOf(runsUnder(call.board, call.seat.id));
   const int64_t returned = leave(call.board, call.seat, call.at);
+  const std::string stopped =
+      text::cat(" ", helpers, " helper", text::s(helpers), " that you had asked for ",
+                helpers == 1 ? "is" : "are", " stopped.");
   return written(text::cat("You have left the board. ", returned, " claim", text::s(returned),
-                           " went back to the pool."));
+                           " went back to the pool.", helpers > 0 ? stopped : ""));
 }
 
 TeamworkResponse renew(const Call& call) {
@@ -117,12 +123,14 @@ TeamworkResponse listAgents(const Call& call) {
   for (const auto& [id, seat] : call.board.seats) {
     if (isLive(seat)) {
       response.agents->push_back(agentView(call.board, seat, call.seat, call.at));
-    } else {
+    } else if (call.board.runs.find(id) == nullptr) {
       panes.push_back({seat.handle});
     }
   }
   if (!panes.empty()) response.panes = panes;
   response.squad = squadView(call.board);
+  std::vector<TeamworkHelperRun> runs = runViews(call.board, call.seat, call.at);
+  if (!runs.empty()) response.runningHelpers = std::move(runs);
   return response;
 }
 

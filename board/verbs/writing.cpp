@@ -8,6 +8,7 @@
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 #include "board/rules/removal.h"
+#include "board/rules/runs.h"
 #include "board/verbs/methods.h"
 #include "model/markers.h"
 
@@ -221,6 +222,7 @@ TeamworkResponse updateTask(const Call& call, Task& task) {
     announce(call.board, call.move(MoveKind::taskProgress, task.id, progress));
   }
   if (blocker) announce(call.board, call.move(*blocker, task.id, questionOf(task)));
+  if (blocker == MoveKind::taskBlocked) tellAskerOfQuestion(call.board, call.seat, task);
   if (request.parkReason) {
     announce(call.board, call.move(MoveKind::taskParked, task.id, task.parkedReason));
   }

@@ -162,6 +162,23 @@ std::string methods() {
   return out + text::cat("| ", code(wakeQuery), " | the stop hook |\n");
 }
 
+/// The person's methods as the board's own header lists them, each with what its request carries.
+std::string personMethods() {
+  const std::string source = testing::readFile(testing::inSources("board/verbs/person.h"));
+  constexpr std::string_view before = "inline constexpr std::string_view person";
+  std::string out = "| Method | What it is about |\n|---|---|\n";
+  for (const std::string_view line : text::split(source, '\n')) {
+    const std::size_t begin = line.find("\"person_");
+    if (!line.starts_with(before) || begin == std::string_view::npos) continue;
+    const std::size_t end = line.find('"', begin + 1);
+    const std::size_t comment = line.find("// ", end);
+    out +=
+        text::cat("| ", code(line.substr(begin + 1, end - begin - 1)), " | ",
+                  comment == std::string_view::npos ? "" : cell(line.substr(comment + 3)), " |\n");
+  }
+  return out;
+}
+
 std::string kinds() {
   std::string out;
   for (const auto& row : json::Names<TeamworkResponseKind>::rows)
@@ -175,6 +192,7 @@ Blocks protocolBlocks() {
   using Obligations = TeamworkObligations;
   return {
       {"methods", methods()},
+      {"person", personMethods()},
       {"kinds", kinds()},
       {"TeamworkRequest", recordTable<TeamworkRequest>()},
       {"TeamworkResponse", recordTable<TeamworkResponse>()},

@@ -46,5 +46,13 @@ TEST_F(CommandPath, IsLeftAloneWhereNoQpStands) {
   EXPECT_EQ(commandPathLine("/nowhere/quillpost-board", MapEnvironment()), "");
 }
 
+TEST_F(CommandPath, StandsFirstForWhatTheProgramStarts) {
+  const std::string program = home.write("quillpost-board", "");
+  EXPECT_EQ(pathWith({program, {"HOME=/h", "PATH=/usr/bin"}}),
+            text::cat("PATH=", folder(), ":/usr/bin"));
+  EXPECT_EQ(pathWith({program, {}}), text::cat("PATH=", folder()));
+  EXPECT_EQ(pathWith({"quillpost-board", {"PATH=/usr/bin"}}), "PATH=/usr/bin");
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -167,5 +167,26 @@ TEST(Options, ATextMayComeFromStandardInputButOnlyOne) {
   EXPECT_EQ(line->request.body, "a - b");
 }
 
+TEST(Options, ACommandOfTwoWordsHandsOnWhatStandsBehindItsOwn) {
+  for (const Words& arguments :
+       {Words{"helper", "allow", "scout", "--explanation", "reads", "--", "run", "--json", "a b"},
+        {"helper", "allow", "--explanation=reads", "scout", "run", "--json", "a b"}}) {
+    const auto line = read(arguments);
+    ASSERT_TRUE(line);
+    EXPECT_EQ(line->request.method, personHelperAllow);
+    EXPECT_EQ(line->request.agent, "scout");
+    EXPECT_EQ(line->request.explanation, "reads");
+    EXPECT_THAT(line->words, ElementsAre("run", "--json", "a b"));
+    EXPECT_FALSE(line->asJson);
+  }
+  const auto help = read({"helper", "allow", "--help"});
+  ASSERT_TRUE(help);
+  EXPECT_THAT(help->words, ElementsAre("helper allow"));
+  EXPECT_THAT(whyNot({"helper"}), HasSubstr("allow, list, forget, approve, refuse"));
+  EXPECT_THAT(whyNot({"helper", "fire"}), HasSubstr("wants one of"));
+  EXPECT_THAT(whyNot({"helper", "allow", "scout"}), HasSubstr("HELPER COMMAND..."));
+  EXPECT_THAT(whyNot({"helper", "list", "--yes"}), HasSubstr("takes no --yes"));
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -1,6 +1,7 @@
 #include "board/serving/service.h"
 
 #include "board/desk.h"
+#include "board/fake_processes.h"
 #include "board/full_disk.h"
 #include "harness/temp_dir.h"
 
@@ -66,8 +67,10 @@ TEST(Service, RefusesAWrongTokenVersionOrSeatInWords) {
 
 TEST(Service, AnAgentCannotActAsThePerson) {
   ServiceDesk desk;
-  for (const std::string_view method : {personSeat, personShow, personAnswer, personConfirmGoal,
-                                        personReopenGoal, personSay, personSquad, personRestore}) {
+  for (const std::string_view method :
+       {personSeat, personShow, personAnswer, personConfirmGoal, personReopenGoal, personSay,
+        personSquad, personRestore, personHelpers, personHelperAllow, personHelperForget,
+        personHelperApprove, personHelperRefuse}) {
     const auto answer = desk.ask(desk.first, method);
     EXPECT_EQ(answer.response.kind, Kind::error) << method;
     EXPECT_THAT(answer.response.message.value_or(""), HasSubstr("person")) << method;
@@ -366,6 +369,45 @@ TEST(Service, NothingIsAcknowledgedThatGoesIntoAFileThatIsGone) {
   EXPECT_EQ(desk.service.answer(requestOf("", personSquad, "", "persons")).response.kind,
             Kind::error);
   EXPECT_TRUE(desk.service.isOver());
+}
+
+TEST(Service, HelpersStartWithTheRequestLoseTheirSeatWithTheirAskerAndEndWithTheBoard) {
+  FakeProcesses processes;
+  int64_t nowMs = 1'000'000'000;
+  std::string why;
+  Store store = *Store::open(":memory:", why);
+  Settings settings{"agents", "persons", 900'000, "/d/s.sock", "/d/s.token"};
+  settings.processes = &processes;
+  Service service(
+      store, store.load(why)->boards, settings, [&] { return nowMs; }, countingRandom());
+  const auto ask = [&](const std::string& session, std::string_view method,
+                       std::string_view members = "") {
+    return service.answer(requestOf(session, method, members, "agents")).response;
+  };
+  const std::string lines =
+      service.answer(requestOf("", personSeat, "", "persons")).response.message.value_or("");
+  const std::string asker = lines.substr(lines.find('\'') + 1, 32);
+  ask(asker, "register");
+  TeamworkRequest allow = requestOf("", personHelperAllow, "", "persons");
+  allow.body = R"({"id":"scout","directory":"/d","words":["scout"]})";
+  EXPECT_TRUE(wasWritten(service.answer(allow).response));
+
+  EXPECT_TRUE(wasWritten(ask(asker, "request_hands", R"("title":"one")")));
+  ASSERT_EQ(processes.all.size(), 1u);
+  const std::string variable = processes.all[0].launch.variables.at(0);
+  const std::string helper = variable.substr(variable.find('=') + 1);
+  EXPECT_EQ(ask(helper, "register").kind, Kind::registered);
+  nowMs += 500'000;
+  ask(helper, "heartbeat");
+  nowMs += 500'000;
+  EXPECT_TRUE(wasRefused(ask(helper, "list_tasks"), "knows no seat"));
+  EXPECT_EQ(processes.all[0].signals, std::vector{SIGTERM});
+
+  ask(asker, "register");
+  EXPECT_TRUE(wasWritten(ask(asker, "request_hands", R"("title":"two")")));
+  service.finish();
+  EXPECT_EQ(processes.all.at(1).signals, (std::vector{SIGTERM, SIGKILL}));
+  EXPECT_TRUE(wasRefused(ask(asker, "stop_helper", R"("to":"ZZ9")"), "ZZ9"));
 }
 
 }  // namespace

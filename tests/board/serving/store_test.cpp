@@ -68,6 +68,9 @@ Desk fullDesk() {
   desk.ask("BB3", "reply_discussion", R"("discussionID":"d000001","body":"Because")");
   desk.ask("AA2", "send_message", R"("to":"BB3","body":"hello")");
   desk.ask("AA2", "suggest_helper", R"("command":"run","explanation":"fast")");
+  desk.person(personHelperAllow,
+              R"("body":"{\"id\":\"scout\",\"directory\":\"/d\",\"words\":[\"run\"]}")");
+  desk.ask("AA2", "request_hands", R"("title":"more")");
   desk.ask("AA2", "delete_task", Desk::on(desk.add("slip")));
   return desk;
 }
@@ -182,7 +185,7 @@ TEST(Store, AnUnreadableRowIsPutAsideAndTheRestIsThere) {
     EXPECT_THAT(loaded->damages.front(), ::testing::HasSubstr(row.id));
     const Board& board = loaded->boards.front();
     EXPECT_EQ(board.thread().id, "T-abc234");
-    EXPECT_EQ(board.counted().tasksFiled, 3);
+    EXPECT_EQ(board.counted().tasksFiled, 4);
     EXPECT_EQ(board.counted().rev, desk.board.counted().rev);
     EXPECT_EQ(board.tasks.find("t000002") != nullptr, true);
     ASSERT_EQ(store->check().size(), 1u);
