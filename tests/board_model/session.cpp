@@ -29,13 +29,23 @@ constexpr std::size_t stepCount = 50;
 constexpr std::size_t firstTasks = 5;
 
 /// What chance prefers: what makes a board move, since most verbs are refused most of the time.
-constexpr std::array<std::string_view, 28> likely{
-    "register",       "add_task",        "add_task",         "claim_task",         "claim_task",
-    "claim_task",     "complete_task",   "complete_task",    "complete_task",      "update_task",
-    "update_task",    "comment_task",    "release_task",     "request_release",    "request_review",
-    "request_review", "verify_task",     "delete_task",      "reject_task",        "watch_task",
-    "send_message",   "open_discussion", "reply_discussion", "resolve_discussion", "heartbeat",
-    "heartbeat",      "poll_changes",    "poll_changes"};
+constexpr std::array<std::string_view, 34> likely{"register",         "add_task",
+                                                  "add_task",         "claim_task",
+                                                  "claim_task",       "claim_task",
+                                                  "complete_task",    "complete_task",
+                                                  "complete_task",    "update_task",
+                                                  "update_task",      "comment_task",
+                                                  "release_task",     "request_release",
+                                                  "request_review",   "request_review",
+                                                  "verify_task",      "delete_task",
+                                                  "reject_task",      "watch_task",
+                                                  "send_message",     "open_discussion",
+                                                  "reply_discussion", "resolve_discussion",
+                                                  "heartbeat",        "heartbeat",
+                                                  "poll_changes",     "poll_changes",
+                                                  "assign_task",      "list_tasks",
+                                                  wakeQuery,          wakeQuery,
+                                                  wakeQuery,          "propose_goal_complete"};
 
 constexpr std::array<std::string_view, 9> ofPerson{
     personAnswer, personSay,        personConfirmGoal, personSquad,  personAnswer,
@@ -46,6 +56,8 @@ struct Reader {
   int64_t rev = 0;
   /// Ids of wakes and messages that have been carried to it, and of what must still come.
   std::set<std::string> carried;
+  /// Ids of those that its stop hook has told of.
+  std::set<std::string> told;
   std::vector<std::string> messagesAhead;
 };
 
@@ -169,6 +181,9 @@ class Session {
       if (!isExpected) return text::cat("the claim of ", target, " went against what was shown");
     }
     noteMessages(request, response, seat);
+    if (response.kind == Kind::wake && !hasToldAll(seat, reader) && !*response.wakePending) {
+      return "a stop hook let an agent go that was not told of all that waits for it";
+    }
     return takeAnswer(response, seat, reader);
   }
 
@@ -188,14 +203,23 @@ class Session {
     if (request.method == "unregister") readers_[seat.id].messagesAhead.clear();
   }
 
+  /// Whether the stop hook has told before of all that waits; now it has.
+  bool hasToldAll(const Seat& seat, Reader& reader) {
+    const std::size_t before = reader.told.size();
+    for (const Wake* wake : wakesOf(board(), seat)) reader.told.insert(wake->id);
+    for (const Message* message : messagesOf(board(), seat)) reader.told.insert(message->id);
+    return reader.told.size() == before;
+  }
+
   /// The agent reads an answer, or it is lost on the way.
-  std::optional<std::string> takeAnswer(const TeamworkResponse& response, const Seat& seat,
+  std::optional<std::string> takeAnswer(TeamworkResponse response, const Seat& seat,
                                         Reader& reader) {
     const bool isFeed = response.kind == Kind::changes;
-    if (!isFeed && !response.messages) return std::nullopt;
     if (isFeed && response.changes->rev < reader.rev) return "a revision went back";
-    Delivery delivery = deliveryOf(board(), seat);
+    Delivery delivery{"", seat.id};
+    if (isFeed || response.messages) delivery = deliveryOf(board(), seat);
     if (!isFeed) delivery.wakesUpTo.clear();
+    if (seat.registered && !seat.waiting) delivery.saidUpTo = carrySaid(board(), seat, response);
     if (dice_.oneIn(5)) return std::nullopt;
     if (isFeed) {
       reader.rev = response.changes->rev;
@@ -205,7 +229,8 @@ class Session {
       for (const Wake* wake : wakesOf(board(), seat))
         if (!reader.carried.insert(wake->id).second) return "a wake came twice";
     }
-    const auto& messages = isFeed ? response.changes->messages : *response.messages;
+    const auto messages = isFeed ? response.changes->messages
+                                 : response.messages.value_or(std::vector<TeamworkSquadMessage>());
     for (const TeamworkSquadMessage& message : messages) {
       if (reader.messagesAhead.empty() || reader.messagesAhead.front() != message.text) {
         return "a message came twice, out of order or from nowhere";
