@@ -54,8 +54,8 @@ TEST(Tasks, OnlyOneThatNobodyHoldsCanBeHandedOver) {
 TEST(Declining, CutsTheReasonWithANotice) {
   Desk desk;
   const std::string id = desk.add("one");
-  const auto response = desk.ask(
-      "BB3", "reject_task", text::cat(Desk::on(id), R"(,"releaseReason":")", many(241), "\""));
+  const auto response = desk.ask("BB3", "reject_task",
+                                 text::cat(Desk::on(id), R"(,"releaseReason":")", many(241), "\""));
   EXPECT_THAT(response.notice.value_or(""), HasSubstr("240"));
   EXPECT_EQ(desk.view("AA2", id).state, "rejected");
   EXPECT_EQ(desk.view("AA2", id).log.back(), "BB3: declined: " + many(240));
