@@ -255,6 +255,9 @@ int Site::bind(int port) {
 void Site::start() {
   const auto serve = [this](httplib::Server& server) {
     inside_->threads.emplace_back([&server] { server.listen_after_bind(); });
+    // A server that is told to stop before it has begun would never end.
+    for (int i = 0; i < 2000 && !server.is_running(); ++i)
+      SteadyClock().sleepFor(std::chrono::milliseconds(1));
   };
   serve(inside_->servers[0]);
   // A machine may be without this address; the other one is what is printed.
