@@ -35,7 +35,7 @@ TEST(BoardProgram, WrongUseIsToldWithTheUsageOfThatCommandAlone) {
   EXPECT_EQ(helped.status, 2);
   EXPECT_EQ(helped.errors,
             "quillpost-board: there is no command frobnicate\n"
-            "usage: quillpost-board help [COMMAND]\n");
+            "usage: quillpost-board help [COMMAND...]\n");
 }
 
 TEST(BoardProgram, WhatWasWrittenSteersNoTerminalEither) {
