@@ -277,12 +277,12 @@ TEST(Helper, NoneOutlivesItsAsker) {
 TEST(Helper, OfManyWhoAskAtOnceTwentyAreServedAndNoMore) {
   const HelperBoard desk;
   desk.allowScript("sleep 600");
-  constexpr int agents = 4;
+  constexpr std::size_t agents = 4;
   std::vector<std::unique_ptr<RealSeat>> seats;
-  for (int i = 0; i < agents; ++i) seats.push_back(desk.agent(text::cat("A", i)));
+  for (std::size_t i = 0; i < agents; ++i) seats.push_back(desk.agent(text::cat("A", i)));
   std::vector<std::string> answers[agents];
   std::vector<std::thread> threads;
-  for (int i = 0; i < agents; ++i) {
+  for (std::size_t i = 0; i < agents; ++i) {
     threads.emplace_back([&, i] {
       for (int n = 0; n < 7; ++n)
         answers[i].push_back(seats[i]->call("request_hands", R"({"title":"work"})"));
