@@ -7,6 +7,7 @@
 #include "board/person/remote.h"
 #include "board/person/seat.h"
 #include "board/person/spawn.h"
+#include "board/serving/spawning.h"
 
 namespace quillpost::board {
 

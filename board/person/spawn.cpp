@@ -1,13 +1,13 @@
 #include "board/person/spawn.h"
 
 #include "base/text.h"
+#include "board/serving/spawning.h"
 
 #include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 
-#include <fcntl.h>
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -39,31 +39,6 @@ extern "C" void passOn(int signal) {
 constexpr int passedOn[] = {SIGTERM, SIGHUP};
 /// The terminal sends the first two to every program in it; the last is told by a failed write.
 constexpr int leftToOthers[] = {SIGINT, SIGQUIT, SIGPIPE};
-
-std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  // What is given them does not write there, though its type would let it.
-  for (const std::string& text : texts)
-    pointers.push_back(
-        const_cast<char*>(text.c_str()));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
-  pointers.push_back(nullptr);
-  return pointers;
-}
-
-/// A pipe whose ends are closed on exec; none when there is none to be had.
-struct Pipe {
-  UniqueFd reading;
-  UniqueFd writing;
-
-  Pipe() {
-    int ends[2];
-    if (::pipe(ends) != 0) return;
-    for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
-    reading = UniqueFd(ends[0]);
-    writing = UniqueFd(ends[1]);
-  }
-};
 
 }  // namespace
 

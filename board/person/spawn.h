@@ -43,7 +43,4 @@ void outliveSignals();
 /// Names the program that gets the signals; one that came before is passed on at once.
 void passTo(pid_t pid);
 
-/// The status of a program that could not be started, as shells have it.
-inline constexpr int cannotRun = 127;
-
 }  // namespace quillpost::board

@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "base/unicode.h"
+#include "board/serving/spawning.h"
 #include "board/serving/system.h"
 
 #include <array>
@@ -45,27 +46,6 @@ extern "C" void childHasChanged(int) {
 /// What a program finds as it usually is, whatever this one does with it.
 constexpr int usualSignals[] = {SIGINT, SIGQUIT, SIGTERM, SIGHUP, SIGPIPE, SIGCHLD};
 
-constexpr int cannotRun = 127;
-
-/// The same descriptor as one of more than the standard streams', closed when another program is
-/// run; none when there is none to be had.
-UniqueFd aboveStandard(UniqueFd fd) {
-  if (!fd) return fd;
-  return UniqueFd(::fcntl(fd.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1));
-}
-
-struct Pipe {
-  UniqueFd reading;
-  UniqueFd writing;
-
-  Pipe() {
-    int ends[2];
-    if (::pipe(ends) != 0) return;
-    reading = aboveStandard(UniqueFd(ends[0]));
-    writing = aboveStandard(UniqueFd(ends[1]));
-  }
-};
-
 bool isProgram(const std::string& path) {
   struct stat status {};
   return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
@@ -90,17 +70,6 @@ std::string programOf(const Launch& launch) {
     }
   }
   return {};
-}
-
-std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  // What is given them does not write there, though its type would let it.
-  for (const std::string& text : texts)
-    pointers.push_back(
-        const_cast<char*>(text.c_str()));  // NOLINT(cppcoreguidelines-pro-type-const-cast)
-  pointers.push_back(nullptr);
-  return pointers;
 }
 
 /// All that a new process needs, so that nothing is to be made any more once it is there.

@@ -140,6 +140,7 @@ class Session {
     const seen = brief.filter((line) => text.includes(line));
     const said = text
       .replace(/(\\n)?\s*\d*(\\t)?line \d{4} x+/g, "")
+      .replace(/\S*\/\S*/g, "a file")
       .match(/[^"{}]*(truncated|too large|saved to|showing)[^"{}]*/i);
     this.note(
       step,

@@ -3,7 +3,7 @@
 import { deedButton } from './act.js';
 import { el, keep, linkTo, put, say } from './dom.js';
 import { filter, watchFilter } from './filter.js';
-import { loadPast, moves } from './past.js';
+import { hasPast, moves } from './past.js';
 import { state, watch } from './store.js';
 import { moment } from './times.js';
 import { isShown, watchView } from './views.js';
@@ -38,12 +38,7 @@ function row(move) {
 }
 
 async function draw(isStale = false) {
-  if (!isShown('history')) return;
-  try {
-    await loadPast(isStale === true);
-  } catch (refusal) {
-    say(note, refusal.message);
-  }
+  if (!isShown('history') || !(await hasPast(note, isStale))) return;
   const all = moves().map((move, i) => ({ ...move, i })).filter(isWanted).reverse();
   note.hidden = all.length > 0;
   say(note, 'Nothing has moved yet.');

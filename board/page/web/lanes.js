@@ -4,7 +4,7 @@ import { hueOf } from './card.js';
 import { el, put, say, short, svg } from './dom.js';
 import { filter, watchFilter } from './filter.js';
 import { claimsOf, lanesOf, ticksOf } from './lanes_layout.js';
-import { loadPast, moves } from './past.js';
+import { hasPast, moves } from './past.js';
 import { agentAt, state, watch } from './store.js';
 import { moment, now, span } from './times.js';
 import { isShown, watchView } from './views.js';
@@ -88,13 +88,7 @@ function paint() {
 }
 
 async function draw(isStale = false) {
-  if (!isShown('lanes')) return;
-  try {
-    await loadPast(isStale === true);
-  } catch (refusal) {
-    say(note, refusal.message);
-    return;
-  }
+  if (!isShown('lanes') || !(await hasPast(note, isStale))) return;
   bars = claimsOf(moves(), now());
   note.hidden = bars.length > 0;
   say(note, 'Nobody has taken a task yet.');

@@ -2,6 +2,7 @@
 
 #include "board/person/helper.h"
 
+#include "base/files.h"
 #include "board/person/commanded.h"
 
 #include <gmock/gmock.h>
@@ -35,7 +36,9 @@ bool waitUntil(IsSo&& isSo) {
 
 /// Whether a process is there that has not ended.
 bool isThere(int64_t pid) {
-  const std::string stat = testing::readFile(text::cat("/proc/", pid, "/stat"));
+  // It may end between the opening of this and the reading.
+  const std::string stat =
+      files::readSmallText(text::cat("/proc/", pid, "/stat")).value_or(std::string());
   const std::size_t name = stat.rfind(") ");
   if (name != std::string::npos) return stat[name + 2] != 'Z';
   return ::kill(static_cast<pid_t>(pid), 0) == 0;
