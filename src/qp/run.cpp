@@ -281,15 +281,14 @@ Status runLine(std::span<const std::string> words, const Surroundings& around) {
   const std::variant<Line, Misuse> reading = readLine(words, around.texts);
   if (const Misuse* wrong = std::get_if<Misuse>(&reading)) return misuse(*wrong, around.console);
   CheckedOutput output(around.console.output);
-  Console console{.output = output,
-                  .errors = around.console.errors,
-                  .isTerminal = around.console.isTerminal,
-                  .hasColour = around.console.hasColour};
   const Surroundings checked{.doors = around.doors,
                              .sessionID = around.sessionID,
                              .memory = around.memory,
                              .lifetime = around.lifetime,
-                             .console = console,
+                             .console = {.output = output,
+                                         .errors = around.console.errors,
+                                         .isTerminal = around.console.isTerminal,
+                                         .hasColour = around.console.hasColour},
                              .texts = around.texts,
                              .places = around.places};
   const Line& line = std::get<Line>(reading);
@@ -297,7 +296,7 @@ Status runLine(std::span<const std::string> words, const Surroundings& around) {
   const Status status =
       own != nullptr ? runOwn(*own, checked) : runCalls(std::get<Calls>(line), checked);
   if (!output.hasFailed() || around.lifetime.isUnread()) return status;
-  console.errors.write("qp: standard output cannot be written\n");
+  around.console.errors.write("qp: standard output cannot be written\n");
   return Status::refused;
 }
 
