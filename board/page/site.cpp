@@ -47,6 +47,7 @@ void answerWith(httplib::Response& out, std::string_view type, std::string_view 
   out.set_content_provider(bytes.size(), std::string(type),
                            [bytes, owner = std::move(owner)](std::size_t offset, std::size_t count,
                                                              httplib::DataSink& sink) {
+                             static_cast<void>(owner);  // is kept, and not read
                              return sink.write(bytes.data() + offset, count);
                            });
 }

@@ -48,9 +48,9 @@ std::optional<Spawned> spawn(const Program& program, std::string& why) {
   ::posix_spawn_file_actions_init(&files);
   ::posix_spawnattr_init(&attributes);
   sigset_t usual;
-  ::sigemptyset(&usual);
-  for (const int signal : passedOn) ::sigaddset(&usual, signal);
-  for (const int signal : leftToOthers) ::sigaddset(&usual, signal);
+  sigemptyset(&usual);  // which is a macro on some systems
+  for (const int signal : passedOn) sigaddset(&usual, signal);
+  for (const int signal : leftToOthers) sigaddset(&usual, signal);
   ::posix_spawnattr_setsigdefault(&attributes, &usual);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
 

@@ -102,7 +102,7 @@ int become(const Ready& ready, pid_t board) {
 #endif
   if (::chdir(ready.directory) != 0) return errno;
   sigset_t none;
-  ::sigemptyset(&none);
+  sigemptyset(&none);  // which is a macro on some systems
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
   ::execve(ready.program.c_str(), ready.words.data(), ready.variables.data());
   return errno;
@@ -113,7 +113,7 @@ pid_t launchReady(const Ready& ready, int& error) {
   // A handler that ran in the new process would act on this one's memory.
   sigset_t all;
   sigset_t before;
-  ::sigfillset(&all);
+  sigfillset(&all);
   ::sigprocmask(SIG_SETMASK, &all, &before);
   const pid_t board = ::getpid();
   volatile int failed = 0;
@@ -141,9 +141,9 @@ pid_t launchReady(const Ready& ready, int& error) {
   ::posix_spawn_file_actions_addchdir_np(&files, ready.directory);
   sigset_t usual;
   sigset_t none;
-  ::sigemptyset(&usual);
-  ::sigemptyset(&none);
-  for (const int signal : usualSignals) ::sigaddset(&usual, signal);
+  sigemptyset(&usual);
+  sigemptyset(&none);
+  for (const int signal : usualSignals) sigaddset(&usual, signal);
   ::posix_spawnattr_setsigdefault(&attributes, &usual);
   ::posix_spawnattr_setsigmask(&attributes, &none);
   ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_CLOEXEC_DEFAULT |

@@ -42,16 +42,16 @@ Pipe makePipe() {
 class BrokenPipeHeldBack {
  public:
   BrokenPipeHeldBack() {
-    ::sigemptyset(&broken_);
-    ::sigaddset(&broken_, SIGPIPE);
+    sigemptyset(&broken_);  // which is a macro on some systems
+    sigaddset(&broken_, SIGPIPE);
     ::pthread_sigmask(SIG_BLOCK, &broken_, &before_);
   }
   ~BrokenPipeHeldBack() {
     sigset_t pending;
-    ::sigemptyset(&pending);
+    sigemptyset(&pending);
     ::sigpending(&pending);
     int taken = 0;
-    if (::sigismember(&pending, SIGPIPE) == 1) ::sigwait(&broken_, &taken);
+    if (sigismember(&pending, SIGPIPE) == 1) ::sigwait(&broken_, &taken);
     ::pthread_sigmask(SIG_SETMASK, &before_, nullptr);
   }
   BrokenPipeHeldBack(const BrokenPipeHeldBack&) = delete;
