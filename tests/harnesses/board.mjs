@@ -28,9 +28,9 @@ export class Board {
     await once(this.process, "exit");
   }
 
-  /** What the person types, and what the board says to it. */
-  async person(words, input = "") {
-    const asked = run(this.program, ["--dir", this.folder, ...words], { env: {} });
+  /** What the person types, and what the board says to it; in a terminal with these variables. */
+  async person(words, { input = "", env = {}, cwd } = {}) {
+    const asked = run(this.program, ["--dir", this.folder, ...words], { env, cwd });
     asked.child.stdin.on("error", () => {}); // a command that reads nothing may have ended
     asked.child.stdin.end(input);
     const { stdout, stderr } = await asked;

@@ -46,7 +46,12 @@ export class Home {
   }
 }
 
+/** What a session begins with. */
 const prompt = "Work the board.";
+
+/** The command line with which a harness is allowed as a helper, with the place of its opening line. */
+export const helperWords = (harness, model) =>
+  harness.words(model, {}).map((word) => (word === prompt ? "{prompt}" : word));
 
 /** Changes a JSON text. */
 const edited = (change) => (text) => JSON.stringify(change(JSON.parse(text)), null, 2);

@@ -5,6 +5,7 @@ import { mkdtemp } from "node:fs/promises";
 import { join } from "node:path";
 import { setTimeout as pause } from "node:timers/promises";
 
+import { helperWords } from "./harnesses.mjs";
 import { Terminal, shown } from "./terminal.mjs";
 import { brief, count, gist, missing, plain, prefixIn, reference, tagged, unanswered } from "./texts.mjs";
 
@@ -131,7 +132,9 @@ class Session {
 
   /** A brief of 60 KB, whose lines are numbered so that what is missing can be named. */
   async longResult(model, step = "result of 60 KB") {
-    const added = await this.board.person(["add", "A long brief", "--body", "-"], brief.join("\n"));
+    const added = await this.board.person(["add", "A long brief", "--body", "-"], {
+      input: brief.join("\n"),
+    });
     const text = await model.call("read_task", { taskID: added.match(/\bt\d{6}\b/)[0] });
     if (text === undefined) {
       this.note(step, unanswered);
@@ -276,6 +279,91 @@ class Session {
     });
   }
 
+  /** The same harness twice: its agent asks for hands, and the board starts it in the background. */
+  async helper() {
+    const folder = await this.folder();
+    const helper = await Terminal.setUp(this.place, this.harness, { folder });
+    const more = this.harness.more(helper.model, {});
+    const command = [helper.program, ...helperWords(this.harness, helper.model)];
+    const allow = ["helper", "allow", "counter", "--with-tools", "--without-approvals"];
+    const named = Object.keys(more).length > 0 ? ["--env", Object.keys(more).join(",")] : [];
+    try {
+      await this.board.person([...allow, ...named, "--", ...command], {
+        env: { ...helper.environment, ...more },
+        cwd: helper.work,
+      });
+      await this.inTerminal({ name: "Gil" }, async (_terminal, asker) => {
+        if (asker.tools.length === 0) await this.searched(asker);
+        await asker.call("register", { name: "Gil" });
+        const brief = "Two loaves of rye and three of wheat are left. How many is that?";
+        const asked = await asker.call("request_hands", { title: "Count the loaves", brief });
+        const [handle, id] = [/handed to (\w+), a new helper/, /\b(t\d{6})\b/].map((part) => asked?.match(part)?.[1]);
+        if (!handle || !id) {
+          this.note("as a helper", `none was started: ${gist(asked)}`);
+          return;
+        }
+        const heard = this.heard(asker, "Five loaves");
+        const worked = await this.worked(helper.model, id);
+        const text = await heard;
+        this.note(
+          "as a helper",
+          `${worked}; whoever asked ${text ? "was woken with the result" : "was not woken"}; ` +
+            `the person reads: ${gist(await this.ended(handle))}`,
+        );
+        await asker.call("stop_helper", { agent: handle });
+      }, "as a helper");
+    } finally {
+      helper.model.stop();
+      await this.board.person(["helper", "forget", "counter"]);
+    }
+  }
+
+  /** Waits until a wait brings these words; absent when four bring others. */
+  async heard(model, words) {
+    for (let waits = 0; waits < 4; ++waits) {
+      const text = await model.call("wait_for_changes", { timeoutSeconds: 60 });
+      if (text?.includes(words)) return text;
+    }
+    return undefined;
+  }
+
+  /** What a helper's agent does with the task that its first prompt names. */
+  async worked(model, id) {
+    const first = await model.request(180);
+    if (!first) return "its model was asked for nothing";
+    if (!first.prompts.join("\n").includes(`read_task with the taskID ${id}`))
+      return `its prompt names no task: ${gist(first.prompts.at(-1))}`;
+    if (model.tools.length === 0) await this.searched(model);
+    const calls = [
+      ["register", { name: "Counter" }],
+      ["read_task", { taskID: id }],
+      ["claim_task", { taskID: id }],
+      ["complete_task", { taskID: id, summary: "Five loaves are left." }],
+      ["unregister", {}],
+    ];
+    const refused = [];
+    for (const [name, args] of calls) {
+      const text = await model.call(name, args, 60);
+      if (!tagged(text)) refused.push(`${name}: ${gist(text)}`);
+    }
+    model.say("The loaves are counted.");
+    return refused.length > 0
+      ? refused.join(", ")
+      : "its first prompt named its task; register, read, claim, complete and unregister were answered";
+  }
+
+  /** How the process of a helper ended, as the board tells the person, without what it wrote. */
+  async ended(handle) {
+    let row;
+    for (let tries = 0; tries < 60; ++tries) {
+      const { hands } = JSON.parse(await this.board.person(["helper", "list", "--json"]));
+      row = hands.find((one) => one.handle === handle);
+      if (!["starting", "running"].includes(row?.state)) break;
+      await pause(500);
+    }
+    return row ? `${row.state}, ${row.remark.split(": ")[0]}` : "it is not listed";
+  }
+
   async longer() {
     if (!this.harness.longer) return;
     await this.inTerminal({ longer: true }, async (_terminal, model) => {
@@ -289,7 +377,7 @@ class Session {
 /** Plays everything through one harness. */
 export async function play(place, board, harness, note) {
   const session = new Session(place, board, harness, note);
-  for (const part of ["check", "main", "longer", "two", "windows", "without", "bundle"]) {
+  for (const part of ["check", "main", "longer", "two", "windows", "without", "helper", "bundle"]) {
     try {
       await session[part]();
     } catch (error) {

@@ -43,19 +43,16 @@ export class Terminal {
   output = "";
 
   /**
-   * Sets a harness up for a seat and starts it. Terminals with the same `folder` are of one user, and
-   * share what the harness keeps in its home directory. With `window`, words of a command line, it
-   * has a window in a terminal of its own, and otherwise reads nothing. `command` are other words than
-   * those that play a session.
+   * Sets a harness up for a user of its own: where it works, its program and its model, and what the
+   * environment of that user's terminals has but for a seat.
    */
-  static async open(place, harness, { seat, folder, window, ...options }) {
-    const terminal = new Terminal();
+  static async setUp(place, harness, { folder, ...options }) {
     const home = new Home({ ...place, build: await watched(place.build, folder), folder: join(folder, "home") });
     const work = join(folder, "work");
     await mkdir(home.folder, { recursive: true });
     await mkdir(work, { recursive: true });
     const model = await Model.start(place.log);
-    await harness.setUp(home, { ...options, window, model, work });
+    await harness.setUp(home, { ...options, model, work });
     const environment = {
       HOME: home.folder,
       PATH: `${place.programs}:${place.node}:/usr/bin:/bin`,
@@ -63,11 +60,26 @@ export class Terminal {
       TERM: "xterm-256color",
       SHELL: "/bin/bash",
       UNRELATED: "1",
+    };
+    return { home, work, model, environment, program: join(place.programs, harness.program) };
+  }
+
+  /**
+   * Sets a harness up for a seat and starts it. Terminals with the same `folder` are of one user, and
+   * share what the harness keeps in its home directory. With `window`, words of a command line, it
+   * has a window in a terminal of its own, and otherwise reads nothing. `command` are other words than
+   * those that play a session.
+   */
+  static async open(place, harness, { seat, folder, window, ...options }) {
+    const terminal = new Terminal();
+    const { home, work, model, program, ...made } =
+      await Terminal.setUp(place, harness, { ...options, folder, window });
+    const environment = {
+      ...made.environment,
       ...seat.environment,
       ...harness.more(model, options),
       ...options.more,
     };
-    const program = join(place.programs, harness.program);
     if (options.bundled) {
       const contrib = await home.copyContrib();
       for (const line of harness.bundle.install) {
