@@ -39,6 +39,10 @@ file(WRITE ${doc}/changelog "${name} (${CPACK_PACKAGE_VERSION}) unstable; urgenc
 
  -- ${CPACK_PACKAGE_CONTACT}  ${now}
 ")
+# The page's program is started by a command of the board's, whose manual says how.
+if(EXISTS ${usr}/bin/quillpost-page)
+  file(WRITE ${usr}/share/man/man1/quillpost-page.1 ".so man1/quillpost-board.1\n")
+endif()
 file(GLOB pages ${usr}/share/man/man1/*.1)
 execute_process(COMMAND gzip -9 -n ${doc}/changelog ${pages} COMMAND_ERROR_IS_FATAL ANY)
 

@@ -99,7 +99,8 @@ if(QUILLPOST_STATIC_BOARD AND staticPie)
 endif()
 if(TARGET quillpost-page AND NOT HTTPLIB_LIBRARY)
   get_filename_component(httplibPrefix ${HTTPLIB_INCLUDE_DIR} DIRECTORY)
-  quillpost_licence(httplib "${httplibPrefix}/opt/cpp-httplib/LICENSE*")
+  quillpost_licence(httplib "${httplibPrefix}/opt/cpp-httplib/LICENSE*;\
+/usr/share/doc/libcpp-httplib-dev/copyright")
 endif()
 if(NOT APPLE)
   # The C++ runtime is linked in too; on macOS it belongs to the system.

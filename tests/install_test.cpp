@@ -103,6 +103,7 @@ std::vector<std::string> expectedFiles(bool isDebian) {
     files = {"share/man/man1/qp.1.gz",
              "share/man/man1/quillpost-teamwork.1.gz",
              "share/man/man1/quillpost-board.1.gz",
+             "share/man/man1/quillpost-page.1.gz",
              "share/zsh/vendor-completions/_qp",
              doc + "copyright",
              doc + "changelog.gz"};

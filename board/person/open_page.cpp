@@ -47,7 +47,11 @@ PageProgram startPage(const Line& line, const Surroundings& around, std::string&
   Program program{pageWords(line, around.program), around.variables};
   program.variables.push_back(text::cat(boardProcessVariable, "=", ::getpid()));
   const std::optional<Spawned> spawned = spawn(program, why);
-  return PageProgram(spawned ? spawned->pid : -1);
+  if (spawned) return PageProgram(spawned->pid);
+  why +=
+      ". The page is a program of its own: a release has it beside quillpost-board, and a build "
+      "makes it where the library cpp-httplib is installed";
+  return {};
 }
 
 int openPage(const Line& line, const Surroundings& around) {

@@ -38,8 +38,8 @@ class PageProgram {
   pid_t pid_ = -1;
 };
 
-/// Starts it, to end with this process. Not running when that cannot be: then `why`
-/// says so.
+/// Starts it, to end with this process. Not running when that cannot be: then `why` says so, and
+/// where the program is to be had.
 PageProgram startPage(const Line& line, const Surroundings& around, std::string& why);
 
 }  // namespace quillpost::board

@@ -1,9 +1,14 @@
 #include "board/person/open_page.h"
 
+#include "base/clock.h"
 #include "board/person/commanded.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <chrono>
+#include <csignal>
+#include <filesystem>
 
 namespace quillpost::board {
 namespace {
@@ -35,6 +40,28 @@ TEST(PageCommand, SaysInWordsWhyThereIsNoPage) {
   EXPECT_THAT(board.type({"page", "--port", "70000"}).errors, HasSubstr("70000 is no port"));
   EXPECT_THAT(board.type({"page", "--thread", "other"}).errors,
               HasSubstr("There is no thread called \"other\""));
+}
+
+TEST(PageCommand, SaysWhereItsProgramIsToBeHadWhenItIsMissing) {
+  const testing::TempDir dir;
+  const std::string alone = dir.pathOf("quillpost-board");
+  std::filesystem::create_symlink(testing::boardProgram(), alone);
+  const auto expectToBeTold = [](const std::string& errors) {
+    EXPECT_THAT(errors, HasSubstr("/quillpost-page: No such file or directory. The page is a "
+                                  "program of its own: a release has it beside quillpost-board"));
+  };
+  testing::Process page({alone, {"--dir", dir.path(), "page"}, {}});
+  EXPECT_EQ(page.waitForExit(), 1);
+  EXPECT_EQ(page.restOfOutput(), "");
+  expectToBeTold(page.errors());
+
+  // A board is served without its page rather than not at all.
+  testing::Process board({alone, {"serve", "--page", "--db", ":memory:", "--dir", dir.path()}, {}});
+  for (int i = 0; i < 500 && typed(dir.path(), {"show"}).status != 0; ++i)
+    SteadyClock().sleepFor(std::chrono::milliseconds(20));
+  board.signal(SIGTERM);
+  EXPECT_EQ(board.waitForExit(), 0);
+  expectToBeTold(board.errors());
 }
 
 TEST(PageCommand, ServesTogetherWithTheBoardAndEndsWithIt) {
