@@ -119,7 +119,7 @@ pid_t launchReady(const Ready& ready, int& error) {
   volatile int failed = 0;
   const pid_t pid = ::vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)
   if (pid == 0) {
-    failed = become(ready, board);
+    failed = become(ready, board);  // NOLINT(clang-analyzer-unix.Vfork): as it says above it
     ::_exit(cannotRun);
   }
   error = pid < 0 ? errno : failed;
