@@ -5,10 +5,13 @@ class QuillpostTeamwork < Formula
   head "file://#{File.expand_path("../..", File.dirname(File.realpath(__FILE__)))}",
        using: :git, branch: "main"
 
-  depends_on "cmake" => :build
-  depends_on "ninja" => :build
   depends_on "boost" => :build # linked in, not needed at run time
+  depends_on "cmake" => :build
+  depends_on "cpp-httplib" => :build # headers alone, for the board's page
+  depends_on "ninja" => :build
   depends_on "utf8proc" => :build # linked in, not needed at run time
+
+  uses_from_macos "sqlite"
 
   def install
     system "cmake", "-S", ".", "-B", "build", "-G", "Ninja", "-DBUILD_TESTING=OFF",
