@@ -103,7 +103,7 @@ constexpr ColumnRow columnRows[] = {
     {"what",        words,  ""},
     {"command",     words,  ""},
     {"helper",      word,   ""},
-    {"arguments",   words,  "Runs: "},
+    {"arguments",   exact,  "Runs: "},
     {"directory",   words,  "In: "},
     {"marks",       words,  ""},
     {"reason",      words,  ""},

@@ -10,6 +10,7 @@ namespace quillpost::board {
 enum class ColumnKind {
   word,   // never cut
   words,  // as much as there is room for
+  exact,  // as it stands, with marks for what cannot be seen; never cut, folded or wrapped
   note,   // the same, in a line of its own below
   number,
   ago,    // a time, shown as how long ago it was

@@ -1,5 +1,6 @@
 #include "board/person/helper.h"
 
+#include "base/display.h"
 #include "base/text.h"
 #include "board/person/client.h"
 #include "board/person/command_path.h"
@@ -80,7 +81,7 @@ std::optional<Helper> helperHere(const Line& line, const Surroundings& around, s
   helper.directory =
       std::filesystem::canonical(line.startIn.empty() ? "." : line.startIn, failed).string();
   if (failed || !std::filesystem::is_directory(helper.directory, failed)) {
-    why = text::cat("there is no directory ", line.startIn);
+    why = text::cat("there is no directory ", line.startIn.empty() ? "here" : line.startIn);
     return std::nullopt;
   }
   std::optional<std::vector<std::string>> variables =
@@ -112,7 +113,7 @@ int approveHelper(const Line& line, const Surroundings& around) {
     Line approved = line;
     approved.request.command = std::string(cellOf(*suggested, row, "arguments"));
     print(text::cat(helper->id, ", suggested by ", cellOf(*suggested, row, "by"), ", would run in ",
-                    helper->directory, ":\n  ", *approved.request.command,
+                    helper->directory, ":\n  ", displayed(*approved.request.command, Marks::all),
                     "\nwith the line that names its task in the place of ", promptPlace,
                     ", or as one more argument."));
     if (!isAgreed(line)) return complain("nothing is allowed; --yes says so without being asked");

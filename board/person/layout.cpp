@@ -101,6 +101,8 @@ class Layout {
       words = clockText(number, sheet_.nowMs);
     } else if (column.kind == ColumnKind::items) {
       words = itemsText(column, cell);
+    } else if (column.kind == ColumnKind::exact) {
+      words = displayed(cell, Marks::all);
     } else {
       words = displayedInLine(cell);
     }
@@ -164,6 +166,10 @@ class Layout {
       const std::string words = shown(look.columns[i], cellAt(row, i));
       if (isShort(look.columns[i].kind) || words.empty()) continue;
       out_.append(indent, ' ');
+      if (look.columns[i].kind == ColumnKind::exact) {
+        out_ += words + "\n";
+        continue;
+      }
       const bool isHint = look.columns[i].name == "do";
       addWrapped(words, indent + (isHint ? gap : 0), isHint ? "36m" : "");
     }

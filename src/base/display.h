@@ -12,11 +12,12 @@ namespace quillpost {
 enum class Marks {
   visible,  // as a picture of it or its number, to be read by a person
   escapes,  // as JSON writes it, so that JSON stays what it was
+  all,      // as the first, and so is every character that cannot be seen, line feeds included
 };
 
 /// The text with every C0 and C1 control, DEL, and every character that turns the direction of
-/// writing or ends a line in its own way shown as a mark; line feeds and tabs stay. What is not
-/// UTF-8 is marked byte by byte.
+/// writing or ends a line in its own way shown as a mark; line feeds and tabs stay, unless all
+/// marks are wanted. What is not UTF-8 is marked byte by byte.
 std::string displayed(std::string_view text, Marks marks = Marks::visible);
 
 /// The same in one line, with a blank for each run of white space.

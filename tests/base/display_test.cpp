@@ -51,6 +51,21 @@ TEST(Display, NothingThatSteersATerminalIsPrinted) {
     EXPECT_EQ(displayed(sample.text), sample.shown) << sample.name;
 }
 
+TEST(Display, WhatCannotBeSeenIsMarkedWhereNothingMayLookLikeSomethingElse) {
+  const Sample exact[] = {
+      {"what can be seen", "Plain wörds, 板 and \U0001F600.", "Plain wörds, 板 and \U0001F600."},
+      {"line feeds and tabs", "a\n\tb", "a␊␉b"},
+      {"blanks that are no blank", "a\u00a0b\u2003c\u3000", "a<U+00A0>b<U+2003>c<U+3000>"},
+      {"what has no width", "sc\u200bo\u00adut\ufeff", "sc<U+200B>o<U+00AD>ut<U+FEFF>"},
+      {"a tag", "\U000E0041", "<U+E0041>"},
+      {"several blanks", "a  b ", "a  b "},
+      {"an override", "\u202e", "<U+202E>"},
+      {"a byte that is no text", "a\xff", "a\uFFFD"},
+  };
+  for (const Sample& sample : exact)
+    EXPECT_EQ(displayed(sample.text, Marks::all), sample.shown) << sample.name;
+}
+
 TEST(Display, NoControlComesThroughWhateverTheText) {
   for (int lead = 0; lead < 256; ++lead) {
     for (int next = 0; next < 256; ++next) {

@@ -2,7 +2,7 @@
 
 #include "board/person/helper.h"
 
-#include "base/files.h"
+#include "board/alive.h"
 #include "board/person/commanded.h"
 
 #include <gmock/gmock.h>
@@ -32,16 +32,6 @@ bool waitUntil(IsSo&& isSo) {
     SteadyClock().sleepFor(std::chrono::milliseconds(20));
   }
   return true;
-}
-
-/// Whether a process is there that has not ended.
-bool isThere(int64_t pid) {
-  // It may end between the opening of this and the reading.
-  const std::string stat =
-      files::readSmallText(text::cat("/proc/", pid, "/stat")).value_or(std::string());
-  const std::size_t name = stat.rfind(") ");
-  if (name != std::string::npos) return stat[name + 2] != 'Z';
-  return ::kill(static_cast<pid_t>(pid), 0) == 0;
 }
 
 /// A served board whose person allows helpers, and agents who ask for them.
@@ -340,15 +330,16 @@ TEST(Helper, ABoardThatIsKilledTakesItsHelpersAlongAndTheNextOneFindsWhoSurvived
 TEST(HelperCommand, ShowsTheExactListOfArgumentsAndAllowsASuggestionOnlyWhenTold) {
   const HelperBoard desk;
   const auto ada = desk.agent("Ada");
-  EXPECT_THAT(ada->call("suggest_helper",
-                        R"({"name":"mate","command":"mate --say 'a b'","explanation":"reads"})"),
-              HasSubstr("who decides"));
+  EXPECT_THAT(
+      ada->call("suggest_helper",
+                R"({"name":"mate","command":"mate --say 'a  b\nc'","explanation":"reads"})"),
+      HasSubstr("who decides"));
   const std::string list = desk.board.type({"helper", "list"}).output;
-  EXPECT_THAT(list, HasSubstr("Runs: 'mate' '--say' 'a b'\n"));
+  EXPECT_THAT(list, HasSubstr("Runs: 'mate' '--say' 'a  b␊c'\n"));
   EXPECT_THAT(list, HasSubstr("quillpost-board helper approve 'mate'"));
   const Said unsaid = desk.board.type({"helper", "approve", "mate"});
   EXPECT_EQ(unsaid.status, 1);
-  EXPECT_THAT(unsaid.output, HasSubstr("'mate' '--say' 'a b'"));
+  EXPECT_THAT(unsaid.output, HasSubstr("\n  'mate' '--say' 'a  b␊c'\n"));
   EXPECT_THAT(unsaid.errors, HasSubstr("--yes"));
   EXPECT_THAT(desk.board.type({"helper", "list"}).output, Not(HasSubstr("ALLOWED")));
   EXPECT_EQ(desk.board.type({"helper", "approve", "mate", "--yes", "--with-tools"}).status, 0);
