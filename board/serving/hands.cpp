@@ -48,7 +48,7 @@ void Hands::adopt(Board& board, Moment at) {
     left.push_back(session);
     const ProcessMark mark{run.pid, run.startMark};
     if (processes_ == nullptr || processes_->look(mark).state == State::gone) continue;
-    all_.push_back({session, mark, {}, true, 0, {State::running, 0}});
+    all_.push_back({session, mark, {}, {}, true, 0, {State::running, 0}});
   }
   stopRuns(board, left, {"", "the board was started anew"}, at);
   tend(board, at);
@@ -108,10 +108,18 @@ void Hands::start(Board& board, const std::string& session, Moment at) {
   row.startMark = started->mark.start;
   all_.push_back({session,
                   std::move(started->mark),
+                  std::move(started->gate),
                   std::move(started->output),
                   false,
                   0,
                   {State::running, 0}});
+}
+
+void Hands::letGo(const Board& board) {
+  for (Process& process : all_) {
+    const HelperRun* run = board.runs.find(process.run);
+    if (run != nullptr && isAtWork(*run) && run->pid == process.mark.pid) process.gate.open();
+  }
 }
 
 void Hands::askToEnd(Process& process, int64_t nowMs) {

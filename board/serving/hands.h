@@ -40,6 +40,10 @@ class Hands {
   /// of rows that are saved.
   void tend(Board& board, Moment at);
 
+  /// Has the programs of those run whose processes are noted in rows that are saved: a board that
+  /// is killed before leaves nothing behind that the next one would not know.
+  void letGo(const Board& board);
+
   /// Kills what was asked to end and has not. When there is more to be done, in milliseconds since
   /// 1970; nothing when nothing waits.
   std::optional<int64_t> press(int64_t nowMs);
@@ -59,6 +63,7 @@ class Hands {
     /// The session of its seat.
     std::string run;
     ProcessMark mark;
+    Gate gate;
     UniqueFd output;
     /// Whether an earlier board started it, so that nobody tells when it ends.
     bool isOrphan = false;

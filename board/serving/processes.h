@@ -3,6 +3,7 @@
 // The board's one door to processes of its own making.
 
 #include "base/unique_fd.h"
+#include "board/serving/spawning.h"
 
 #include <cstdint>
 #include <optional>
@@ -30,6 +31,8 @@ struct ProcessMark {
 /// A process that has been started.
 struct Started {
   ProcessMark mark;
+  /// What it waits at: its program runs when this has been opened, and never when it is dropped.
+  Gate gate;
   /// What it writes on its standard output and error; reading it never waits.
   UniqueFd output;
 };
@@ -50,8 +53,9 @@ struct Sight {
 struct Processes {
   virtual ~Processes() = default;
 
-  /// Starts a program in a session and a process group of its own, with nothing to read. Nothing
-  /// when it cannot be started: then `why` says so.
+  /// Starts a program in a session and a process group of its own, with nothing to read, up to its
+  /// gate. Nothing when it cannot be started: then `why` says so. When the system finds only behind
+  /// the gate that it cannot, it has written so and ended with `cannotRun`.
   virtual std::optional<Started> start(const Launch& launch, std::string& why) = 0;
 
   /// How the process stands.

@@ -220,7 +220,7 @@ std::optional<int64_t> Service::tick() {
 void Service::tend(Board& board) {
   if (board.runs.empty()) return;
   hands_.tend(board, moment());
-  save(board);
+  if (save(board)) hands_.letGo(board);
 }
 
 void Service::hear(int descriptor) {

@@ -6,6 +6,7 @@
 #include "board/serving/spawning.h"
 #include "board/serving/system.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -22,7 +23,6 @@
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #else
-#include <spawn.h>
 #include <sys/sysctl.h>
 #endif
 
@@ -72,91 +72,95 @@ std::string programOf(const Launch& launch) {
   return {};
 }
 
-/// All that a new process needs, so that nothing is to be made any more once it is there.
+/// Why a launch is not even to be tried: the error that the system would give. 0 when it is.
+int errorOf(const Launch& launch, const std::string& program) {
+  struct stat status {};
+  if (::stat(launch.directory.c_str(), &status) != 0) return errno;
+  if (!S_ISDIR(status.st_mode)) return ENOTDIR;
+  if (::access(launch.directory.c_str(), X_OK) != 0) return errno;
+  return program.empty() ? ENOENT : 0;
+}
+
+std::string cannotRunIn(const Launch& launch, int error) {
+  errno = error;
+  return text::cat("cannot run ", launch.words.front(), " in ", launch.directory, ": ", reason());
+}
+
+/// All that a new process needs.
 struct Ready {
+  const Launch& launch;
   std::string program;
   std::vector<char*> words, variables;
-  const char* directory;
   int input;
   int output;
+  int gate;
 };
 
-#if defined(__linux__)
+/// Closes all that the new process has of this one's but its streams and its gate: one that waits
+/// there holds none of the board's files, sockets and gates. What somebody else opened before the
+/// board began is no business of the program's either.
+void closeAllBut(int gate) {
+  constexpr int first = STDERR_FILENO + 1;
+#if defined(SYS_close_range)
+  const bool isBelow = gate == first || ::syscall(SYS_close_range, first, gate - 1, 0) == 0;
+  if (isBelow && ::syscall(SYS_close_range, gate + 1, ~0U, 0) == 0) return;
+#endif
+  // The board's own are closed when the program begins, and others' are low numbers.
+  constexpr int most = 65536;
+  const int end = std::min(::getdtablesize(), most);
+  for (int descriptor = first; descriptor < end; ++descriptor)
+    if (descriptor != gate) ::close(descriptor);
+}
 
-/// What the new process does until it is the program: system calls alone, since it lives in this
-/// program's memory until then. Gives the error of the call that failed.
-int become(const Ready& ready, pid_t board) {
+/// Whether the gate is opened; otherwise whoever would have opened it is gone.
+bool passes(int gate) {
+  char opened = 0;
+  ssize_t count = 0;
+  do {
+    count = ::read(gate, &opened, 1);
+  } while (count < 0 && errno == EINTR);
+  return count == 1;
+}
+
+/// What the new process does until it is the program, which it is only behind its gate.
+[[noreturn]] void become(const Ready& ready) {
   struct sigaction usual {};
   usual.sa_handler = SIG_DFL;
   for (const int signal : usualSignals) ::sigaction(signal, &usual, nullptr);
-  if (::setsid() < 0) return errno;
+  ::setsid();
+#if defined(__linux__)
   ::prctl(PR_SET_PDEATHSIG, SIGTERM);
-  // The board may have ended before that was asked for.
-  if (::getppid() != board) return ESRCH;
-  if (::dup2(ready.input, STDIN_FILENO) < 0) return errno;
-  for (const int stream : {STDOUT_FILENO, STDERR_FILENO})
-    if (::dup2(ready.output, stream) < 0) return errno;
-#if defined(SYS_close_range)
-  // What somebody else opened before the board began is no business of the program's.
-  ::syscall(SYS_close_range, STDERR_FILENO + 1, ~0U, 0);
 #endif
-  if (::chdir(ready.directory) != 0) return errno;
+  ::dup2(ready.input, STDIN_FILENO);
+  for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) ::dup2(ready.output, stream);
+  closeAllBut(ready.gate);
   sigset_t none;
-  sigemptyset(&none);  // which is a macro on some systems
+  sigemptyset(&none);
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
-  ::execve(ready.program.c_str(), ready.words.data(), ready.variables.data());
-  return errno;
+  if (!passes(ready.gate)) ::_exit(cannotRun);
+  if (::chdir(ready.launch.directory.c_str()) == 0) {
+    ::execve(ready.program.c_str(), ready.words.data(), ready.variables.data());
+  }
+  // Nobody waits for this any more, but what it writes is read.
+  const std::string why = cannotRunIn(ready.launch, errno) + "\n";
+  const ssize_t ignored = ::write(STDERR_FILENO, why.data(), why.size());
+  static_cast<void>(ignored);
+  ::_exit(cannotRun);
 }
 
-/// Starts it: its number, or none and the error.
+/// Starts it up to its gate: its number, or none and the error.
 pid_t launchReady(const Ready& ready, int& error) {
-  // A handler that ran in the new process would act on this one's memory.
+  // A handler of this program's that ran in the new process would write into its pipes.
   sigset_t all;
   sigset_t before;
   sigfillset(&all);
   ::sigprocmask(SIG_SETMASK, &all, &before);
-  const pid_t board = ::getpid();
-  volatile int failed = 0;
-  const pid_t pid = ::vfork();  // NOLINT(clang-analyzer-security.insecureAPI.vfork)
-  if (pid == 0) {
-    failed = become(ready, board);  // NOLINT(clang-analyzer-unix.Vfork): as it says above it
-    ::_exit(cannotRun);
-  }
-  error = pid < 0 ? errno : failed;
+  const pid_t pid = ::fork();
+  if (pid == 0) become(ready);
+  error = pid < 0 ? errno : 0;
   ::sigprocmask(SIG_SETMASK, &before, nullptr);
-  if (pid > 0 && error != 0) ::waitpid(pid, nullptr, 0);
-  return error == 0 ? pid : -1;
+  return pid;
 }
-
-#else
-
-pid_t launchReady(const Ready& ready, int& error) {
-  posix_spawn_file_actions_t files;
-  posix_spawnattr_t attributes;
-  ::posix_spawn_file_actions_init(&files);
-  ::posix_spawnattr_init(&attributes);
-  ::posix_spawn_file_actions_adddup2(&files, ready.input, STDIN_FILENO);
-  ::posix_spawn_file_actions_adddup2(&files, ready.output, STDOUT_FILENO);
-  ::posix_spawn_file_actions_adddup2(&files, ready.output, STDERR_FILENO);
-  ::posix_spawn_file_actions_addchdir_np(&files, ready.directory);
-  sigset_t usual;
-  sigset_t none;
-  sigemptyset(&usual);
-  sigemptyset(&none);
-  for (const int signal : usualSignals) sigaddset(&usual, signal);
-  ::posix_spawnattr_setsigdefault(&attributes, &usual);
-  ::posix_spawnattr_setsigmask(&attributes, &none);
-  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSID | POSIX_SPAWN_CLOEXEC_DEFAULT |
-                                              POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
-  pid_t pid = -1;
-  error = ::posix_spawn(&pid, ready.program.c_str(), &files, &attributes, ready.words.data(),
-                        ready.variables.data());
-  ::posix_spawn_file_actions_destroy(&files);
-  ::posix_spawnattr_destroy(&attributes);
-  return error == 0 ? pid : -1;
-}
-
-#endif
 
 }  // namespace
 
@@ -209,25 +213,22 @@ SpawnedProcesses::~SpawnedProcesses() {
 }
 
 std::optional<Started> SpawnedProcesses::start(const Launch& launch, std::string& why) {
-  Pipe pipe;
+  Pipe output;
+  Pipe gate;
   const UniqueFd nothing = aboveStandard(UniqueFd(::open("/dev/null", O_RDONLY | O_CLOEXEC)));
-  Ready ready{programOf(launch),
-              pointersTo(launch.words),
-              pointersTo(launch.variables),
-              launch.directory.c_str(),
-              nothing.get(),
-              pipe.writing.get()};
-  int error = ready.program.empty() ? ENOENT : 0;
-  if (!pipe.writing || !nothing) error = EMFILE;
+  const Ready ready{
+      launch,        programOf(launch),    pointersTo(launch.words), pointersTo(launch.variables),
+      nothing.get(), output.writing.get(), gate.reading.get()};
+  int error = errorOf(launch, ready.program);
+  if (!output.writing || !gate.writing || !nothing) error = EMFILE;
   const pid_t pid = error == 0 ? launchReady(ready, error) : -1;
   if (pid < 0) {
-    errno = error;
-    why = text::cat("cannot run ", launch.words.front(), " in ", launch.directory, ": ", reason());
+    why = cannotRunIn(launch, error);
     return std::nullopt;
   }
   killed_.erase(pid);
-  ::fcntl(pipe.reading.get(), F_SETFL, O_NONBLOCK);
-  return Started{{pid, startOf(pid)}, std::move(pipe.reading)};
+  ::fcntl(output.reading.get(), F_SETFL, O_NONBLOCK);
+  return Started{{pid, startOf(pid)}, Gate(std::move(gate)), std::move(output.reading)};
 }
 
 Sight SpawnedProcesses::look(const ProcessMark& mark) {

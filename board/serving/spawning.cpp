@@ -17,6 +17,14 @@ Pipe::Pipe() {
   writing = aboveStandard(UniqueFd(ends[1]));
 }
 
+void Gate::open() {
+  if (!pipe_) return;
+  // This end reads too, so that there is a reader and no signal when the process has ended.
+  const ssize_t ignored = ::write(pipe_->writing.get(), "", 1);
+  static_cast<void>(ignored);
+  pipe_.reset();
+}
+
 std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
   std::vector<char*> pointers;
   pointers.reserve(texts.size() + 1);

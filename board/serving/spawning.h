@@ -4,7 +4,9 @@
 
 #include "base/unique_fd.h"
 
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace quillpost::board {
@@ -23,6 +25,22 @@ struct Pipe {
   UniqueFd writing;
 
   Pipe();
+};
+
+/// What a new process waits at before it runs its program. Whoever made the process opens it; when
+/// that one dies before, or drops this, the process ends and nothing of the program has run.
+class Gate {
+ public:
+  /// One that nobody waits at.
+  Gate() = default;
+  /// One for whoever reads from this pipe, and has no other end of it.
+  explicit Gate(Pipe pipe) : pipe_(std::move(pipe)) {}
+
+  /// Lets the process go on; nothing when it was done before, or the process has ended.
+  void open();
+
+ private:
+  std::optional<Pipe> pipe_;
 };
 
 /// The texts as the system takes a program's words and variables, with a null pointer at the end.

@@ -145,6 +145,28 @@ TEST_F(HelperHands, WhatCannotBeSavedIsNotStartedTwice) {
   EXPECT_EQ(desk.stateOf(handle), "done");
 }
 
+TEST_F(HelperHands, NoneRunsBeforeItsNumberIsSavedNorOneThatIsToStop) {
+  board::settle(desk.board);
+  const std::string handle = desk.hands("AA2");
+  board::settle(desk.board);
+  hands->tend(desk.board, desk.at);
+  EXPECT_FALSE(processes.isLetGo(0)) << "its number stands in no file yet";
+  revert(desk.board);
+  hands->letGo(desk.board);
+  EXPECT_FALSE(processes.isLetGo(0)) << "it could not be saved";
+  hands->tend(desk.board, desk.at);
+  board::settle(desk.board);
+  hands->letGo(desk.board);
+  hands->letGo(desk.board);
+  EXPECT_TRUE(processes.isLetGo(0));
+
+  processes.ignoresRequests = true;
+  const std::string other = ask();
+  stop(other);
+  hands->letGo(desk.board);
+  EXPECT_FALSE(processes.isLetGo(1)) << "it was stopped before it began";
+}
+
 TEST_F(HelperHands, ABoardThatWasKilledFindsItsHelpersByNumberAndBeginningTogether) {
   processes.ignoresRequests = true;
   const std::string alive = ask();

@@ -410,5 +410,35 @@ TEST(Service, HelpersStartWithTheRequestLoseTheirSeatWithTheirAskerAndEndWithThe
   EXPECT_TRUE(wasRefused(ask(asker, "stop_helper", R"("to":"ZZ9")"), "ZZ9"));
 }
 
+TEST(Service, AHelperRunsOnceItsProcessStandsInTheFileAndNoSooner) {
+  const testing::TempDir dir;
+  std::optional<FullDisk> full;
+  FakeProcesses processes;
+  int64_t nowMs = 1'000'000'000;
+  std::string why;
+  Store store = *Store::open(dir.pathOf("board.db"), why);
+  Settings settings{"agents", "persons", 900'000, "", ""};
+  settings.processes = &processes;
+  Service service(
+      store, store.load(why)->boards, settings, [&] { return nowMs; }, countingRandom());
+  const auto seat = service.answer(requestOf("", personSeat, "", "persons"));
+  const std::string lines = seat.response.message.value_or("");
+  const std::string asker = lines.substr(lines.find("ID='") + 4, 32);
+  service.answer(requestOf(asker, "register", "", "agents"));
+  TeamworkRequest allow = requestOf("", personHelperAllow, "", "persons");
+  allow.body = R"({"id":"scout","directory":"/d","words":["scout"]})";
+  service.answer(allow);
+  // The disk is full just when the process is there.
+  processes.beforeStart = [&] { full.emplace(); };
+  service.answer(requestOf(asker, "request_hands", R"("title":"one")", "agents"));
+  ASSERT_EQ(processes.all.size(), 1u);
+  EXPECT_FALSE(processes.isLetGo(0)) << "a board that is killed now knows of no process";
+  full.reset();
+  nowMs += storeCareMs;
+  service.tick();
+  EXPECT_EQ(processes.all.size(), 1u);
+  EXPECT_TRUE(processes.isLetGo(0));
+}
+
 }  // namespace
 }  // namespace quillpost::board

@@ -2,6 +2,7 @@
 
 #include "base/clock.h"
 #include "base/text.h"
+#include "board/alive.h"
 #include "harness/temp_dir.h"
 
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <filesystem>
 #include <string>
 #include <thread>
 #include <vector>
@@ -43,6 +45,7 @@ struct HelperProcesses : ::testing::Test {
     std::optional<Started> made = processes.start(launch, why);
     EXPECT_TRUE(made) << why;
     if (made) started.push_back(made->mark);
+    if (made) made->gate.open();
     return made ? *std::move(made) : Started{};
   }
   /// What it writes until it holds these words or ends its output.
@@ -100,18 +103,68 @@ TEST_F(HelperProcesses, AreFoundOnTheirOwnPathOrByTheirOwnDirectoryAndElseRefuse
   EXPECT_EQ(read(start({{"mine", "2"}, dir.path(), {text::cat("PATH=/none:", dir.path())}})),
             "mine 2\n");
   dir.write("plain", "no program");
-  dir.write("broken", "no format");
-  ::chmod(dir.pathOf("broken").c_str(), 0755);
   const Launch rows[] = {{{"no-such-program"}, dir.path(), {"PATH=/usr/bin:/bin"}},
                          {{"sh"}, dir.path(), {}},
                          {{"./plain"}, dir.path(), {}},
-                         {{"./broken"}, dir.path(), {}},
-                         {{"/bin/sh"}, "/no/such/directory", {}}};
+                         {{"/bin/sh"}, "/no/such/directory", {}},
+                         {{"/bin/sh"}, dir.pathOf("plain"), {}}};
   for (const Launch& launch : rows) {
     std::string why;
     EXPECT_FALSE(processes.start(launch, why)) << launch.words.front();
     EXPECT_THAT(why, HasSubstr("cannot run " + launch.words.front()));
   }
+}
+
+TEST_F(HelperProcesses, OneThatTheSystemCannotRunSaysSoInWhatItWrites) {
+  dir.write("broken", "no format");
+  ::chmod(dir.pathOf("broken").c_str(), 0755);
+  const Started process = start({{"./broken"}, dir.path(), {}});
+  EXPECT_THAT(read(process), HasSubstr(text::cat("cannot run ./broken in ", dir.path(), ": ")));
+  EXPECT_EQ(lookUntil(process.mark, State::ended).status, cannotRun);
+}
+
+TEST_F(HelperProcesses, NothingOfThemRunsBeforeTheirGateIsOpen) {
+  std::string why;
+  std::optional<Started> first = processes.start(shell("echo $$ >first"), why);
+  std::optional<Started> second = processes.start(shell("echo $$ >second"), why);
+  ASSERT_TRUE(first && second) << why;
+  for (const Started* process : {&*first, &*second}) started.push_back(process->mark);
+  first->gate = Gate();
+  EXPECT_EQ(lookUntil(first->mark, State::ended).status, cannotRun) << "nobody will open it";
+  EXPECT_EQ(processes.look(second->mark).state, State::running);
+  EXPECT_FALSE(std::filesystem::exists(dir.pathOf("second")));
+  second->gate.open();
+  EXPECT_EQ(lookUntil(second->mark, State::ended).status, 0);
+  EXPECT_TRUE(std::filesystem::exists(dir.pathOf("second")));
+  EXPECT_FALSE(std::filesystem::exists(dir.pathOf("first")));
+}
+
+TEST_F(HelperProcesses, OfABoardThatIsKilledBeforeItHasNotedThemNothingIsLeftAndNothingHasRun) {
+  Pipe told;
+  const pid_t board = ::fork();
+  ASSERT_GE(board, 0);
+  if (board == 0) {
+    SpawnedProcesses own;
+    std::string why;
+    const std::optional<Started> one =
+        own.start(shell("trap '' TERM; echo $$ >ran; while :; do sleep 0.05; done"), why);
+    const int64_t pid = one ? one->mark.pid : 0;
+    // Time enough for the program to have done something, if it could.
+    SteadyClock().sleepFor(std::chrono::milliseconds(300));
+    if (::write(told.writing.get(), &pid, sizeof pid) == sizeof pid) ::raise(SIGKILL);
+    ::_exit(1);
+  }
+  int64_t pid = 0;
+  ASSERT_EQ(::read(told.reading.get(), &pid, sizeof pid), static_cast<ssize_t>(sizeof pid));
+  int status = 0;
+  ::waitpid(board, &status, 0);
+  EXPECT_EQ(WTERMSIG(status), SIGKILL);
+  ASSERT_GT(pid, 0);
+  const Instant deadline = SteadyClock().now() + patience;
+  while (isThere(pid) && SteadyClock().now() < deadline)
+    SteadyClock().sleepFor(std::chrono::milliseconds(5));
+  EXPECT_FALSE(isThere(pid));
+  EXPECT_FALSE(std::filesystem::exists(dir.pathOf("ran")));
 }
 
 TEST_F(HelperProcesses, KeepTheirNumberUntilTheyAreSignalledToDie) {

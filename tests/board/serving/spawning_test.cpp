@@ -22,6 +22,30 @@ TEST(Spawning, APipeIsNoStandardStreamAndNoChildInheritsIt) {
   EXPECT_EQ(got, 'x');
 }
 
+TEST(Spawning, AGateIsOpenedOnceAndOneThatIsDroppedIsTheEndOfWhatWaitsAtIt) {
+  const auto wait = [](int end) {
+    char opened = 0;
+    return ::read(end, &opened, 1);
+  };
+  Gate none;
+  none.open();
+  Pipe pipe;
+  UniqueFd waiting(::dup(pipe.reading.get()));
+  Gate gate(std::move(pipe));
+  gate.open();
+  gate.open();
+  EXPECT_EQ(wait(waiting.get()), 1);
+  EXPECT_EQ(wait(waiting.get()), 0);
+
+  Pipe other;
+  waiting = UniqueFd(::dup(other.reading.get()));
+  { const Gate dropped(std::move(other)); }
+  EXPECT_EQ(wait(waiting.get()), 0);
+
+  // Nobody waits there any more, and no signal comes of that.
+  EXPECT_EXIT((Gate(Pipe()).open(), std::_Exit(0)), ::testing::ExitedWithCode(0), "");
+}
+
 TEST(Spawning, TextsEndWithANullPointer) {
   const std::vector<std::string> texts = {"one", ""};
   const std::vector<char*> pointers = pointersTo(texts);
