@@ -8,7 +8,8 @@ import { state, watch } from './store.js';
 import { isShown, watchView } from './views.js';
 
 const section = document.getElementById('graph');
-const WIDTH = 190;
+const NARROW = 190;
+const WIDE = 320;
 const HEIGHT = 44;
 const ACROSS = 70;
 const DOWN = 12;
@@ -17,6 +18,9 @@ const EDGE = 12;
 const picture = svg('svg', { class: 'picture graph', role: 'group', 'aria-label': 'Open tasks and what they wait on' });
 const note = el('p', { class: 'empty' });
 
+// How wide a task is drawn: as wide as there is room for.
+let box = NARROW;
+
 const clip = (text, count) => (text.length > count ? `${text.slice(0, count - 1)}…` : text);
 
 function taskNode({ task, x, y }, inChain) {
@@ -24,15 +28,15 @@ function taskNode({ task, x, y }, inChain) {
   // What is read out says more than there is room for, so the texts stand beside the link.
   const node = svg('g', { class: `node ${task.column}${inChain ? ' chain' : ''}` },
     svg('a', { href: `#${task.id}`, 'aria-label': told }, svg('title', {}, told),
-      svg('rect', { x, y, width: WIDTH, height: HEIGHT, rx: 6 })),
+      svg('rect', { x, y, width: box, height: HEIGHT, rx: 6 })),
     svg('text', { class: 'id', 'aria-hidden': 'true', x: x + 9, y: y + 17 }, `${short(task.id)}  ${task.holder || task.column}`),
-    svg('text', { 'aria-hidden': 'true', x: x + 9, y: y + 34 }, clip(task.title, 27)));
+    svg('text', { 'aria-hidden': 'true', x: x + 9, y: y + 34 }, clip(task.title, Math.floor(box / 7))));
   if (isFiltering() && !isWanted(task)) node.classList.add('unwanted');
   return node;
 }
 
 function edgeNode(from, to, inChain) {
-  const x1 = from.x + WIDTH;
+  const x1 = from.x + box;
   const y1 = from.y + HEIGHT / 2;
   const y2 = to.y + HEIGHT / 2;
   const half = (to.x - x1) / 2;
@@ -44,11 +48,14 @@ function draw() {
   const tasks = [...state.tasks.values()].filter((task) => task.column !== 'done' && !['done', 'declined'].includes(task.state))
     .sort((a, b) => b.priority - a.priority || (a.id < b.id ? -1 : 1));
   const { nodes, edges, chain, alone } = graphOf(tasks);
+  const layers = Math.max(0, ...nodes.map(({ layer }) => layer)) + 1;
+  const room = (section.clientWidth - 3 * EDGE - (layers - 1) * ACROSS) / layers;
+  box = Math.floor(Math.min(WIDE, Math.max(NARROW, room)));
   const places = new Map(nodes.map((node) => [node.task.id, {
-    ...node, x: EDGE + node.layer * (WIDTH + ACROSS), y: EDGE + node.place * (HEIGHT + DOWN) }]));
+    ...node, x: EDGE + node.layer * (box + ACROSS), y: EDGE + node.place * (HEIGHT + DOWN) }]));
   const links = new Set(chain.slice(1).map((id, i) => `${chain[i]} ${id}`));
   const inChain = new Set(chain);
-  const width = Math.max(0, ...[...places.values()].map(({ x }) => x + WIDTH)) + EDGE;
+  const width = Math.max(0, ...[...places.values()].map(({ x }) => x + box)) + EDGE;
   const height = Math.max(0, ...[...places.values()].map(({ y }) => y + HEIGHT)) + EDGE;
   picture.setAttribute('viewBox', `0 0 ${width} ${height}`);
   picture.setAttribute('width', width);
@@ -73,4 +80,5 @@ export function mountGraph() {
   });
   watchView(draw);
   watchFilter(draw);
+  new ResizeObserver(() => draw()).observe(section);
 }

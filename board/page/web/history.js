@@ -34,7 +34,7 @@ function row(move) {
   return el('li', {}, el('time', { title: new Date(Number(move.at)).toLocaleString() }, moment(move.at)),
     el('strong', {}, move.by), el('span', { class: 'move' }, inWords(move.move)),
     el('span', { class: 'what' }, move.task && [linkTo(move.task), ' '], title,
-      move.what && move.what !== title ? ` — ${move.what}` : ''));
+      move.what && move.what !== title ? `${title && ' — '}${move.what}` : ''));
 }
 
 async function draw(isStale = false) {

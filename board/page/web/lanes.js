@@ -25,7 +25,7 @@ let view = null;
 const whole = () => {
   const from = Math.min(...bars.map((bar) => bar.from));
   const to = now();
-  const margin = Math.max(30_000, (to - from) * 0.02);
+  const margin = Math.max(3_000, (to - from) * 0.03);
   return { from: from - margin, to: to + margin };
 };
 
@@ -33,24 +33,33 @@ function barNode(bar, x, y, end) {
   const left = Math.max(LABEL, x(bar.from));
   const right = Math.max(left + 3, Math.min(end, x(bar.to)));
   const title = state.tasks.get(bar.task)?.title ?? '';
-  const room = Math.floor((right - left - 8) / 6.6);
   const words = `${short(bar.task)} ${title}`;
   const told = `${words}: ${ENDS[bar.end]}, ${moment(bar.from)} for ${span(bar.to - bar.from)}`
     + (bar.asks.length ? `, ${bar.asks.length} question${bar.asks.length > 1 ? 's' : ''}` : '');
-  const width = (ask) => Math.max(3, Math.min(right, x(ask.to || bar.to)) - Math.max(left, x(ask.from)));
+  const asks = bar.asks.map((ask) => {
+    const at = Math.max(left, x(ask.from));
+    return { at, width: Math.max(3, Math.min(right, x(ask.to || bar.to)) - at) };
+  });
+  // As much of the words as there is room for, unless that is next to nothing.
+  const label = (text, at, width, kind) => {
+    const room = Math.floor((width - 8) / 6.6);
+    return room > 3 && svg('text', { class: kind, 'aria-hidden': 'true', x: at + 5, y: y + 14 },
+      text.length > room ? `${text.slice(0, room - 1)}…` : text);
+  };
   // What is read out says more than there is room for, so the texts stand beside the link.
   return svg('g', { class: `bar ${bar.end}` },
     svg('a', { href: `#${bar.task}`, 'aria-label': told }, svg('title', {}, told),
       svg('rect', { x: left, y, width: right - left, height: ROW - 4, rx: 4 }),
-      bar.asks.map((ask) => svg('rect', { class: 'asking', x: Math.max(left, x(ask.from)), y, width: width(ask), height: ROW - 4, rx: 2 }))),
-    bar.asks.map((ask) => svg('text', { class: 'mark', 'aria-hidden': 'true', x: Math.max(left, x(ask.from)) + 3, y: y + 15 }, '?')),
-    room > 3 && !bar.asks.length && svg('text', { 'aria-hidden': 'true', x: left + 5, y: y + 14 }, words.length > room ? `${words.slice(0, room - 1)}…` : words));
+      asks.map(({ at, width }) => svg('rect', { class: 'asking', x: at, y, width, height: ROW - 4, rx: 2 }))),
+    label(words, left, (asks[0]?.at ?? right) - left, 'words'),
+    asks.map(({ at, width }) => label(`? ${words}`, at, width, 'mark')
+      || svg('text', { class: 'mark', 'aria-hidden': 'true', x: at + 3, y: y + 14 }, '?')));
 }
 
 function axis(scale, x, width, height) {
   return ticksOf(scale.from, scale.to, Math.max(3, width / 110)).filter((at) => x(at) > LABEL).map((at) =>
-    svg('g', { class: 'tick' }, svg('line', { x1: x(at), x2: x(at), y1: TOP - 6, y2: height }),
-      svg('text', { x: x(at) + 3, y: TOP - 10 }, moment(at))));
+    svg('g', { class: x(at) > width - 90 ? 'tick last' : 'tick' }, svg('line', { x1: x(at), x2: x(at), y1: TOP - 6, y2: height }),
+      svg('text', { x: x(at) + (x(at) > width - 90 ? -3 : 3), y: TOP - 10 }, moment(at))));
 }
 
 function paint() {
