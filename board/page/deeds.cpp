@@ -1,8 +1,10 @@
 #include "board/page/deeds.h"
 
+#include "board/page/launch.h"
 #include "board/verbs/person.h"
 #include "json/decoder.h"
 #include "json/record.h"
+#include "json/writer.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -19,6 +21,7 @@ constexpr std::string_view deeds[] = {
     personAnswer, personComment, personReply,  personAdd,    personEdit,    personAssign,
     personRelease, personReopen, personDone,   personReject, personDelete,  personRestore,
     personGoal,   personCharter, personConfirmGoal, personReopenGoal, personSay, personSquad,
+    personHelperAllow, personHelperForget, personHelperApprove, personHelperRefuse,
 };
 // clang-format on
 
@@ -26,10 +29,10 @@ constexpr std::string_view deeds[] = {
 struct Wish {
   std::string method;
   std::optional<std::string> name, taskID, to, body, title, taskType, assignedRole,
-      routedToFingerprint, releaseReason, blockerQuestion;
+      routedToFingerprint, releaseReason, blockerQuestion, agent, explanation, command;
   std::optional<int64_t> priority;
-  std::optional<bool> approve, acknowledgeOpenTasks;
-  std::optional<std::vector<std::string>> resources, waitsOn;
+  std::optional<bool> approve, acknowledgeOpenTasks, runsWithoutApprovals, quillpostTools;
+  std::optional<std::vector<std::string>> resources, waitsOn, words;
 
   bool operator==(const Wish&) const = default;
 
@@ -47,15 +50,26 @@ struct Wish {
         json::optional("routedToFingerprint",  &Wish::routedToFingerprint),
         json::optional("releaseReason",        &Wish::releaseReason),
         json::optional("blockerQuestion",      &Wish::blockerQuestion),
+        json::optional("agent",                &Wish::agent),
+        json::optional("explanation",          &Wish::explanation),
+        json::optional("command",              &Wish::command),
         json::optional("priority",             &Wish::priority),
         json::optional("approve",              &Wish::approve),
         json::optional("acknowledgeOpenTasks", &Wish::acknowledgeOpenTasks),
+        json::optional("runsWithoutApprovals", &Wish::runsWithoutApprovals),
+        json::optional("quillpostTools",       &Wish::quillpostTools),
         json::optional("resources",            &Wish::resources),
         json::optional("waitsOn",              &Wish::waitsOn),
+        json::optional("words",                &Wish::words),
     };
     // clang-format on
   }
 };
+
+/// Whether a deed allows a helper, so that it describes one.
+bool isAllowing(std::string_view method) {
+  return method == personHelperAllow || method == personHelperApprove;
+}
 
 }  // namespace
 
@@ -63,7 +77,8 @@ bool isDeedOfPage(std::string_view method) {
   return std::ranges::find(deeds, method) != std::end(deeds);
 }
 
-std::optional<TeamworkRequest> deedOf(const std::string& body, std::string& why) {
+std::optional<TeamworkRequest> deedOf(const std::string& body, const Surroundings& around,
+                                      std::string& why) {
   std::optional<Wish> wish = json::decode<Wish>(std::string(body));
   if (!wish) {
     why = "that is not what the page writes";
@@ -74,6 +89,15 @@ std::optional<TeamworkRequest> deedOf(const std::string& body, std::string& why)
     return std::nullopt;
   }
   TeamworkRequest request;
+  if (isAllowing(wish->method)) {
+    const std::optional<Helper> helper = helperWished(
+        {wish->agent.value_or(""), wish->explanation.value_or(""),
+         std::move(wish->words).value_or(std::vector<std::string>{}),
+         wish->runsWithoutApprovals.value_or(false), wish->quillpostTools.value_or(false)},
+        around, why);
+    if (!helper) return std::nullopt;
+    wish->body = json::encode(*helper);
+  }
   request.method = std::move(wish->method);
   request.name = std::move(wish->name);
   request.taskID = std::move(wish->taskID);
@@ -85,6 +109,8 @@ std::optional<TeamworkRequest> deedOf(const std::string& body, std::string& why)
   request.routedToFingerprint = std::move(wish->routedToFingerprint);
   request.releaseReason = std::move(wish->releaseReason);
   request.blockerQuestion = std::move(wish->blockerQuestion);
+  request.agent = std::move(wish->agent);
+  request.command = std::move(wish->command);
   request.priority = wish->priority;
   request.approve = wish->approve;
   request.acknowledgeOpenTasks = wish->acknowledgeOpenTasks;

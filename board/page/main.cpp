@@ -115,7 +115,7 @@ int servePage(const Line& line, const Surroundings& around) {
   }
   std::random_device device;
   const std::string key = mintSecret([&device] { return static_cast<uint32_t>(device()); });
-  Site site(key, ask, line.thread);
+  Site site({key, ask, line.thread, around});
   const int port = bindTo(site, line.port, why);
   if (port == 0) return complain(why.empty() ? "no port is free" : why);
   site.start();

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "board/page/deeds.h"
 #include "board/page/guard.h"
+#include "board/page/launch.h"
 #include "board/page/web_files.h"
 #include "board/verbs/person.h"
 #include "json/record.h"
@@ -103,6 +104,7 @@ struct Site::Inside {
   Doorway doorway;
   AskBoard ask;
   std::string thread;
+  Surroundings around;
   httplib::Server servers[2];
   std::vector<std::thread> threads;
   std::mutex mutex;
@@ -111,8 +113,10 @@ struct Site::Inside {
   std::atomic<bool> isOver = false;
 
   void prepare(httplib::Server& server);
+  void route(httplib::Server& server);
   void showSheet(TeamworkRequest request, const httplib::Request& in, httplib::Response& out);
   void carryOutDeed(const httplib::Request& in, httplib::Response& out);
+  void showLaunch(const httplib::Request& in, httplib::Response& out) const;
   void streamMoves(const httplib::Request& in, httplib::Response& out);
   Feed* feedOf(const std::string& name);
 };
@@ -132,7 +136,7 @@ void Site::Inside::showSheet(TeamworkRequest request, const httplib::Request& in
 
 void Site::Inside::carryOutDeed(const httplib::Request& in, httplib::Response& out) {
   std::string why;
-  std::optional<TeamworkRequest> deed = deedOf(in.body, why);
+  std::optional<TeamworkRequest> deed = deedOf(in.body, around, why);
   if (!deed) return fail(out, unreadable, std::move(why));
   if (!deed->name) deed->name = thread;
   std::optional<TeamworkResponse> response = ask(*std::move(deed), why);
@@ -141,6 +145,13 @@ void Site::Inside::carryOutDeed(const httplib::Request& in, httplib::Response& o
     return fail(out, refusedByBoard, std::move(response->message).value_or(""));
   }
   answerWith(out, json::encode(Outcome{response->message, response->notice, {}}));
+}
+
+void Site::Inside::showLaunch(const httplib::Request& in, httplib::Response& out) const {
+  std::string why;
+  std::optional<std::string> launch = launchOf(in.body, around, why);
+  if (!launch) return fail(out, unreadable, std::move(why));
+  answerWith(out, *std::move(launch));
 }
 
 /// The feed of a Thread; null when too many are followed.
@@ -199,6 +210,10 @@ void Site::Inside::prepare(httplib::Server& server) {
     }
     return Handled::Unhandled;
   });
+  route(server);
+}
+
+void Site::Inside::route(httplib::Server& server) {
   const auto onGet = [&](const char* path, auto requestFor) {
     server.Get(path, [this, requestFor](const httplib::Request& in, httplib::Response& out) {
       TeamworkRequest request;
@@ -222,17 +237,22 @@ void Site::Inside::prepare(httplib::Server& server) {
     request.taskID = given(in, "task");
     if (const auto since = given(in, "since")) request.holdMs = text::parseInteger(*since);
   });
+  onGet("/api/helpers",
+        [](const httplib::Request&, TeamworkRequest& request) { request.method = personHelpers; });
   server.Get("/api/moves",
              [this](const httplib::Request& in, httplib::Response& out) { streamMoves(in, out); });
   server.Post("/api/do", [this](const httplib::Request& in, httplib::Response& out) {
     carryOutDeed(in, out);
   });
+  server.Post("/api/launch",
+              [this](const httplib::Request& in, httplib::Response& out) { showLaunch(in, out); });
 }
 
-Site::Site(std::string key, AskBoard ask, std::string thread) : inside_(new Inside) {
-  inside_->doorway.key = std::move(key);
-  inside_->ask = std::move(ask);
-  inside_->thread = std::move(thread);
+Site::Site(SiteSettings settings) : inside_(new Inside) {
+  inside_->doorway.key = std::move(settings.key);
+  inside_->ask = std::move(settings.ask);
+  inside_->thread = std::move(settings.thread);
+  inside_->around = std::move(settings.around);
   for (httplib::Server& server : inside_->servers) inside_->prepare(server);
 }
 

@@ -3,6 +3,7 @@
 // The page over HTTP: its files, what the board shows, what moves on it, and what the person does.
 
 #include "board/page/feed.h"
+#include "board/person/commands.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,12 +23,21 @@ inline constexpr int clientPatience = 5;
 /// How many Threads can be followed at once.
 inline constexpr std::size_t feedsAtMost = 16;
 
+/// What a page is served with.
+struct SiteSettings {
+  /// What every request carries.
+  std::string key;
+  AskBoard ask;
+  /// The Thread that is shown first; empty for the first one made.
+  std::string thread;
+  /// The terminal that a helper gets its directory and its variables from.
+  Surroundings around;
+};
+
 /// The page, served on this machine's own addresses and on no other.
 class Site {
  public:
-  /// What every request carries, how the board is asked, and the Thread that is shown first (empty
-  /// for the first one made).
-  Site(std::string key, AskBoard ask, std::string thread);
+  explicit Site(SiteSettings settings);
   ~Site();
   Site(const Site&) = delete;
   Site& operator=(const Site&) = delete;

@@ -2,21 +2,9 @@
 // many tasks, small screens, and whoever cannot see it.
 
 import assert from 'node:assert/strict';
-import { readFile } from 'node:fs/promises';
-import { createRequire } from 'node:module';
 import { describe, it } from 'node:test';
 
-import { begin, card, column, drawer, openIn, openTab, setTheStage, stage } from './stage.mjs';
-
-const axe = await readFile(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
-
-/** What axe finds that is serious or worse. */
-async function findings(tab) {
-  await tab.evaluate(axe);
-  const { violations } = await tab.evaluate(() => globalThis.axe.run(document, { resultTypes: ['violations'] }));
-  return violations.filter(({ impact }) => impact === 'serious' || impact === 'critical')
-    .map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120)).join(' | ')}`);
-}
+import { begin, card, column, drawer, findings, openIn, openTab, setTheStage, stage } from './stage.mjs';
 
 /** An agent with a question, a discussion and a review on a board of some tasks. */
 async function busyBoard(board) {
@@ -31,6 +19,8 @@ async function busyBoard(board) {
   await bo.qp('claim', 't000002', 'then', 'update', 't000002', '--progress', 'drawing', 'then', 'request-review', 't000002');
   await bo.qp('claim', 't000003', 'then', 'done', 't000003', 'It reads');
   await ada.qp('discuss', 'Bolts or glue?', '--task-id', 't000002', '--address-to', 'human');
+  await bo.qp('suggest', '--name', 'scout', '--command', "scout -p 'a b'", '--explanation', 'Reads code', '--reason', 'To look around');
+  await board.type('helper', 'allow', 'counter', '--explanation', 'adds up', '--', 'counter', '-p');
   return { ada, bo };
 }
 
@@ -119,7 +109,20 @@ describe('the page over time', () => {
     await tab.keyboard.press('n');
     await tab.keyboard.type('Glue');
     await tab.keyboard.press('Enter');
+    await tab.locator('.need.discussion').waitFor({ state: 'detached' });
+    await tab.keyboard.press('n');
+    assert.equal(await focused(), 'Look and allow …');
+    await tab.keyboard.press('Enter');
+    await tab.getByRole('dialog', { name: 'Suggested helper' }).waitFor();
+    await tab.keyboard.press('Escape');
+    assert.equal(await focused(), 'Look and allow …');
+    await tab.keyboard.press('Tab');
+    assert.equal(await focused(), 'Refuse');
+    await tab.keyboard.press('Enter');
     await tab.locator('.need').waitFor({ state: 'detached' });
+    await tab.keyboard.press('h');
+    await tab.getByRole('dialog', { name: 'Helpers' }).waitFor();
+    await tab.keyboard.press('Escape');
     await tab.keyboard.press('c');
     await tab.keyboard.type('By keys');
     await tab.keyboard.press('Enter');
@@ -155,6 +158,19 @@ describe('the page over time', () => {
     assert.ok(took < 2000, `a move was seen after ${took} ms`);
     await tab.getByRole('searchbox').fill('Task 1999');
     await column(tab, 'ready').getByText('Task 1999').waitFor();
+  });
+
+  it('lets no long column keep the others away where they stand under each other', async () => {
+    await begin(async (board) => {
+      for (let i = 0; i < 30; ++i) await board.ask('person_add', { title: `Task ${i}` });
+    });
+    const tab = await openTab(stage.page.address, { viewport: { width: 380, height: 800 } });
+    const ready = column(tab, 'ready');
+    await ready.locator('.more').scrollIntoViewIfNeeded();
+    await tab.waitForTimeout(300);
+    assert.equal(await ready.locator('a.card').count(), 10);
+    await ready.getByRole('button', { name: '20 more' }).click();
+    assert.equal(await ready.locator('a.card').count(), 20);
   });
 
   it('notifies of a new question once, with one sound, and of nothing that ends well', async () => {
@@ -208,6 +224,17 @@ describe('the page over time', () => {
       await tab.keyboard.press('Escape');
       await tab.getByRole('button', { name: 'New task' }).click();
       assert.deepEqual(await findings(tab), [], 'the form');
+      await tab.keyboard.press('Escape');
+      await tab.getByRole('button', { name: 'Helpers', exact: true }).click();
+      const helpers = tab.getByRole('dialog', { name: 'Helpers' });
+      await helpers.getByLabel('Command').fill("scout --model 'a long name of a model' --never-stop 'until it is done, and then some more words'");
+      await helpers.getByRole('button', { name: 'Show what would run' }).click();
+      await helpers.getByRole('button', { name: 'Allow exactly this' }).waitFor();
+      assert.deepEqual(await findings(tab), [], 'the helpers');
+      assert.equal(await isCut(), false, 'the helpers');
+      await helpers.getByRole('button', { name: 'Look and allow …' }).click();
+      await tab.getByRole('dialog', { name: 'Suggested helper' }).getByText('a b', { exact: true }).waitFor();
+      assert.deepEqual(await findings(tab), [], 'a suggestion');
     });
   }
 });

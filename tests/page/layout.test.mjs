@@ -13,6 +13,8 @@ async function load(name) {
 const { graphOf } = await load('graph_layout.js');
 const { claimsOf, lanesOf, ticksOf } = await load('lanes_layout.js');
 
+const { argumentsOf, marked } = await load('arguments.js');
+
 const task = (id, ...waitsOn) => ({ id, waitsOn });
 const layersOf = ({ nodes }) => Object.fromEntries(nodes.map((node) => [node.task.id, node.layer]));
 const move = (at, by, kind, id, what = '') => ({ at: String(at), by, move: kind, task: id, what });
@@ -87,6 +89,22 @@ describe('the picture of who did what when', () => {
       assert.ok(ticks.length <= 31, `${ticks.length} for ${length}`);
       assert.ok(ticks.every((at) => at >= 1.7e12 && at <= 1.7e12 + length));
     }
+  });
+});
+
+describe('the list of a helper\u2019s arguments', () => {
+  it('is read as it is written, quotes, blanks and empty ones as well', () => {
+    const shown = (list) => list.map((argument) => `'${argument.replaceAll("'", "'\\''")}'`).join(' ');
+    for (const list of [['a'], ['a', 'b c', ''], ["it's", "'", "''", '\\', "\\'"], ['', ''], ["' '", 'x\ny'], ['y'.repeat(100_000)]])
+      assert.deepEqual(argumentsOf(shown(list)), list);
+    for (const text of ['', "'a", "a'", "'a''b'", "'a'  'b'", "'a' ", 'The `command` is to be one simple command'])
+      assert.equal(argumentsOf(text), null, text);
+  });
+
+  it('has a mark for whatever cannot be seen', () => {
+    assert.equal(marked('a b\u00e4\u{1f600}'), 'a b\u00e4\u{1f600}');
+    assert.equal(marked('\t\n\u001b\u007f'), '\u2409\u240a\u241b\u27e8U+007F\u27e9');
+    assert.equal(marked('\u2028\u3164\u{e0041}'), '\u27e8U+2028\u27e9\u27e8U+3164\u27e9\u27e8U+E0041\u27e9');
   });
 });
 

@@ -30,6 +30,7 @@ async function setUp(board) {
   await cy.qp('claim', 't000005', 'then', 'update', 't000005', '--progress', 'Four of six photos are taken', 'then', 'request-review', 't000005');
   await ada.qp('discuss', 'A loaf is sold out: hide it or grey it out?', '--task-id', 't000001', '--address-to', 'Bo');
   await bo.qp('reply', 'd000001', 'Grey it out: people shall see that we bake it.');
+  return ada;
 }
 
 const STATES = [
@@ -53,7 +54,7 @@ const board = await Board.start('--db', ':memory:');
 const browser = await openBrowser();
 let page;
 try {
-  await setUp(board);
+  const ada = await setUp(board);
   page = await Page.start(board);
   for (const [width, height] of WIDTHS) {
     const tab = await (await browser.newContext({ viewport: { width, height } })).newPage();
@@ -65,6 +66,14 @@ try {
       await tab.screenshot({ path: join(folder, `board-${name}-${width}.png`) });
     }
   }
+  await ada.qp('suggest', '--name', 'counter', '--command', "counter --model small -p 'Count what is asked; say a number' {prompt}",
+    '--explanation', 'Adds up loaves, writes nothing', '--reason', 'The till has eleven rolls of paper');
+  const tab = await (await browser.newContext({ viewport: { width: 1280, height: 800 } })).newPage();
+  await tab.goto(page.address);
+  await tab.getByRole('button', { name: 'Look and allow …' }).click();
+  await tab.getByRole('dialog', { name: 'Suggested helper' }).waitFor();
+  await tab.waitForTimeout(300);
+  await tab.screenshot({ path: join(folder, 'board-helper-1280.png') });
 } finally {
   await browser.close();
   await page?.stop();

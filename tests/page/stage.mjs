@@ -1,6 +1,8 @@
 // What every group of tests stands on: a browser, and a fresh board with its page for each test.
 
 import assert from 'node:assert/strict';
+import { readFile } from 'node:fs/promises';
+import { createRequire } from 'node:module';
 import { after, afterEach, before } from 'node:test';
 
 import { Board, openBrowser, Page } from './world.mjs';
@@ -9,6 +11,16 @@ import { Board, openBrowser, Page } from './world.mjs';
 export const stage = { browser: null, board: null, page: null };
 
 const complaints = [];
+
+const axe = await readFile(createRequire(import.meta.url).resolve('axe-core/axe.min.js'), 'utf8');
+
+/** What axe finds in a tab that is serious or worse. */
+export async function findings(tab) {
+  await tab.evaluate(axe);
+  const { violations } = await tab.evaluate(() => globalThis.axe.run(document, { resultTypes: ['violations'] }));
+  return violations.filter(({ impact }) => impact === 'serious' || impact === 'critical')
+    .map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120)).join(' | ')}`);
+}
 
 /** Takes what the page's scripts complained of, which a test may want them to. */
 export const takeComplaints = () => complaints.splice(0);

@@ -5,10 +5,15 @@ import { el, put } from './dom.js';
 import { send } from './link.js';
 
 const said = document.getElementById('said');
+const dialog = document.getElementById('sheet');
+dialog.addEventListener('close', () => document.body.append(said));
 let timer = 0;
 
 // Says what came of something, for as long as it takes to read it.
 export function tell(words, kind = 'good') {
+  // An open window hides and silences all that is not in it.
+  const place = dialog.open ? dialog : document.body;
+  if (said.parentNode !== place) place.append(said);
   put(said, el('p', { class: kind }, words));
   clearTimeout(timer);
   timer = setTimeout(() => put(said), Math.max(4000, words.length * 70));
@@ -17,7 +22,12 @@ export function tell(words, kind = 'good') {
 // The commands' words for what a button does here.
 const inButtons = (words) => words
   .replace(/ ?With --anyway it is (confirmed|deleted) all the same\./, '')
+  .replace('; `unseat` stops one', '')
+  .replace('`helper list` has', '“Helpers” has')
   .replace(/`(\w+)[^`]*`/g, (_, word) => `“${word[0].toUpperCase()}${word.slice(1).replace('-', ' ')}”`);
+
+// Says why something was refused.
+export const complain = (refusal) => tell(inButtons(refusal.message), 'bad');
 
 // Sends a deed while `control` is at rest. What came of it: the outcome, or null when it was refused.
 export async function act(control, deed) {
@@ -28,7 +38,7 @@ export async function act(control, deed) {
     tell([outcome.message, outcome.notice].filter(Boolean).map(inButtons).join(' '));
     return outcome;
   } catch (refusal) {
-    tell(inButtons(refusal.message), 'bad');
+    complain(refusal);
     if (/--anyway/.test(refusal.message)) return { anyway: true };
     return null;
   } finally {

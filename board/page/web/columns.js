@@ -8,6 +8,9 @@ import { isShown, watchView } from './views.js';
 
 const board = document.getElementById('board');
 const PAGE = 40;
+// Where the columns stand under each other, one that grows by itself would keep the others away.
+const isNarrow = matchMedia('(max-width: 900px)');
+const page = () => (isNarrow.matches ? 10 : PAGE);
 
 const COLUMNS = [
   ['ready', 'Ready', 'Nothing is ready to be taken.'],
@@ -24,7 +27,7 @@ const latest = (a, b) => Number(b.noteAt) - Number(a.noteAt) || (a.id < b.id ? 1
 
 const columns = COLUMNS.map(([name, label, none]) => {
   const column = {
-    name, none, limit: PAGE, tasks: [],
+    name, none, limit: page(), tasks: [],
     count: el('span', { class: 'count' }),
     list: el('ol', { class: 'cards', 'aria-label': label }),
     more: el('button', { type: 'button', class: 'more quiet', hidden: true }),
@@ -36,7 +39,7 @@ const columns = COLUMNS.map(([name, label, none]) => {
 });
 
 function showMore(column) {
-  column.limit += PAGE;
+  column.limit += page();
   fill(column);
 }
 
@@ -98,7 +101,7 @@ export function mountColumns() {
     column.fold.addEventListener('click', () => setFold(column, !column.isFolded));
     column.more.addEventListener('click', () => showMore(column));
     new IntersectionObserver((entries) => {
-      if (entries.some((entry) => entry.isIntersecting)) showMore(column);
+      if (!isNarrow.matches && entries.some((entry) => entry.isIntersecting)) showMore(column);
     }, { rootMargin: '400px' }).observe(column.more);
     setFold(column, (localStorage.getItem(`fold-${column.name}`) ?? (column.name === 'done' ? 'yes' : 'no')) === 'yes');
   }
@@ -107,7 +110,7 @@ export function mountColumns() {
     if (['tasks', 'agents', 'thread'].some((part) => changed.has(part))) draw();
   });
   watchFilter(() => {
-    for (const column of columns) column.limit = PAGE;
+    for (const column of columns) column.limit = page();
     draw();
   });
   watchView(draw);

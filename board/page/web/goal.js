@@ -2,6 +2,7 @@
 
 import { act, sayLine } from './act.js';
 import { el, linked, put, say } from './dom.js';
+import { openHelpers } from './helpers.js';
 import { chooseThread } from './link.js';
 import { openTaskForm } from './task_form.js';
 import { noticeButton } from './notices.js';
@@ -15,6 +16,7 @@ const badge = el('span', { class: 'chip', hidden: true });
 const link = el('span', { class: 'link' });
 const rev = el('span', { class: 'rev', title: 'the board’s revision' });
 const threads = el('select', { 'aria-label': 'Thread', hidden: true });
+const helpers = el('button', { type: 'button', on: { click: openHelpers } }, 'Helpers');
 const squad = el('button', { type: 'button', role: 'switch', class: 'switch' }, 'Squad');
 
 function editGoal() {
@@ -52,7 +54,9 @@ function draw() {
   say(badge, thread?.state === 'complete' ? 'goal complete' : 'proposed as complete');
   squad.hidden = !thread;
   squad.setAttribute('aria-checked', String(thread?.squad === 'on'));
-  squad.title = thread?.squad === 'on' ? 'Agents may address each other' : 'Agents may not address each other';
+  squad.title = thread?.squad === 'on' ? 'Agents may address each other and have helpers started'
+    : 'Agents may neither address each other nor have helpers started';
+  helpers.hidden = !thread;
   say(rev, thread ? `rev ${state.rev}` : '');
   link.className = `link ${state.link}`;
   say(link, LINKS[state.link] ?? state.link);
@@ -73,7 +77,7 @@ export function mountGoal() {
     act(squad, { method: 'person_squad', approve: squad.getAttribute('aria-checked') !== 'true' }));
   put(header,
     el('div', { class: 'words' }, el('div', { class: 'first' }, goal, badge, edit), charter),
-    el('div', { class: 'tools' }, threads, link, rev, squad, noticeButton(), add));
+    el('div', { class: 'tools' }, threads, link, rev, squad, helpers, noticeButton(), add));
   watch((changed) => {
     if (['thread', 'link', 'rev'].some((part) => changed.has(part))) draw();
     if (changed.has('threads')) drawThreads();

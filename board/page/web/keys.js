@@ -4,6 +4,7 @@ import { clearSearch, focusSearch } from './bar.js';
 import { cardsInOrder } from './columns.js';
 import { el } from './dom.js';
 import { closeDrawer, isDrawerOpen } from './drawer.js';
+import { openHelpers } from './helpers.js';
 import { focusNextNeed } from './needs.js';
 import { openTaskForm } from './task_form.js';
 import { showView, VIEWS } from './views.js';
@@ -24,6 +25,7 @@ const KEYS = [
   ['j', 'the next task', () => step(1)],
   ['k', 'the task before', () => step(-1)],
   ['c', 'a new task', () => openTaskForm()],
+  ['h', 'the helpers', openHelpers],
   ...VIEWS.map(([name, label], i) => [String(i + 1), `show “${label}”`, () => showView(name)]),
   ['?', 'this list', help],
 ];

@@ -1,6 +1,6 @@
 // The page's key and Thread, and its way to the server.
 
-import { fetchSheet, follow, sendDeed } from './server.js';
+import { fetchLaunch, fetchSheet, follow, sendDeed } from './server.js';
 
 const policy = globalThis.trustedTypes?.createPolicy('quillpost', {
   createScriptURL: (path) => {
@@ -34,6 +34,8 @@ export function chooseThread(tag) {
 export const ask = (what, parameters = {}) => fetchSheet(key, what, { thread, ...parameters });
 
 export const send = (deed) => sendDeed(key, { name: thread || undefined, ...deed });
+
+export const askLaunch = (command) => fetchLaunch(key, command);
 
 // From now on deeds are done on this Thread, whichever is the first one.
 export function settleThread(tag) { thread = tag; }

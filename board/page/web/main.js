@@ -7,6 +7,7 @@ import { mountColumns } from './columns.js';
 import { mountDrawer } from './drawer.js';
 import { mountGoal } from './goal.js';
 import { mountGraph } from './graph.js';
+import { mountHelpers } from './helpers.js';
 import { mountHistory } from './history.js';
 import { mountKeys } from './keys.js';
 import { mountLanes } from './lanes.js';
@@ -59,6 +60,7 @@ function start() {
   mountLanes();
   mountGraph();
   mountHistory();
+  mountHelpers();
   mountDrawer();
   mountNotices();
   mountKeys();

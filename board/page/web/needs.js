@@ -4,6 +4,7 @@ import { deedButton, sayLine } from './act.js';
 import { answerForm, questionText } from './answer.js';
 import { el, keep, linked, linkTo, put, say } from './dom.js';
 import { state, watch } from './store.js';
+import { suggestionButtons } from './suggestion.js';
 import { sinceNode } from './times.js';
 
 const section = document.getElementById('needs');
@@ -48,10 +49,15 @@ function tag(need) {
   ];
 }
 
-// What the page has no button for is done by a command.
-function byCommand(need) {
-  return [[el('p', { class: 'asked' }, linked(need.question))],
-    el('p', { class: 'about' }, 'In a terminal: ', el('code', {}, need.do))];
+function helper(need) {
+  const found = need.thread ? null : state.helpers.find((row) => row.name === need.id);
+  return [
+    [el('p', { class: 'asked' }, found ? `May agents have “${need.id}” started?` : need.question),
+      found && el('p', {}, el('code', {}, found.command)),
+      found?.text && el('p', { class: 'about' }, linked(found.text)),
+      found?.reason && el('p', { class: 'about' }, 'Why: ', linked(found.reason))],
+    suggestionButtons(need.id, need.thread),
+  ];
 }
 
 function bodyOf(need) {
@@ -59,7 +65,7 @@ function bodyOf(need) {
   if (need.kind === 'escalated' || need.kind === 'discussion') return debate(need);
   if (need.kind === 'tag') return tag(need);
   if (need.kind === 'question') return [[questionText(need)], answerForm(need, 'needs')];
-  return byCommand(need);
+  return helper(need);
 }
 
 const keyOf = (need) => [need.thread, need.kind, need.id, need.question, need.options].join('\n');

@@ -30,15 +30,16 @@ export async function fetchSheet(key, what, parameters = {}) {
   return (await asked(key, `/api/${what}?${query}`)).json();
 }
 
-// What the person does: the message and the notice of the board.
-export async function sendDeed(key, deed) {
-  const options = {
-    method: 'POST',
-    headers: { 'Content-Type': 'application/json' },
-    body: JSON.stringify(deed),
-  };
-  return (await asked(key, '/api/do', options)).json();
+async function post(key, path, what) {
+  const headers = { 'Content-Type': 'application/json' };
+  return (await asked(key, path, { method: 'POST', headers, body: JSON.stringify(what) })).json();
 }
+
+// What the person does: the message and the notice of the board.
+export const sendDeed = (key, deed) => post(key, '/api/do', deed);
+
+// What a helper would be started with: the arguments of a command line, if one is given.
+export const fetchLaunch = (key, command) => post(key, '/api/launch', { command });
 
 // Calls `tell(kind, data)` for each event of the server's, as long as it sends any.
 async function readEvents(key, thread, tell) {

@@ -8,7 +8,8 @@ const dialog = document.getElementById('sheet');
 export function openSheet(name, ...contents) {
   dialog.setAttribute('aria-label', name);
   const close = el('button', { type: 'button', class: 'close quiet', 'aria-label': 'Close', on: { click: closeSheet } }, '×');
-  put(dialog, close, ...contents);
+  // What has just been said stays over the window.
+  put(dialog, close, ...contents, dialog.querySelector('#said'));
   if (!dialog.open) dialog.showModal();
 }
 

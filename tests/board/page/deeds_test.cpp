@@ -1,14 +1,26 @@
 #include "board/page/deeds.h"
 
+#include "board/rules/helper.h"
 #include "board/verbs/person.h"
+#include "json/decoder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <filesystem>
 
 namespace quillpost::board {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+const Surroundings terminal{"/bin/sh", {"HOME=/h", "SECRET=no", "PATH=/usr/bin"}};
+
+/// What the page's program makes of a deed.
+std::optional<TeamworkRequest> deedOf(const std::string& body, std::string& why) {
+  return deedOf(body, terminal, why);
+}
 
 TEST(Deeds, BecomeTheRequestThatACommandWouldSend) {
   std::string why;
@@ -33,7 +45,8 @@ TEST(Deeds, BecomeTheRequestThatACommandWouldSend) {
   EXPECT_EQ(*deed, wanted);
   const auto other = deedOf(
       R"({"method":"person_answer","taskID":"t1","to":"KQ3","body":"b","releaseReason":"r",
-          "blockerQuestion":"q","approve":true,"acknowledgeOpenTasks":true})",
+          "blockerQuestion":"q","approve":true,"acknowledgeOpenTasks":true,"agent":"scout",
+          "command":"'scout'"})",
       why);
   ASSERT_TRUE(other) << why;
   wanted = {};
@@ -45,7 +58,47 @@ TEST(Deeds, BecomeTheRequestThatACommandWouldSend) {
   wanted.blockerQuestion = "q";
   wanted.approve = true;
   wanted.acknowledgeOpenTasks = true;
+  wanted.agent = "scout";
+  wanted.command = "'scout'";
   EXPECT_EQ(*other, wanted);
+}
+
+TEST(Deeds, AHelperIsAllowedWithTheTerminalsDirectoryAndVariablesWhateverThePageSays) {
+  const char* allowing = R"({"method":"person_helper_allow","agent":"scout","explanation":"reads",
+      "words":["scout","a b"],"runsWithoutApprovals":true,"quillpostTools":true,
+      "directory":"/evil","variables":["LD_PRELOAD=/evil"],
+      "body":"{\"id\":\"evil\",\"directory\":\"/evil\"}"})";
+  std::string why;
+  const auto deed = deedOf(allowing, why);
+  ASSERT_TRUE(deed) << why;
+  EXPECT_EQ(deed->method, personHelperAllow);
+  const auto helper = json::decode<Helper>(deed->body.value_or(""));
+  ASSERT_TRUE(helper);
+  EXPECT_EQ(helper->id, "scout");
+  EXPECT_EQ(helper->explanation, "reads");
+  EXPECT_THAT(helper->words, ElementsAre("scout", "a b"));
+  EXPECT_EQ(helper->directory, std::filesystem::canonical(".").string());
+  EXPECT_THAT(helper->variables, ElementsAre("HOME=/h", HasSubstr("/usr/bin")));
+  EXPECT_TRUE(helper->runsWithoutApprovals && helper->hasTools);
+}
+
+TEST(Deeds, ASuggestionIsApprovedWithTheArgumentsThatWereShown) {
+  std::string why;
+  const auto deed =
+      deedOf(R"({"method":"person_helper_approve","agent":"scout","command":"'scout' '-p'"})", why);
+  ASSERT_TRUE(deed) << why;
+  EXPECT_EQ(deed->command, "'scout' '-p'");
+  const auto helper = json::decode<Helper>(deed->body.value_or(""));
+  ASSERT_TRUE(helper);
+  EXPECT_EQ(helper->id, "scout");
+  EXPECT_TRUE(helper->words.empty()) << "the board has them";
+  EXPECT_FALSE(helper->runsWithoutApprovals || helper->hasTools);
+  for (const std::string_view method : {personHelperRefuse, personHelperForget}) {
+    const auto other = deedOf(text::cat(R"({"method":")", method, R"(","agent":"scout"})"), why);
+    ASSERT_TRUE(other) << why;
+    EXPECT_EQ(other->agent, "scout");
+    EXPECT_EQ(other->body, std::nullopt);
+  }
 }
 
 TEST(Deeds, NoFileSeatOrTokenIsWithinReachOfThePage) {
@@ -72,7 +125,8 @@ TEST(Deeds, NothingSaysWhoAsks) {
 
 TEST(Deeds, WhatIsNoSuchObjectIsRefusedInWords) {
   for (const char* body : {"", "[]", "null", "{}", "{\"method\":1}", "{\"method\":\"person_add\"",
-                           R"({"method":"person_add","priority":"x"})", "\xff"}) {
+                           R"({"method":"person_add","priority":"x"})",
+                           R"({"method":"person_helper_allow","words":"x"})", "\xff"}) {
     std::string why;
     EXPECT_FALSE(deedOf(body, why)) << body;
     EXPECT_EQ(why, "that is not what the page writes") << body;
