@@ -135,7 +135,7 @@ bool passes(int gate) {
   for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) ::dup2(ready.output, stream);
   closeAllBut(ready.gate);
   sigset_t none;
-  sigemptyset(&none);
+  sigemptyset(&none);  // which is a macro on some systems
   ::sigprocmask(SIG_SETMASK, &none, nullptr);
   if (!passes(ready.gate)) ::_exit(cannotRun);
   if (::chdir(ready.launch.directory.c_str()) == 0) {

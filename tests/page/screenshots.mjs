@@ -1,10 +1,13 @@
 // Pictures of the page's main states at two widths, for the guide: node screenshots.mjs FOLDER
 
-import { join } from 'node:path';
+import { mkdir, rm } from 'node:fs/promises';
+import { join, resolve } from 'node:path';
 
 import { Board, openBrowser, Page } from './world.mjs';
 
-const folder = process.argv[2];
+const folder = resolve(process.argv[2]);
+// Where helpers would run stands in a picture.
+const bakery = '/tmp/bakery';
 const WIDTHS = [[1280, 800], [380, 760]];
 
 /** A bakery's board in the middle of its day. */
@@ -53,6 +56,8 @@ const STATES = [
 const board = await Board.start('--db', ':memory:');
 const browser = await openBrowser();
 let page;
+await mkdir(bakery, { recursive: true });
+process.chdir(bakery);
 try {
   const ada = await setUp(board);
   page = await Page.start(board);
@@ -78,4 +83,5 @@ try {
   await browser.close();
   await page?.stop();
   await board.remove();
+  await rm(bakery, { recursive: true });
 }
