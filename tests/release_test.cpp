@@ -24,7 +24,7 @@ using ::testing::Not;
 using testing::Process;
 
 /// How a command ended and what it said.
-struct Ending {
+struct Outcome {
   int status = -1;
   std::string said;
 };
@@ -58,7 +58,7 @@ class Release : public ::testing::Test {
     ASSERT_EQ(::chmod(path.c_str(), S_IRWXU), 0);
   }
 
-  Ending run(std::vector<std::string> words, const std::string& path) const {
+  Outcome run(std::vector<std::string> words, const std::string& path) const {
     Process process({"/usr/bin/env", std::move(words), {{"PATH", path}, {"HOME", home.path()}}});
     process.closeInput();
     const int status = process.waitForExit(std::chrono::seconds(60)).value_or(-1);
@@ -66,7 +66,7 @@ class Release : public ::testing::Test {
   }
 
   void shell(const std::string& commands) const {
-    const Ending ending = run({"sh", "-ec", text::cat("cd '", home.path(), "'; ", commands)},
+    const Outcome ending = run({"sh", "-ec", text::cat("cd '", home.path(), "'; ", commands)},
                               "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin");
     ASSERT_EQ(ending.status, 0) << ending.said;
   }
@@ -74,7 +74,7 @@ class Release : public ::testing::Test {
   /// Asks for a release, which must fail with that status; gives what is said of it.
   std::string refused(std::vector<std::string> words, int status = 1) const {
     words.insert(words.begin(), home.pathOf("project/scripts/release"));
-    Ending ending = run(std::move(words), home.pathOf("bin"));
+    Outcome ending = run(std::move(words), home.pathOf("bin"));
     EXPECT_EQ(ending.status, status) << ending.said;
     EXPECT_FALSE(std::filesystem::exists(home.pathOf("project/dist")));
     return ending.said;

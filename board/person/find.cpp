@@ -15,9 +15,9 @@ namespace quillpost::board {
 
 namespace {
 
-/// How much is told of the place where the words stand, in characters, and how much of it stands
+/// How much is told of the passage where the words stand, in characters, and how much of it stands
 /// before them, in bytes.
-constexpr std::size_t toldLength = 200;
+constexpr std::size_t excerptLength = 200;
 constexpr std::size_t toldBefore = 60;
 
 char small(char letter) {
@@ -38,17 +38,17 @@ std::string placeIn(std::string_view whole, std::string_view words) {
   constexpr unsigned char follower = 0x80;
   while (first > 0 && (static_cast<unsigned char>(whole[first]) & followers) == follower) --first;
   // What is told of a long text is cut before it is made into one line.
-  const std::string_view near = whole.substr(first, toldLength * bytesOfCharacter);
-  return text::cat(first > 0 ? "\u2026" : "", cutWithMark(oneLine(near), toldLength));
+  const std::string_view near = whole.substr(first, excerptLength * bytesOfCharacter);
+  return text::cat(first > 0 ? "\u2026" : "", cutWithMark(oneLine(near), excerptLength));
 }
 
 /// One thing on which the words stand, if they do.
-struct Place {
+struct Passage {
   std::string_view where;
   std::string text;
 };
 
-Place placeOn(const Board& board, const Task& task, std::string_view words) {
+Passage passageOf(const Board& board, const Task& task, std::string_view words) {
   if (std::string text = placeIn(task.id, words); !text.empty()) return {"id", std::move(text)};
   if (std::string text = placeIn(task.title, words); !text.empty()) {
     return {"title", std::move(text)};
@@ -64,7 +64,7 @@ Place placeOn(const Board& board, const Task& task, std::string_view words) {
   return {};
 }
 
-Place placeOn(const TeamworkDiscussion& debate, std::string_view words) {
+Passage passageOf(const TeamworkDiscussion& debate, std::string_view words) {
   if (std::string text = placeIn(debate.id, words); !text.empty()) return {"id", std::move(text)};
   if (std::string text = placeIn(debate.question, words); !text.empty()) {
     return {"question", std::move(text)};
@@ -85,16 +85,16 @@ Sheet foundSheet(const Board& board, std::string_view words, Moment at) {
     for (auto row = board.tasks.end();
          row != board.tasks.begin() && found.rows.size() < foundAtMost;) {
       const Task& task = (--row)->second;
-      const Place place = placeOn(board, task, wanted);
-      if (!place.where.empty())
-        found.add(task.id, stateOf(board, task), task.title, place.where, place.text);
+      const Passage passage = passageOf(board, task, wanted);
+      if (!passage.where.empty())
+        found.add(task.id, stateOf(board, task), task.title, passage.where, passage.text);
     }
     for (auto row = board.discussions.end();
          row != board.discussions.begin() && found.rows.size() < foundAtMost;) {
       const TeamworkDiscussion& debate = (--row)->second;
-      const Place place = placeOn(debate, wanted);
-      if (!place.where.empty())
-        found.add(debate.id, debate.state, debate.question, place.where, place.text);
+      const Passage passage = passageOf(debate, wanted);
+      if (!passage.where.empty())
+        found.add(debate.id, debate.state, debate.question, passage.where, passage.text);
     }
   }
   return {at.nowMs, board.counted().rev, {std::move(found)}};

@@ -99,32 +99,33 @@ bool putWord(std::string_view place, const std::string& value, Line& line) {
   return true;
 }
 
+/// Takes the switch that was named; false when it was not.
+bool readSwitch(TeamworkRequest& request) {
+  request.approve = request.status == "on";
+  return request.status == "on" || request.status == "off";
+}
+
 /// Gives the words to the places of the command; false when there are too many or too few, or one
 /// makes no sense there.
 bool placeWords(const Command& command, std::vector<std::string> words, Line& line) {
-  if (!command.words.empty()) {
-    for (std::string_view place : text::split(command.words, ' ')) {
-      const bool isOptional = place.starts_with('[');
-      if (isOptional) place = place.substr(1, place.size() - 2);
-      const bool takesAll = place.ends_with("...");
-      if (takesAll) place.remove_suffix(3);
-      if (words.empty() && isOptional) continue;
-      if (words.empty()) return false;
-      const std::string word = takesAll ? text::join(words, " ") : words.front();
-      if (!putWord(place, word, line)) return false;
-      if (takesAll) {
-        line.words = std::exchange(words, {});
-      } else {
-        line.words.push_back(word);
-        words.erase(words.begin());
-      }
+  if (command.words.empty()) return words.empty();
+  for (std::string_view place : text::split(command.words, ' ')) {
+    const bool isOptional = place.starts_with('[');
+    if (isOptional) place = place.substr(1, place.size() - 2);
+    const bool takesAll = place.ends_with("...");
+    if (takesAll) place.remove_suffix(3);
+    if (words.empty() && isOptional) continue;
+    if (words.empty()) return false;
+    const std::string word = takesAll ? text::join(words, " ") : words.front();
+    if (!putWord(place, word, line)) return false;
+    if (takesAll) {
+      line.words = std::exchange(words, {});
+    } else {
+      line.words.push_back(word);
+      words.erase(words.begin());
     }
   }
-  if (command.words == "on|off") {
-    line.request.approve = line.request.status == "on";
-    return words.empty() && (line.request.approve.value() || line.request.status == "off");
-  }
-  return words.empty();
+  return words.empty() && (command.words != "on|off" || readSwitch(line.request));
 }
 
 /// Everything that was written, before it is known what it means.

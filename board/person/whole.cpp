@@ -73,7 +73,7 @@ Section logOf(const Board& board, const Task& task) {
     if (bytes > logBytes) break;
   }
   if (first > 0) {
-    const int64_t count = static_cast<int64_t>(first);
+    const auto count = static_cast<int64_t>(first);
     log.add("", "", "",
             text::cat("(", first, " earlier line", text::s(count), count == 1 ? " is" : " are",
                       " left out; `export` has ", count == 1 ? "it)" : "them)"));

@@ -47,8 +47,12 @@ std::string_view specialAt(std::string_view rest) {
   return found == std::end(specials) ? std::string_view() : found->what;
 }
 
-/// Within double quotes a shell still substitutes.
-bool isSpecialInQuotes(char letter) { return letter == '$' || letter == '`' || letter == '\\'; }
+/// What a shell would see at the beginning of this within quotes of this kind, 0 for outside of
+/// them; empty when a plain character. Within double quotes it still substitutes.
+std::string_view specialWithin(char quote, std::string_view rest) {
+  const bool isSubstitution = rest[0] == '$' || rest[0] == '`' || rest[0] == '\\';
+  return quote == 0 || (quote == '"' && isSubstitution) ? specialAt(rest) : std::string_view();
+}
 
 std::string notSimple(std::string_view what) {
   return text::cat("The `command` is to be one simple command, and this one has ", what,
@@ -64,9 +68,7 @@ std::optional<std::vector<std::string>> commandWords(std::string_view command, s
   char quote = 0;
   for (std::size_t at = 0; at < command.size(); ++at) {
     const char letter = command[at];
-    std::string_view special;
-    if (quote == 0) special = specialAt(command.substr(at));
-    if (quote == '"' && isSpecialInQuotes(letter)) special = specialAt(command.substr(at));
+    const std::string_view special = specialWithin(quote, command.substr(at));
     if (!special.empty()) {
       why = notSimple(special);
       return std::nullopt;

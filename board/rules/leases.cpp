@@ -118,6 +118,7 @@ void lapseSeats(Board& board, Moment at) {
   for (const Seat* seat : silent) freeRouted(board, *seat, at);
   // Last, since the seats of helpers go with them.
   std::vector<std::string> sessions;
+  sessions.reserve(lapsed.size());
   for (const Seat* seat : lapsed) sessions.push_back(seat->id);
   for (const std::string& session : sessions) {
     const Seat* seat = board.seats.find(session);

@@ -105,7 +105,7 @@ void tellIfReady(Board& board, const Task& task, const Move& move, std::string_v
 }
 
 std::string routeTo(const Board& board, std::string_view name, std::string& notice) {
-  const std::string named = cut(oneLine(name), entryLimit);
+  std::string named = cut(oneLine(name), entryLimit);
   if (const Seat* seat = whoIs(board, named)) return seat->handle;
   if (!named.empty()) {
     addSentence(notice, text::cat("Nobody here answers to \"", named,

@@ -185,7 +185,7 @@ using testing::TempDir;
 
 constexpr Fault interrupted{.error = EINTR};
 
-TeamworkRequest request() {
+TeamworkRequest readPlan() {
   TeamworkRequest asked;
   asked.token = "t0k";
   asked.sessionID = "S1";
@@ -202,7 +202,7 @@ class SystemCalls : public ::testing::Test {
     stage.faults = std::move(faults);
     stage.calls.clear();
     stage.isWatching = true;
-    std::optional<std::string> reply = BridgeTransport::exchange(request(), app.path(), {});
+    std::optional<std::string> reply = BridgeTransport::exchange(readPlan(), app.path(), {});
     stage.isWatching = false;
     return reply;
   }
@@ -325,7 +325,7 @@ TEST_F(SystemCalls, GiveUpOnAnAppThatDoesNotRead) {
   Behaviour deaf = testing::stall();
   deaf.readsRequest = false;
   app.play(deaf);
-  TeamworkRequest large = request();
+  TeamworkRequest large = readPlan();
   large.body = std::string(8'000'000, 'b');
   stage.isWatching = true;
   EXPECT_EQ(BridgeTransport::exchange(large, app.path(), {}), std::nullopt);

@@ -22,14 +22,14 @@ BlockerQuestion compose(const std::string& arguments) {
 }
 
 /// A case: what update_task was given besides `blocked`, and the text that is sent.
-struct Row {
+struct BlockerRow {
   std::string_view name;
   std::string arguments;
   std::optional<std::string> text;
 };
 
-void check(std::initializer_list<Row> rows) {
-  for (const Row& row : rows) {
+void checkBlockers(std::initializer_list<BlockerRow> rows) {
+  for (const BlockerRow& row : rows) {
     const BlockerQuestion question = compose(row.arguments);
     EXPECT_EQ(question.text, row.text) << row.name;
     EXPECT_EQ(question.refusedLength, std::nullopt) << row.name;
@@ -38,7 +38,7 @@ void check(std::initializer_list<Row> rows) {
 
 TEST(BlockerQuestion, ComesFromTheFirstSourceThatHasText) {
   // clang-format off
-  check({
+  checkBlockers({
       {"none", R"({})", std::nullopt},
       {"its own", R"({"blockerQuestion":"Q?","progress":"P","summary":"S"})", "Q?"},
       {"the progress line", R"({"progress":"P","summary":"S"})", "P"},
@@ -57,7 +57,7 @@ TEST(BlockerQuestion, ComesFromTheFirstSourceThatHasText) {
 
 TEST(BlockerQuestion, IsCleanedWhereverItComesFrom) {
   // clang-format off
-  check({
+  checkBlockers({
       {"white space at its ends", R"({"blockerQuestion":" \t\r\n May I?\u2003\u0085"})", "May I?"},
       {"a gist marker", R"({"blockerQuestion":"[[gist]] May I?"})", "May I?"},
       {"several", R"({"blockerQuestion":" [[gist]]  [[gist]]   May I? "})", "May I?"},
@@ -118,7 +118,7 @@ TEST(BlockerQuestion, FromElsewhereIsCutToTheLimit) {
 
 TEST(BlockerQuestion, IsCountedAfterItIsCleaned) {
   const std::string full = times(blockerQuestionLimit, "x");
-  check(
+  checkBlockers(
       {{"white space and markers", R"({"blockerQuestion":"  [[gist]] )" + full + "\\n \"}", full}});
   const BlockerQuestion refused = compose(R"({"blockerQuestion":" )" + times(300, "x") + " \"}");
   EXPECT_EQ(refused.refusedLength, 300);
@@ -126,7 +126,7 @@ TEST(BlockerQuestion, IsCountedAfterItIsCleaned) {
 
 TEST(BlockerQuestion, CountsALineBreakOfTwoBytesAsOneCharacter) {
   const std::string start = times(138, "x");
-  check(
+  checkBlockers(
       {{"140 with one inside", R"({"blockerQuestion":")" + start + "\\r\\ny\"}", start + "\r\ny"}});
   EXPECT_EQ(compose(R"({"blockerQuestion":")" + start + "\\r\\nyz\"}").refusedLength, 141);
   EXPECT_EQ(compose(R"({"progress":")" + times(139, "x") + "\\r\\nyz\"}").text,
@@ -135,7 +135,7 @@ TEST(BlockerQuestion, CountsALineBreakOfTwoBytesAsOneCharacter) {
 
 TEST(BlockerQuestion, IsTypedAsSoonAsAnythingMoreIsGiven) {
   // clang-format off
-  check({
+  checkBlockers({
       {"a kind", R"({"blockerQuestion":"Q?","blockerKind":"approval"})",
        R"([[ask:{"k":"approval"}]] Q?)"},
       {"options", R"({"blockerQuestion":"Q?","blockerOptions":["a","b"]})",
@@ -190,7 +190,7 @@ TEST(BlockerKind, IsTheOneNamedWhateverItsCase) {
 
 TEST(BlockerKind, IsInferredInOrderWhenNoneIsNamed) {
   // clang-format off
-  check({
+  checkBlockers({
       {"a secret goes first",
        R"({"blockerQuestion":"Q?","blockerSecretName":"S","blockerOptions":["a"],)"
        R"("blockerArtifact":"A","blockerConsequence":"C"})",
@@ -221,7 +221,7 @@ TEST(BlockerKind, IsInferredInOrderWhenNoneIsNamed) {
 
 TEST(BlockerQuestion, IsTypedByATextThatIsEmptyButNotByAListThatIs) {
   // clang-format off
-  check({
+  checkBlockers({
       {"an empty secret name", R"({"blockerQuestion":"Q?","blockerSecretName":""})",
        R"([[ask:{"k":"secret","s":""}]] Q?)"},
       {"an empty artifact", R"({"blockerQuestion":"Q?","blockerArtifact":""})",
@@ -244,7 +244,7 @@ TEST(BlockerQuestion, StandsAloneWhenItsMarkerWouldNotBeUtf8) {
 TEST(BlockerQuestion, KeepsFourOptionsAndCutsLongTexts) {
   const std::string eighty = times(80, "😀");
   const std::string twoHundred = times(200, "e\xcc\x81");
-  check({
+  checkBlockers({
       {"five options", R"({"blockerQuestion":"Q?","blockerOptions":["1","2","3","4","5"]})",
        R"([[ask:{"k":"decision","o":["1","2","3","4"]}]] Q?)"},
       {"a long option",
@@ -266,9 +266,9 @@ TEST(BlockerQuestion, ThatIsTooLongIsRefusedInItsTypedFormToo) {
       compose(R"({"blockerKind":"decision","blockerQuestion":")" + times(141, "x") + "\"}");
   EXPECT_EQ(question.text, std::nullopt);
   EXPECT_EQ(question.refusedLength, 141);
-  check({{"its marker does not count",
-          R"({"blockerKind":"decision","blockerQuestion":")" + times(140, "x") + "\"}",
-          R"([[ask:{"k":"decision"}]] )" + times(140, "x")}});
+  checkBlockers({{"its marker does not count",
+                  R"({"blockerKind":"decision","blockerQuestion":")" + times(140, "x") + "\"}",
+                  R"([[ask:{"k":"decision"}]] )" + times(140, "x")}});
 }
 
 }  // namespace

@@ -7,7 +7,7 @@
 namespace quillpost {
 namespace {
 
-struct Row {
+struct GoalRow {
   std::string_view name;
   std::string_view arguments;
   std::optional<std::string> goal;
@@ -15,7 +15,7 @@ struct Row {
 
 TEST(Goal, IsOneLineOfWhatWasGiven) {
   // clang-format off
-  const Row rows[] = {
+  const GoalRow rows[] = {
       {"nothing", R"({})", std::nullopt},
       {"extras alone", R"({"purpose":"p"})", std::nullopt},
       {"the description alone", R"({"description":"Ship it"})", "Ship it"},
@@ -39,7 +39,7 @@ TEST(Goal, IsOneLineOfWhatWasGiven) {
        " a\nb  — Purpose:  "},
   };
   // clang-format on
-  for (const Row& row : rows) {
+  for (const GoalRow& row : rows) {
     const json::TreeObject object = testing::objectFrom(row.arguments);
     EXPECT_EQ(composeGoal(Arguments(object)), row.goal) << row.name;
   }

@@ -53,12 +53,12 @@ TEST(RequestRules, NameEveryFieldExactlyOnceTogetherWithTheOthers) {
 }
 
 /// What a call with these arguments sends beside the envelope.
-struct Row {
+struct RuleRow {
   std::string_view tool, arguments, fields;
 };
 
-void check(std::initializer_list<Row> rows) {
-  for (const Row& row : rows)
+void check(std::initializer_list<RuleRow> rows) {
+  for (const RuleRow& row : rows)
     EXPECT_EQ(fieldsFrom(row.tool, row.arguments), row.fields)
         << row.tool << " of " << row.arguments;
 }

@@ -1,14 +1,14 @@
 #include "json/decoder.h"
 
-#include <gtest/gtest.h>
+#include "harness/integers.h"
 
-#include <limits>
+#include <gtest/gtest.h>
 
 namespace quillpost::json {
 namespace {
 
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
+using testing::highest;
+using testing::lowest;
 
 enum class Colour { red, green };
 

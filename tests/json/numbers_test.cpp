@@ -1,5 +1,7 @@
 #include "json/numbers.h"
 
+#include "harness/integers.h"
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -15,8 +17,9 @@ void PrintTo(const Whole& whole, std::ostream* out) {
 
 namespace {
 
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
+using testing::highest;
+using testing::lowest;
+
 constexpr uint64_t most = std::numeric_limits<uint64_t>::max();
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();

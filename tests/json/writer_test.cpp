@@ -1,16 +1,17 @@
 #include "json/writer.h"
 
+#include "harness/integers.h"
+
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <type_traits>
 #include <utility>
 
 namespace quillpost::json {
 namespace {
 
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
+using testing::highest;
+using testing::lowest;
 
 std::string escaped(std::string_view text) {
   std::string out;

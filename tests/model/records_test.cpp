@@ -118,6 +118,8 @@ static void PrintTo(const AnyRecord& record, std::ostream* out) { *out << record
 
 namespace {
 
+using Kind = TeamworkResponse::Kind;
+
 template <class T>
 TreeObject membersOf(const T& record) {
   return json::parse(json::encode(record))->get_object();
@@ -277,7 +279,6 @@ TEST_P(EveryRecord, IsEqualOnlyWhenEveryMemberIs) {
 }
 
 TEST(ResponseKind, IsOneOfElevenWords) {
-  using Kind = TeamworkResponse::Kind;
   struct Row {
     Kind kind;
     std::string_view word;

@@ -24,7 +24,7 @@ using testing::TempDir;
 
 constexpr std::string_view session = "ses-4711-secret";
 
-SeatMemory at(int64_t rev) {
+SeatMemory seenAt(int64_t rev) {
   SeatMemory memory;
   memory.threadTag = "T-1";
   memory.state.lastSeenRev = rev;
@@ -43,9 +43,9 @@ struct SeatFileTest : ::testing::Test {
   SeatFile file() const { return SeatFile(places(), session); }
   MemoryPlaces places() const { return {.runtime = home.pathOf("q"), .temporary = ""}; }
   bool learn(SeatFile&& file, int64_t before, int64_t after) {
-    SeatMemory known = at(before);
+    SeatMemory known = seenAt(before);
     known.state.selfHandle.reset();
-    return file.learn({.before = known, .after = at(after)}, clock);
+    return file.learn({.before = known, .after = seenAt(after)}, clock);
   }
   /// A file of the folder, by the seat's file's own name and what follows it.
   void write(std::string_view ending, std::string_view text) const {
@@ -82,7 +82,7 @@ TEST_F(SeatFileTest, IsAnotherForAnotherSession) {
 TEST_F(SeatFileTest, RemembersNothingWithoutASession) {
   SeatFile none(places(), "");
   EXPECT_EQ(none.path(), "");
-  EXPECT_FALSE(none.learn({.before = {}, .after = at(1)}, clock));
+  EXPECT_FALSE(none.learn({.before = {}, .after = seenAt(1)}, clock));
   EXPECT_FALSE(none.load().state.hasCursor);
   EXPECT_FALSE(std::filesystem::exists(home.pathOf("q")));
 }
@@ -136,10 +136,11 @@ TEST_F(SeatFileTest, AddsToWhatOthersHaveWrittenSinceItWasRead) {
   SeatFile mine = file();
   EXPECT_EQ(mine.load().state.lastSeenRev, 10);
   ASSERT_TRUE(learn(file(), 10, 20));
-  EXPECT_TRUE(mine.learn({.before = at(10), .after = at(15)}, clock));
+  EXPECT_TRUE(mine.learn({.before = seenAt(10), .after = seenAt(15)}, clock));
   EXPECT_EQ(file().load().state.lastSeenRev, 20);
-  EXPECT_TRUE(mine.learn({.before = at(15), .after = at(30)}, clock));
-  EXPECT_TRUE(mine.learn({.before = at(30), .after = at(31)}, clock)) << "by what it wrote itself";
+  EXPECT_TRUE(mine.learn({.before = seenAt(15), .after = seenAt(30)}, clock));
+  EXPECT_TRUE(mine.learn({.before = seenAt(30), .after = seenAt(31)}, clock))
+      << "by what it wrote itself";
   EXPECT_EQ(file().load().state.lastSeenRev, 31);
 }
 

@@ -1,13 +1,13 @@
 #include "render/obligations.h"
 
 #include "harness/golden.h"
+#include "harness/integers.h"
 #include "json/value.h"
 #include "model/coding.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <random>
 #include <string>
@@ -17,6 +17,8 @@
 namespace quillpost {
 namespace {
 
+using testing::highest;
+using testing::lowest;
 using testing::sameText;
 using Obligations = TeamworkObligations;
 using Audience = std::optional<TeamworkAudience>;
@@ -208,8 +210,6 @@ TeamworkAudience readers(int64_t devices, int64_t people, int64_t agents, bool s
 }
 
 TEST(ObligationsObject, AdviceDependsOnWhoElseReads) {
-  constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-  constexpr int64_t highest = std::numeric_limits<int64_t>::max();
   const std::string mac = queuedFor("your other Mac on this Thread");
   const std::string macs = queuedFor("your other Macs on this Thread");
   const std::string person = queuedFor("the person you share this Thread with");

@@ -1,12 +1,12 @@
 #include "render/pages.h"
 
 #include "harness/golden.h"
+#include "harness/integers.h"
 #include "json/value.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 #include <random>
 #include <string>
@@ -16,10 +16,9 @@
 namespace quillpost {
 namespace {
 
+using testing::highest;
+using testing::lowest;
 using testing::sameText;
-
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
 
 /// "1", "2" and so on.
 std::vector<std::string> counted(int count) {

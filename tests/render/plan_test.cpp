@@ -81,7 +81,7 @@ TEST(AddPlan, LeavesOutAnEmptyGoalEvenAsAPage) {
   EXPECT_EQ(planText({}, {.offset = 1, .limit = 5}), planText({}, {}));
 }
 
-TeamworkObligations owing() {
+TeamworkObligations owingReply() {
   TeamworkObligations obligations;
   obligations.clear = false;
   obligations.oweReply.resize(1);
@@ -128,8 +128,9 @@ TEST(NextStep, FollowsFromTheGoalAndTheAudience) {
 TEST(NextStep, HoldsAnAgentThatOwesBackFromStandingDown) {
   TeamworkPlan plan;
   plan.goalComplete = true;
-  EXPECT_TRUE(sameText(goldenText("goalCompleteButOwing(1 reply owed)"), nextStep(plan, owing())));
-  TeamworkObligations clear = owing();
+  EXPECT_TRUE(
+      sameText(goldenText("goalCompleteButOwing(1 reply owed)"), nextStep(plan, owingReply())));
+  TeamworkObligations clear = owingReply();
   clear.clear = true;
   EXPECT_TRUE(sameText(goldenText("goalComplete"), nextStep(plan, clear)));
   TeamworkObligations nothing;
@@ -143,7 +144,7 @@ TEST(NextStep, HoldsAnAgentThatOwesBackFromStandingDown) {
 TEST(NextStep, DisregardsWhatIsOwedUntilTheGoalIsComplete) {
   TeamworkPlan plan;
   plan.goal = "g";
-  EXPECT_TRUE(sameText(goldenText("goalSet"), nextStep(plan, owing())));
+  EXPECT_TRUE(sameText(goldenText("goalSet"), nextStep(plan, owingReply())));
 }
 
 }  // namespace

@@ -40,7 +40,7 @@ struct Row {
   std::string_view expected;
 };
 
-TeamworkObligations owing() {
+TeamworkObligations holding() {
   TeamworkObligations obligations;
   obligations.clear = false;
   obligations.tasksHeld = {"t1"};
@@ -67,7 +67,7 @@ void expectTexts(const std::vector<Row>& rows) {
     EXPECT_TRUE(sameText(expected, scene.text())) << row.name;
     scene.response.obligations.emplace();
     EXPECT_TRUE(sameText(expected, scene.text())) << row.name << ", clear";
-    scene.response.obligations = owing();
+    scene.response.obligations = holding();
     EXPECT_TRUE(sameText(expected + std::string(owed), scene.text())) << row.name << ", owing";
   }
 }
@@ -81,7 +81,7 @@ void expectObjects(const std::vector<Row>& rows) {
     EXPECT_TRUE(sameText(expected + "}", scene.text())) << row.name;
     scene.response.obligations.emplace();
     EXPECT_TRUE(sameText(expected + R"(,"obligations":{"clear":true}})", scene.text())) << row.name;
-    scene.response.obligations = owing();
+    scene.response.obligations = holding();
     EXPECT_TRUE(
         sameText(expected + R"(,"obligations":{"clear":false,"tasksHeld":["t1"]}})", scene.text()))
         << row.name;
@@ -295,10 +295,10 @@ TEST(PlanResult, TakesWhatIsOwedFromThisAnswerAlone) {
   scene.response.kind = Kind::plan;
   scene.response.plan.emplace();
   scene.response.plan->goalComplete = true;
-  scene.state.lastObligations = owing();
+  scene.state.lastObligations = holding();
   EXPECT_NE(scene.text().find(expandedJson(R"("nextStep":"{{goalComplete}}"})")),
             std::string::npos);
-  scene.response.obligations = owing();
+  scene.response.obligations = holding();
   EXPECT_NE(scene.text().find(R"("nextStep":"The goal is complete but your obligations are NOT )"
                               R"(clear (1 task held) — settle)"),
             std::string::npos);
@@ -315,7 +315,7 @@ TEST(ChangesResult, AreToldLikeAWaitOfTheWholeBacklogThatDidNotTimeOut) {
       scene.text()));
   scene.response.changes.emplace();
   scene.response.changes->rev = 7;
-  scene.response.obligations = owing();
+  scene.response.obligations = holding();
   EXPECT_TRUE(
       sameText(expandedJson(R"({"waitSeq":5,"rev":7,"watching":"entire backlog","tasks":[],)"
                             R"("pendingGoalComplete":false,"changed":false,"goalComplete":false,)"

@@ -1,12 +1,12 @@
 #include "render/squad.h"
 
 #include "harness/golden.h"
+#include "harness/integers.h"
 #include "render/golden_text.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,11 +15,10 @@ namespace quillpost {
 namespace {
 
 using testing::expanded;
+using testing::highest;
+using testing::lowest;
 using testing::objectText;
 using testing::sameText;
-
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
 
 std::string squadText(const TeamworkSquadState& squad) {
   return objectText([&](json::Object& out) { addSquad(out, squad); });

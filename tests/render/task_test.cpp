@@ -1,13 +1,13 @@
 #include "render/task.h"
 
 #include "harness/golden.h"
+#include "harness/integers.h"
 #include "json/value.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
 #include <iterator>
-#include <limits>
 #include <optional>
 #include <random>
 #include <string>
@@ -17,6 +17,8 @@
 namespace quillpost {
 namespace {
 
+using testing::highest;
+using testing::lowest;
 using testing::sameText;
 
 std::string taskObject(const TeamworkTask& task) {
@@ -52,9 +54,6 @@ void expectShown(const std::vector<TaskRow>& rows) {
     EXPECT_TRUE(sameText(expected, taskObject(task))) << row.name;
   }
 }
-
-constexpr int64_t lowest = std::numeric_limits<int64_t>::min();
-constexpr int64_t highest = std::numeric_limits<int64_t>::max();
 
 TEST(Task, IdTitleAndStateAreAlwaysShownEvenWhenEmpty) {
   EXPECT_EQ(taskObject(TeamworkTask()), R"({"id":"","title":"","state":""})");
