@@ -13,11 +13,11 @@ using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::Not;
 
-const Surroundings terminal{"/bin/sh", {"HOME=/h", "SECRET=no", "PATH=/usr/bin", "LC_TIME=C"}};
+const Surroundings here{"/bin/sh", {"HOME=/h", "SECRET=no", "PATH=/usr/bin", "LC_TIME=C"}};
 
 TEST(Launch, AHelperHasTheDirectoryAndThePlainVariablesOfTheTerminal) {
   std::string why;
-  const auto helper = helperWished({"scout", "reads", {"scout", "a b"}, true, true}, terminal, why);
+  const auto helper = helperWished({"scout", "reads", {"scout", "a b"}, true, true}, here, why);
   ASSERT_TRUE(helper) << why;
   EXPECT_EQ(helper->id, "scout");
   EXPECT_EQ(helper->explanation, "reads");
@@ -25,14 +25,14 @@ TEST(Launch, AHelperHasTheDirectoryAndThePlainVariablesOfTheTerminal) {
   EXPECT_EQ(helper->directory, std::filesystem::canonical(".").string());
   EXPECT_THAT(helper->variables, ElementsAre("HOME=/h", "LC_TIME=C", HasSubstr("/usr/bin")));
   EXPECT_TRUE(helper->runsWithoutApprovals && helper->hasTools);
-  const auto plain = helperWished({}, terminal, why);
+  const auto plain = helperWished({}, here, why);
   ASSERT_TRUE(plain) << why;
   EXPECT_FALSE(plain->runsWithoutApprovals || plain->hasTools);
 }
 
 TEST(Launch, ACommandLineIsSplitByQuotesAloneAndItsArgumentsShownOneByOne) {
   std::string why;
-  const auto told = launchOf(R"({"command":"scout -p 'a b' \"c;d\" ''"})", terminal, why);
+  const auto told = launchOf(R"({"command":"scout -p 'a b' \"c;d\" ''"})", here, why);
   ASSERT_TRUE(told) << why;
   EXPECT_THAT(*told, HasSubstr(R"("arguments":"'scout' '-p' 'a b' 'c;d' ''")"));
   EXPECT_THAT(*told, HasSubstr(R"("variables":["HOME","LC_TIME","PATH"])"));
@@ -41,7 +41,7 @@ TEST(Launch, ACommandLineIsSplitByQuotesAloneAndItsArgumentsShownOneByOne) {
 
 TEST(Launch, WithoutACommandItSaysWhereAndWithWhat) {
   std::string why;
-  const auto told = launchOf("{}", terminal, why);
+  const auto told = launchOf("{}", here, why);
   ASSERT_TRUE(told) << why;
   EXPECT_THAT(*told, AllOf(HasSubstr(std::filesystem::canonical(".").string()),
                            Not(HasSubstr("arguments"))));
@@ -52,12 +52,12 @@ TEST(Launch, WhatAShellWouldDoMoreWithIsRefusedInWords) {
                          "X=1 scout"};
   for (const char* line : lines) {
     std::string why;
-    EXPECT_FALSE(launchOf(text::cat(R"({"command":")", line, "\"}"), terminal, why)) << line;
+    EXPECT_FALSE(launchOf(text::cat(R"({"command":")", line, "\"}"), here, why)) << line;
     EXPECT_THAT(why, HasSubstr("`command`")) << line;
   }
   for (const char* body : {"", "[]", "{\"command\":1}", "\xff"}) {
     std::string why;
-    EXPECT_FALSE(launchOf(body, terminal, why)) << body;
+    EXPECT_FALSE(launchOf(body, here, why)) << body;
     EXPECT_EQ(why, "that is not what the page writes") << body;
   }
 }
