@@ -67,7 +67,7 @@ class Release : public ::testing::Test {
 
   void shell(const std::string& commands) const {
     const Outcome ending = run({"sh", "-ec", text::cat("cd '", home.path(), "'; ", commands)},
-                              "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin");
+                               "/usr/local/bin:/opt/homebrew/bin:/usr/bin:/bin");
     ASSERT_EQ(ending.status, 0) << ending.said;
   }
 

@@ -33,7 +33,7 @@ struct Candidates {
 
 /// The candidates for the last of the words after the program's name, which is as far as it has
 /// been typed and may be empty.
-Candidates candidatesFor(std::span<const std::string> words);
+Candidates candidatesFor(std::span<const std::string> typed);
 
 /// The ids in the JSON of a backlog, or the handles in that of a roster, that are wanted.
 std::vector<std::string> boardWordsIn(const std::string& json, const Candidates& wanted);

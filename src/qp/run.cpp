@@ -176,6 +176,13 @@ ToolReply seatless(ToolReply reply, const Surroundings& around) {
   return reply;
 }
 
+/// Ends a wait whose caller has gone, in words when somebody is left to read them.
+Status endUnheard(const Surroundings& around) {
+  if (around.lifetime.isOver() && !around.lifetime.isUnread())
+    around.console.errors.write("qp: whoever started this wait has gone, and it ends with them\n");
+  return Status::hungUp;
+}
+
 Status runCalls(const Calls& calls, const Surroundings& around) {
   const Console& console = around.console;
   if (const std::optional<Status> refused = refusedBefore(calls, console)) return *refused;
@@ -184,12 +191,7 @@ Status runCalls(const Calls& calls, const Surroundings& around) {
   for (std::size_t i = 0; i < calls.size(); ++i) {
     const Call& call = calls[i];
     const ToolReply reply = seatless(replyTo(call, desk, around), around);
-    if (reply.end == CallEnd::callerGone) {
-      const bool isUnwritten = around.lifetime.isUnread() || !around.lifetime.isOver();
-      if (isUnwritten) return Status::hungUp;
-      console.errors.write("qp: whoever started this wait has gone, and it ends with them\n");
-      return Status::hungUp;
-    }
+    if (reply.end == CallEnd::callerGone) return endUnheard(around);
     const Status end = statusOf(reply.end);
     const bool stops = end == Status::refused || end == Status::noBoard;
     const std::string stopped = stops ? stoppedLine(calls, i, reply.end) : std::string();
