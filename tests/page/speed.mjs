@@ -40,9 +40,13 @@ const bare = createServer((_, answer) => {
     }</script>`);
 });
 
+/** Lets the browser put away what the tab before left behind, which takes both processors. */
+const quiet = () => new Promise((resolve) => setTimeout(resolve, 700));
+
 /** When the cards of this address were painted in a tab that began anew, and what the tab tells. */
 async function sight(tab, address) {
   await tab.goto('about:blank');
+  await quiet();
   await tab.goto(address);
   await tab.waitForFunction(() => paintedAt > 0);
   return tab.evaluate(() => ({
