@@ -13,6 +13,16 @@ const list = () => stage.board.type('helper', 'list');
 const sheet = (tab, name) => tab.getByRole('dialog', { name });
 const argumentsIn = (part) => part.locator('.arguments li').allTextContents();
 
+/** An agent suggests this helper, and a tab has the window open in which it is looked at. */
+async function lookAt(name, command) {
+  await begin();
+  const ada = await stage.board.agent('Ada');
+  await suggest(ada, name, command);
+  const tab = await openTab();
+  await tab.locator('.need.helper').getByRole('button', { name: 'Look and allow …' }).click();
+  return { ada, tab, shown: sheet(tab, 'Suggested helper') };
+}
+
 describe('helpers on the page', () => {
   setTheStage();
 
@@ -46,12 +56,7 @@ describe('helpers on the page', () => {
   });
 
   it('does not allow what came in the place of what was shown, and shows that', async () => {
-    await begin();
-    const ada = await stage.board.agent('Ada');
-    await suggest(ada, 'scout', 'scout -p');
-    const tab = await openTab();
-    await tab.locator('.need.helper').getByRole('button', { name: 'Look and allow …' }).click();
-    const shown = sheet(tab, 'Suggested helper');
+    const { ada, tab, shown } = await lookAt('scout', 'scout -p');
     assert.deepEqual(await argumentsIn(shown), ['scout', '-p']);
     await suggest(ada, 'scout', 'evil -p');
     assert.deepEqual(await argumentsIn(shown), ['scout', '-p'], 'it does not change under the hand');
@@ -77,12 +82,7 @@ describe('helpers on the page', () => {
   });
 
   it('shows what cannot be seen in an argument as marks', async () => {
-    await begin();
-    const ada = await stage.board.agent('Ada');
-    await suggest(ada, '<b>scout</b>', "scout '<img src=x>' 'a\u202eb\u200bc\u00a0d\u00ade' 'one\ntwo'");
-    const tab = await openTab();
-    await tab.locator('.need.helper').getByRole('button', { name: 'Look and allow …' }).click();
-    const shown = sheet(tab, 'Suggested helper');
+    const { tab, shown } = await lookAt('<b>scout</b>', "scout '<img src=x>' 'a\u202eb\u200bc\u00a0d\u00ade' 'one\ntwo'");
     await shown.getByRole('heading', { name: '<b>scout</b>' }).waitFor();
     assert.deepEqual(await argumentsIn(shown),
       ['scout', '<img src=x>', 'a⟨U+202E⟩b⟨U+200B⟩c⟨U+00A0⟩d⟨U+00AD⟩e', 'one␊two']);

@@ -8,7 +8,5 @@ export function rowsOf(sheet, name) {
     Object.fromEntries(table.columns.map((column, i) => [column, cells[i] ?? ''])));
 }
 
-export const hasTable = (sheet, name) => sheet.sections.some((section) => section.name === name);
-
 // The entries of a cell that holds a list.
 export const listOf = (cell) => (cell ? cell.split('\n') : []);

@@ -32,7 +32,7 @@ function drawSuggestion(row, launch, thread) {
 
 // Opens the window in which a suggestion is looked at; `isAgain` after it could not be allowed as it
 // stood there.
-export async function openSuggestion(name, thread, { isAgain = false } = {}) {
+async function openSuggestion(name, thread, { isAgain = false } = {}) {
   try {
     const [sheet, launch] = await Promise.all([ask('helpers', where(thread)), askLaunch()]);
     const row = rowsOf(sheet, 'suggested').find(({ helper }) => helper === name);
@@ -44,7 +44,7 @@ export async function openSuggestion(name, thread, { isAgain = false } = {}) {
   }
 }
 
-export const refuseButton = (name, thread, after = null) =>
+const refuseButton = (name, thread, after = null) =>
   deedButton('Refuse', () => ({ method: 'person_helper_refuse', name: thread || undefined, agent: name }), { after });
 
 // The ways to deal with a suggestion, wherever it is named.
