@@ -58,7 +58,8 @@ describe('helpers on the page', () => {
   it('does not allow what came in the place of what was shown, and shows that', async () => {
     const { ada, tab, shown } = await lookAt('scout', 'scout -p');
     assert.deepEqual(await argumentsIn(shown), ['scout', '-p']);
-    await suggest(ada, 'scout', 'evil -p');
+    await suggest(ada, 'scout', 'evil -p', '--reason', 'It is quicker');
+    await tab.locator('.need.helper').getByText('It is quicker').waitFor();
     assert.deepEqual(await argumentsIn(shown), ['scout', '-p'], 'it does not change under the hand');
     await shown.getByRole('button', { name: 'Allow exactly this' }).click();
     await shown.getByText('has been replaced since it was shown').waitFor();

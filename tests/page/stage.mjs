@@ -60,6 +60,7 @@ export async function openIn(context, address = stage.page.address) {
   });
   tab.setDefaultTimeout(20_000);
   await tab.goto(address);
+  await tab.locator('body:not([aria-busy])').waitFor({ state: 'attached' });
   return tab;
 }
 

@@ -39,6 +39,8 @@ export function showGate() {
     if (found && takeKey(`#${found[0]}${rest ? `&${rest}` : ''}`)) location.reload();
   });
   put(document.body, el('main', {}, form));
+  document.body.hidden = false;
+  document.body.ariaBusy = null;
   document.title = 'Board: no key';
   input.focus();
 }

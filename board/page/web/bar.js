@@ -1,6 +1,6 @@
 // The bar over the board: the views, the search and the filters.
 
-import { el, keep, linked, linkTo, put, say } from './dom.js';
+import { afterPaint, el, keep, linked, linkTo, put, say } from './dom.js';
 import { filter, setFilter, setFound, tagsOf, watchFilter } from './filter.js';
 import { ask } from './link.js';
 import { rowsOf } from './sheet.js';
@@ -100,7 +100,7 @@ export function mountBar() {
   put(foundBox, count, list);
   put(bar, el('div', { class: 'tabs' }, tabs), el('div', { class: 'search' }, search, agents, columns, tags));
   watch((changed) => {
-    if (changed.has('agents') || changed.has('tasks')) drawChoices();
+    if (changed.has('agents') || changed.has('tasks')) afterPaint(drawChoices);
   });
   watchFilter(() => bar.classList.toggle('filtering', Object.values(filter).some(Boolean)));
   restoreView();

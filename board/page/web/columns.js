@@ -7,10 +7,13 @@ import { state, watch } from './store.js';
 import { isShown, watchView } from './views.js';
 
 const board = document.getElementById('board');
-const PAGE = 40;
+// How many cards are drawn at first, which fill a tall window, and how many more each time.
+const FIRST = 20;
+const MORE = 40;
 // Where the columns stand under each other, one that grows by itself would keep the others away.
+const NARROW = 10;
 const isNarrow = matchMedia('(max-width: 900px)');
-const page = () => (isNarrow.matches ? 10 : PAGE);
+const first = () => (isNarrow.matches ? NARROW : FIRST);
 
 const COLUMNS = [
   ['ready', 'Ready', 'Nothing is ready to be taken.'],
@@ -27,7 +30,7 @@ const latest = (a, b) => Number(b.noteAt) - Number(a.noteAt) || (a.id < b.id ? 1
 
 const columns = COLUMNS.map(([name, label, none]) => {
   const column = {
-    name, none, limit: page(), tasks: [],
+    name, none, limit: first(), tasks: [],
     count: el('span', { class: 'count' }),
     list: el('ol', { class: 'cards', 'aria-label': label }),
     more: el('button', { type: 'button', class: 'more quiet', hidden: true }),
@@ -39,7 +42,7 @@ const columns = COLUMNS.map(([name, label, none]) => {
 });
 
 function showMore(column) {
-  column.limit += page();
+  column.limit += isNarrow.matches ? NARROW : MORE;
   fill(column);
 }
 
@@ -47,7 +50,11 @@ function setFold(column, isFolded) {
   column.isFolded = isFolded;
   column.fold.setAttribute('aria-expanded', String(!isFolded));
   column.node.classList.toggle('folded', isFolded);
-  localStorage.setItem(`fold-${column.name}`, isFolded ? 'yes' : 'no');
+}
+
+function turnFold(column) {
+  setFold(column, !column.isFolded);
+  localStorage.setItem(`fold-${column.name}`, column.isFolded ? 'yes' : 'no');
   fill(column);
 }
 
@@ -98,7 +105,7 @@ export const cardsInOrder = () => [...board.querySelectorAll('a.card')];
 export function mountColumns() {
   put(board, columns.map((column) => column.node));
   for (const column of columns) {
-    column.fold.addEventListener('click', () => setFold(column, !column.isFolded));
+    column.fold.addEventListener('click', () => turnFold(column));
     column.more.addEventListener('click', () => showMore(column));
     new IntersectionObserver((entries) => {
       if (!isNarrow.matches && entries.some((entry) => entry.isIntersecting)) showMore(column);
@@ -110,7 +117,7 @@ export function mountColumns() {
     if (['tasks', 'agents', 'thread'].some((part) => changed.has(part))) draw();
   });
   watchFilter(() => {
-    for (const column of columns) column.limit = page();
+    for (const column of columns) column.limit = first();
     draw();
   });
   watchView(draw);

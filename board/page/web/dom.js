@@ -17,23 +17,30 @@ export function shown(text) {
 // custom properties; a property that is null or false is left out. Texts become text nodes.
 export function el(tag, props = {}, ...children) {
   const node = document.createElement(tag);
-  const { on = {}, data = {}, vars = {}, ...plain } = props;
-  for (const [name, value] of Object.entries(plain)) {
+  for (const name in props) {
+    const value = props[name];
     if (value === null || value === undefined || value === false) continue;
     if (name === 'class') node.className = value;
+    else if (name === 'on') for (const kind in value) node.addEventListener(kind, value[kind]);
+    else if (name === 'data') Object.assign(node.dataset, value);
+    else if (name === 'vars') for (const each in value) node.style.setProperty(each, value[each]);
     else node.setAttribute(name, value === true ? '' : shown(value));
   }
-  for (const [name, handler] of Object.entries(on)) node.addEventListener(name, handler);
-  Object.assign(node.dataset, data);
-  for (const [name, value] of Object.entries(vars)) node.style.setProperty(name, value);
-  put(node, ...children);
+  add(node, children);
   return node;
+}
+
+function add(node, children) {
+  for (const child of children.flat(2)) {
+    if (child === null || child === undefined || child === false) continue;
+    node.append(child instanceof Node ? child : shown(child));
+  }
 }
 
 // Replaces what is in a node.
 export function put(node, ...children) {
-  node.replaceChildren(...children.flat(2).filter((c) => c !== null && c !== undefined && c !== false)
-    .map((c) => (c instanceof Node ? c : document.createTextNode(shown(c)))));
+  node.replaceChildren();
+  add(node, children);
 }
 
 // Sets a node's text only when it is another one, so that nothing is drawn for nothing.
@@ -75,6 +82,12 @@ export function keep(parent, items, keyOf, make, update) {
     else parent.insertBefore(node, place);
   }
   parent.kept = now;
+}
+
+// Calls `then` when what has changed so far has been painted; a tab that nobody sees paints nothing.
+export function afterPaint(then) {
+  if (document.hidden) setTimeout(then, 0);
+  else requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(then, 0)));
 }
 
 // A node of a picture.

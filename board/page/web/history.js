@@ -64,4 +64,5 @@ export function mountHistory() {
   });
   watchView(() => draw());
   watchFilter(() => draw());
+  draw();
 }

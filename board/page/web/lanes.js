@@ -14,6 +14,8 @@ const ROW = 24;
 const GAP = 14;
 const LABEL = 110;
 const TOP = 24;
+// What is seen at the least: a claim can be as short as this.
+const SMALLEST_MS = 1_000;
 const ENDS = { now: 'goes on', done: 'done', released: 'given back', lapsed: 'lapsed', handed: 'handed over', declined: 'declined', deleted: 'deleted' };
 
 const picture = svg('svg', { class: 'picture lanes', role: 'group', 'aria-label': 'Claims in time', tabindex: 0 });
@@ -109,7 +111,7 @@ async function draw(isStale = false) {
 function zoom(factor, part = 0.5) {
   const { from, to } = view ?? whole();
   const at = from + (to - from) * part;
-  const size = Math.max(10_000, (to - from) * factor);
+  const size = Math.max(SMALLEST_MS, (to - from) * factor);
   const most = whole();
   view = size >= most.to - most.from ? null : { from: at - size * part, to: at + size * (1 - part) };
   paint();
@@ -160,4 +162,5 @@ export function mountLanes() {
   watchView(() => draw());
   watchFilter(() => { if (isShown('lanes') && bars.length) paint(); });
   new ResizeObserver(() => { if (isShown('lanes') && bars.length) paint(); }).observe(section);
+  draw();
 }

@@ -1,20 +1,14 @@
-// The page put together: takes the key, asks for the board, and follows it.
+// The page put together: takes the key, asks for the board, shows it, and follows it.
 
 import { mountAgents } from './agents.js';
 import { mountBanner, showGate } from './banner.js';
 import { mountBar } from './bar.js';
 import { mountColumns } from './columns.js';
-import { mountDrawer } from './drawer.js';
+import { afterPaint } from './dom.js';
 import { mountGoal } from './goal.js';
-import { mountGraph } from './graph.js';
-import { mountHelpers } from './helpers.js';
-import { mountHistory } from './history.js';
-import { mountKeys } from './keys.js';
-import { mountLanes } from './lanes.js';
 import { ask, listen, settleThread, takeKey } from './link.js';
 import { mountNeeds } from './needs.js';
-import { mountNotices } from './notices.js';
-import { setLink, state, take } from './store.js';
+import { setLink, state, take, watch } from './store.js';
 import { startClock } from './times.js';
 
 let isAsking = false;
@@ -48,24 +42,39 @@ function hear(kind, data) {
   }
 }
 
+// A board that does not answer at once is waited for so long before the page is shown without it.
+const PATIENCE_MS = 250;
+
+// Brings what is not seen at first, and what tells of moves; the page is busy until then.
+async function complete() {
+  const { mountRest } = await import('./rest.js');
+  mountRest();
+  startClock();
+  listen(hear);
+  document.body.ariaBusy = null;
+}
+
+// Shows the page: one painting of all that stands, where its empty frame would cost another before it.
+function show() {
+  if (!document.body.hidden) return;
+  document.body.hidden = false;
+  afterPaint(complete);
+}
+
 function start() {
   // What takes longest is asked for first; it is shown when everything stands that shows it.
   refresh();
+  document.body.ariaBusy = 'true';
   mountBanner();
   mountGoal();
   mountNeeds();
   mountBar();
   mountColumns();
   mountAgents();
-  mountLanes();
-  mountGraph();
-  mountHistory();
-  mountHelpers();
-  mountDrawer();
-  mountNotices();
-  mountKeys();
-  startClock();
-  listen(hear);
+  watch(show);
+  setTimeout(show, PATIENCE_MS);
+  // While the board answers, fonts are found and controls made; what stands is not painted yet.
+  document.body.hidden = true;
 }
 
 if (takeKey()) start();

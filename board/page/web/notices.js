@@ -7,21 +7,21 @@ import { state, watch } from './store.js';
 const heard = document.getElementById('heard');
 const ALLOWED = 'notices';
 let known = null;
+const bell = el('button', { type: 'button', role: 'switch', class: 'switch', 'aria-checked': 'false' }, 'Notify me');
 
 const isAllowed = () => localStorage.getItem(ALLOWED) === 'on'
   && globalThis.Notification?.permission === 'granted';
 
 // The bell in the head of the page.
 export function noticeButton() {
-  const button = el('button', { type: 'button', role: 'switch', class: 'switch', 'aria-checked': String(isAllowed()) }, 'Notify me');
-  button.title = 'A notification and a quiet sound when something new needs you';
-  button.addEventListener('click', async () => {
+  bell.title = 'A notification and a quiet sound when something new needs you';
+  bell.addEventListener('click', async () => {
     const isOn = !isAllowed() && (await globalThis.Notification?.requestPermission()) === 'granted';
     localStorage.setItem(ALLOWED, isOn ? 'on' : 'off');
-    button.setAttribute('aria-checked', String(isOn));
+    bell.setAttribute('aria-checked', String(isOn));
     if (isOn) ring();
   });
-  return button;
+  return bell;
 }
 
 // One soft tone of a third of a second.
@@ -61,15 +61,23 @@ function title() {
   document.title = `${lost}${count ? `(${count}) ` : ''}${name}`;
 }
 
+// Notes what needs the person, and tells of what is new since the board was first seen.
+function tell() {
+  const keys = new Set(state.needs.map(keyOf));
+  const fresh = known ? state.needs.filter((need) => !known.has(keyOf(need))) : [];
+  if (state.thread || state.rev) known = keys;
+  if (fresh.length) announce(fresh);
+}
+
 // Keeps the title, and tells of what is new.
 export function mountNotices() {
   put(heard);
+  // A browser takes its time to say what it was allowed.
+  bell.setAttribute('aria-checked', String(isAllowed()));
+  title();
+  tell();
   watch((changed) => {
     if (['needs', 'thread', 'link'].some((part) => changed.has(part))) title();
-    if (!changed.has('needs') && known) return;
-    const keys = new Set(state.needs.map(keyOf));
-    const fresh = known ? state.needs.filter((need) => !known.has(keyOf(need))) : [];
-    if (state.thread || state.rev) known = keys;
-    if (fresh.length) announce(fresh);
+    if (changed.has('needs') || !known) tell();
   });
 }

@@ -4,8 +4,11 @@
 export function rowsOf(sheet, name) {
   const table = sheet.sections.find((section) => section.name === name);
   if (!table) return [];
-  return table.rows.map(({ cells }) =>
-    Object.fromEntries(table.columns.map((column, i) => [column, cells[i] ?? ''])));
+  return table.rows.map(({ cells }) => {
+    const row = {};
+    table.columns.forEach((column, i) => { row[column] = cells[i] ?? ''; });
+    return row;
+  });
 }
 
 // The entries of a cell that holds a list.

@@ -31,8 +31,10 @@ function touch(...names) {
   for (const name of names) changed.add(name);
   if (isDue) return;
   isDue = true;
-  // A tab that nobody sees has no frames, and its title is read all the same.
-  if (document.hidden) setTimeout(tellAll, 0);
+  // The first sight waits for no frame. A tab that nobody sees has none, and its title is read all the
+  // same.
+  if (state.rev === 0) queueMicrotask(tellAll);
+  else if (document.hidden) setTimeout(tellAll, 0);
   else requestAnimationFrame(tellAll);
 }
 
@@ -59,20 +61,20 @@ export function columnOf(task) {
   return task.state === 'working' ? 'claimed' : task.state;
 }
 
+// Makes a task of its row.
 function taskOf(row) {
-  return {
-    ...row,
-    priority: Number(row.priority),
-    resources: listOf(row.resources),
-    waitsOn: listOf(row.waitsOn),
-    tagged: listOf(row.tagged),
-    column: columnOf(row),
-  };
+  row.priority = Number(row.priority);
+  row.resources = listOf(row.resources);
+  row.waitsOn = listOf(row.waitsOn);
+  row.tagged = listOf(row.tagged);
+  row.column = columnOf(row);
+  return row;
 }
 
 function putTask(row) {
   const task = taskOf(row);
-  if (isSame(state.tasks.get(task.id), task)) return;
+  const before = state.tasks.get(task.id);
+  if (before && isSame(before, task)) return;
   state.tasks.set(task.id, task);
   state.deleted.delete(task.id);
   touch('tasks', task.id);

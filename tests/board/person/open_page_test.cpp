@@ -57,7 +57,10 @@ TEST(PageCommand, SaysWhereItsProgramIsToBeHadWhenItIsMissing) {
 
   // A board is served without its page rather than not at all.
   testing::Process board({alone, {"serve", "--page", "--db", ":memory:", "--dir", dir.path()}, {}});
-  for (int i = 0; i < 500 && typed(dir.path(), {"show"}).status != 0; ++i)
+  const auto isServed = [&] {
+    return typed(dir.path(), {"show"}).errors.find("no thread yet") != std::string::npos;
+  };
+  for (int i = 0; i < 500 && !isServed(); ++i)
     SteadyClock().sleepFor(std::chrono::milliseconds(20));
   board.signal(SIGTERM);
   EXPECT_EQ(board.waitForExit(), 0);
