@@ -8,6 +8,7 @@
 #include "harness/fake_client.h"
 #include "harness/fake_lifetime.h"
 #include "harness/json_object.h"
+#include "harness/sanitized.h"
 #include "harness/temp_dir.h"
 #include "json/value.h"
 #include "mcp/stdio_server.h"
@@ -214,7 +215,7 @@ bool areSame(Twins& twins, const SameCall& call, const SameAnswers& answers) {
 }
 
 TEST(SameWords, OfEveryToolThroughTheServerAndThroughTheCommand) {
-  constexpr uint64_t seeds = 60;
+  constexpr uint64_t seeds = QUILLPOST_SANITIZED ? 15 : 60;
   for (const Tool& tool : tools) {
     for (uint64_t seed = 1; seed <= seeds; ++seed) {
       Dice dice(seed);
@@ -231,7 +232,7 @@ TEST(SameWords, OfEveryToolThroughTheServerAndThroughTheCommand) {
 }
 
 TEST(SameWords, WhateverTheSeatRemembersFromTheCallsBefore) {
-  constexpr uint64_t days = 100;
+  constexpr uint64_t days = QUILLPOST_SANITIZED ? 25 : 100;
   constexpr int callsADay = 20;
   for (uint64_t day = 1; day <= days; ++day) {
     Dice dice(1'000 + day);
