@@ -54,6 +54,21 @@ void passTurn(TeamworkDiscussion& discussion, const std::string& author) {
   std::erase(owing, author);
 }
 
+bool isHere(const Board& board, std::string_view party) {
+  const Seat* seat = seatOf(board, party);
+  return party == human || (seat != nullptr && isLive(*seat));
+}
+
+/// What the person has said is for whoever of the parties is here when all who owe a volley are
+/// gone. When everybody is, it waits for their coming back.
+void passTurnOfTheGone(const Board& board, TeamworkDiscussion& discussion) {
+  const auto isGone = [&](const std::string& party) { return !isHere(board, party); };
+  if (!std::ranges::all_of(discussion.owingParties, isGone)) return;
+  std::vector<std::string> here = partiesOf(discussion);
+  std::erase_if(here, [&](const std::string& party) { return party == human || isGone(party); });
+  if (!here.empty()) discussion.owingParties = std::move(here);
+}
+
 }  // namespace
 
 bool isOpen(const TeamworkDiscussion& discussion) { return discussion.state == goingOn; }
@@ -103,18 +118,18 @@ void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion:
            noticesFor(discussion, WakeKind::discussionReply, volley.body));
   const int64_t nowMs = volley.atMs;
   discussion.volleys.push_back(std::move(volley));
-  if (discussion.volleysSinceHuman >= volleyCap || isAbandoned(board, discussion)) {
+  if (discussion.volleysSinceHuman == 0) {
+    // It does not come back to the person whose answer it has.
+    passTurnOfTheGone(board, discussion);
+  } else if (discussion.volleysSinceHuman >= volleyCap || isAbandoned(board, discussion)) {
     escalate(board, discussion, nowMs);
   }
 }
 
 bool isAbandoned(const Board& board, const TeamworkDiscussion& discussion) {
-  const auto isHere = [&](const std::string& party) {
-    const Seat* seat = seatOf(board, party);
-    return party == human || (seat != nullptr && isLive(*seat));
-  };
-  return std::ranges::none_of(discussion.addressedTo, isHere) ||
-         std::ranges::none_of(discussion.owingParties, isHere);
+  const auto isHereNow = [&](const std::string& party) { return isHere(board, party); };
+  return std::ranges::none_of(discussion.addressedTo, isHereNow) ||
+         std::ranges::none_of(discussion.owingParties, isHereNow);
 }
 
 void escalate(Board& board, TeamworkDiscussion& discussion, int64_t nowMs) {

@@ -35,7 +35,8 @@ std::string counterpart(const Board& board, const TeamworkDiscussion& discussion
 TeamworkDiscussion& openDebate(Board& board, TeamworkDiscussion discussion, int64_t nowMs);
 
 /// Adds a volley and wakes the other parties. At the cap the discussion escalates: the person owes
-/// a volley too.
+/// a volley too. What the person says is for those who owe the next volley, and when they are gone
+/// for whoever of the parties is here; it does not come back to the person by itself.
 void addVolley(Board& board, TeamworkDiscussion& discussion, TeamworkDiscussion::Volley volley);
 
 /// Whether nobody is here any more who could go on with it: neither whoever it was addressed to,

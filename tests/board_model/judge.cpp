@@ -112,7 +112,9 @@ std::optional<std::string> whatIsWrong(const Board& board, Moment at) {
   if (const auto next = nextLapse(board); next && *next <= at.nowMs) return "something is overdue";
   for (const auto& [id, discussion] : board.discussions) {
     if (!isOpen(discussion) || discussion.escalated || owes(discussion, board::human)) continue;
-    if (isAbandoned(board, discussion)) return text::cat(id, " waits for nobody");
+    // What the person has said may wait for those who are gone.
+    const bool isAnswered = !discussion.volleys.empty() && discussion.volleysSinceHuman == 0;
+    if (!isAnswered && isAbandoned(board, discussion)) return text::cat(id, " waits for nobody");
   }
   for (const auto& [id, seat] : board.seats) {
     if (!seat.registered && !wakesOf(board, seat).empty()) return text::cat(id, " keeps old wakes");

@@ -7,6 +7,7 @@
 #include "board/serving/store.h"
 #include "board/verbs/methods.h"
 #include "board/verbs/person.h"
+#include "board_model/calm.h"
 #include "board_model/judge.h"
 #include "harness/dice.h"
 #include "tools/tool_name.h"
@@ -83,6 +84,15 @@ class Session {
   std::optional<std::string> play() {
     for (std::size_t step = 0; step < stepCount; ++step)
       if (auto wrong = takeStep()) return text::cat("step ", step, ": ", *wrong);
+    calmAt_ = at_;
+    const auto ask = [this](TeamworkRequest request) { return askInCalm(std::move(request)); };
+    if (auto wrong = endCalmly({board(), at_, dice_, ask})) {
+      return text::cat("in the calm: ", *wrong);
+    }
+    for (const auto& [session, reader] : readers_) {
+      const bool isHere = isLive(*board().seats.find(session));
+      if (isHere && !reader.messagesAhead.empty()) return "in the calm: a message never came";
+    }
     return std::nullopt;
   }
 
@@ -123,6 +133,33 @@ class Session {
     if (!wrong) wrong = whatWasMissed(board(), before, at_, mover);
     if (!wrong && dice_.oneIn(30)) wrong = killAndLoad();
     return wrong;
+  }
+
+  /// One request whose answer arrives, of the person when it names no session.
+  std::optional<std::string> askInCalm(TeamworkRequest request) {
+    const std::string& session = request.sessionID;
+    const Before before = lookAt(board(), *std::exchange(calmAt_, at_));
+    lapse(board(), at_);
+    if (request.method == pollChanges) request.sinceRev = readers_[session].rev;
+    Seat* seat = session.empty() ? nullptr : board().seats.touch(session);
+    const TeamworkResponse response = seat == nullptr
+                                          ? carryOutForPerson(board(), request, at_)
+                                          : carryOut({board(), request, *seat, at_, random_});
+    note(seat == nullptr ? "person" : seat->handle, request, response);
+    const bool hasMoved = !isSaved(board());
+    store_.save(board());
+    std::optional<std::string> wrong;
+    if (response.kind == Kind::error) {
+      wrong = text::cat(request.method, " is refused: ", response.message.value_or(""));
+    }
+    if (response.wakePending.value_or(false)) wrong = "a stop hook holds back who owes nothing";
+    if (!wrong && hasMoved) wrong = whatIsWrong(board(), at_);
+    if (!wrong && hasMoved) {
+      wrong = whatWasMissed(board(), before, at_, seat == nullptr ? "" : seat->fingerprint);
+    }
+    if (wrong || seat == nullptr) return wrong;
+    if (request.method == "complete_task") ++tally_["done in the calm"];
+    return takeAnswer(response, *seat, readers_[session]);
   }
 
   void letLapse() {
@@ -220,7 +257,7 @@ class Session {
     if (isFeed || response.messages) delivery = deliveryOf(board(), seat);
     if (!isFeed) delivery.wakesUpTo.clear();
     if (seat.registered && !seat.waiting) delivery.saidUpTo = carrySaid(board(), seat, response);
-    if (dice_.oneIn(5)) return std::nullopt;
+    if (!calmAt_ && dice_.oneIn(5)) return std::nullopt;
     if (isFeed) {
       reader.rev = response.changes->rev;
       if (response.changes->wakeReasons.size() != wakesOf(board(), seat).size()) {
@@ -331,6 +368,8 @@ class Session {
   Random random_ = [this] { return static_cast<uint32_t>(dice_.below(1U << 31)); };
   std::map<std::string, Reader> readers_;
   int64_t said_ = 0;
+  /// When the last request was, once nothing goes wrong any more.
+  std::optional<Moment> calmAt_;
 };
 
 }  // namespace

@@ -2,7 +2,8 @@
 
 // A session by chance on a board: ten seats and the person ask for whatever comes to them, time
 // passes, answers get lost, saves fail, the program is killed. After each step the judge looks
-// whether everything that must always hold still does.
+// whether everything that must always hold still does. At the end nothing more is lost, and what is
+// owed arrives and what can be done gets done (calm.h).
 
 #include "harness/chance.h"
 

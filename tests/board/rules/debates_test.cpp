@@ -161,5 +161,28 @@ TEST(Debates, OneThatNobodyHereCanAnswerIsThePersonsAtOnce) {
   EXPECT_TRUE(owes(debate(desk), human));
 }
 
+TEST(Debates, WhatThePersonAnsweredIsForWhoeverIsLeftAndDoesNotComeBack) {
+  Desk desk({"AA2", "BB3"});
+  desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["BB3"])");
+  reply(desk, "BB3", "Left");
+  desk.ask("AA2", "unregister");
+  ASSERT_TRUE(owes(debate(desk), human));
+  EXPECT_TRUE(wasWritten(desk.person(personAnswer, R"("taskID":"d000001","body":"Right")")));
+  EXPECT_FALSE(debate(desk).escalated);
+  EXPECT_THAT(debate(desk).owingParties, ElementsAre(desk.mark("BB3")));
+}
+
+TEST(Debates, WhatThePersonAnsweredWhenAllAreGoneWaitsForTheirComingBack) {
+  Desk desk({"AA2", "BB3"});
+  desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["BB3"])");
+  desk.pass(desk.at.leaseMs / 1000);
+  ASSERT_TRUE(owes(debate(desk), human));
+  EXPECT_TRUE(wasWritten(desk.person(personAnswer, R"("taskID":"d000001","body":"Right")")));
+  EXPECT_FALSE(debate(desk).escalated);
+  EXPECT_FALSE(owes(debate(desk), human));
+  EXPECT_TRUE(desk.isWoken("BB3", "discussionReply"));
+  EXPECT_EQ(desk.owed("BB3").oweReply.size(), 1u);
+}
+
 }  // namespace
 }  // namespace quillpost::board
