@@ -315,12 +315,16 @@ Answer Service::answerPerson(const TeamworkRequest& request) {
   // A board that is new is begun by saying what it is for, or what is to be done.
   const bool isBeginning = request.method == personGoal || request.method == personCharter ||
                            request.method == personAdd;
-  if (boards_.empty() && name.empty() && isBeginning) meant.push_back(&addBoard(""));
+  const bool isNew = boards_.empty() && name.empty() && isBeginning;
+  if (isNew) meant.push_back(&addBoard(""));
   if (meant.empty()) return {refused(noSuchThread(name))};
   Board& board = *meant.front();
   if (!isFailing()) lapse(board, moment());
   TeamworkResponse response = carryOutForPerson(board, request, moment());
-  if (!save(board)) return {refused(cannotWrite)};
+  if (!save(board)) {
+    if (isNew) boards_.pop_back();
+    return {refused(cannotWrite)};
+  }
   tend(board);
   return {std::move(response)};
 }

@@ -74,16 +74,18 @@ Store::Open::Open(Database opened)
 std::optional<Database> Store::openFile(const std::string& path, std::string& why) {
   std::optional<Database> database = Database::open(path, why);
   if (!database) return std::nullopt;
+  bool isRead = false;
   {
     Statement version = database->prepare("PRAGMA user_version");
     const int64_t found = version.next() ? version.number(0) : 0;
+    isRead = !version.failed();
     if (found != 0 && found != layout) {
       why = text::cat("cannot open ", path, ": it was written by ",
                       found > layout ? "a later" : "an earlier", " version");
       return std::nullopt;
     }
   }
-  if (database->run(setUp)) return database;
+  if (isRead && database->run(setUp)) return database;
   const std::string error = database->error();
   const bool isLocked = error.find("locked") != std::string::npos;
   why = text::cat("cannot open ", path, ": ",

@@ -302,6 +302,20 @@ TEST(Service, AFullDiskRefusesWritesInWordsLetsReadsGoOnAndRecovers) {
   EXPECT_TRUE(wasWritten(ask(session, "add_task", big)));
 }
 
+TEST(Service, AThreadThatCouldNotBeWrittenIsNotThereAndIsBegunByTheNextRequest) {
+  FileDesk desk;
+  const auto begin = [&] {
+    const auto request = requestOf("", personAdd, R"("title":"one")", "persons");
+    return desk.service.answer(request).response;
+  };
+  const FullDisk full;
+  EXPECT_TRUE(wasRefused(begin(), "disk full"));
+  EXPECT_TRUE(wasRefused(begin(), "disk full"));
+  full.end();
+  desk.nowMs += storeCareMs;
+  EXPECT_TRUE(wasWritten(begin()));
+}
+
 TEST(Service, WithSeveralThreadsThePersonSaysWhichIsMeantAndTheFirstMadeIsShown) {
   ServiceDesk desk;
   const auto person = [&](std::string_view method, std::string_view members) {
