@@ -48,6 +48,8 @@ void passTurn(TeamworkDiscussion& discussion, const std::string& author) {
   std::vector<std::string>& owing = discussion.owingParties;
   if (author == discussion.openedBy) {
     owing = partiesOf(discussion);
+    // What has been put before the person stays there until they speak.
+    if (discussion.escalated && !owes(discussion, human)) owing.emplace_back(human);
   } else if (!owes(discussion, discussion.openedBy)) {
     owing.push_back(discussion.openedBy);
   }

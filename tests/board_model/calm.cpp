@@ -133,9 +133,8 @@ class CalmEnd {
     for (const auto& [id, discussion] : board().discussions)
       if (owes(discussion, human)) return text::cat(id, " still waits for the person");
     for (const std::string& session : left_) {
-      if (!obligationsOf(board(), seat(session), calm_.at).clear) {
-        return text::cat(session, " cannot pay what it owes");
-      }
+      const TeamworkObligations owed = obligationsOf(board(), seat(session), calm_.at);
+      if (!owed.clear) return text::cat(session, " still owes ", json::encode(owed));
       if (!wakesOf(board(), seat(session)).empty() || !messagesOf(board(), seat(session)).empty()) {
         return text::cat(session, " was not told of everything");
       }

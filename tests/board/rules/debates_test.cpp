@@ -152,6 +152,15 @@ TEST(Debates, OneWhoseAddresseesHaveAllLeftPassesToThePerson) {
   }
 }
 
+TEST(Debates, OneThatIsBeforeThePersonStaysThereWhenItsOpenerSpeaksAgain) {
+  Desk desk({"AA2", "BB3"});
+  desk.ask("AA2", "open_discussion", R"("body":"Which way?","tags":["BB3"])");
+  desk.ask("BB3", "unregister");
+  reply(desk, "AA2", "Anybody?");
+  EXPECT_TRUE(debate(desk).escalated);
+  EXPECT_TRUE(owes(debate(desk), human));
+}
+
 TEST(Debates, OneThatNobodyHereCanAnswerIsThePersonsAtOnce) {
   Desk desk({"AA2", "BB3"});
   desk.board.seats.touch(desk.seat("BB3").id)->leaseUntilMs = desk.at.nowMs + 1000;
