@@ -86,8 +86,10 @@ class FailingDisk {
     return (real->pMethods->*method)(real, arguments...);
   }
 
+  static void passBarrier(sqlite3_file* file) { realOf(file)->pMethods->xShmBarrier(realOf(file)); }
+
   static constexpr Methods methods = {
-      .iVersion = 1,
+      .iVersion = 2,
       .xClose = pass<&Methods::xClose>,
       .xRead = pass<&Methods::xRead, SQLITE_IOERR_READ>,
       .xWrite = write,
@@ -100,10 +102,10 @@ class FailingDisk {
       .xFileControl = pass<&Methods::xFileControl>,
       .xSectorSize = pass<&Methods::xSectorSize>,
       .xDeviceCharacteristics = pass<&Methods::xDeviceCharacteristics>,
-      .xShmMap = nullptr,
-      .xShmLock = nullptr,
-      .xShmBarrier = nullptr,
-      .xShmUnmap = nullptr,
+      .xShmMap = pass<&Methods::xShmMap, SQLITE_IOERR_SHMMAP>,
+      .xShmLock = pass<&Methods::xShmLock>,
+      .xShmBarrier = passBarrier,
+      .xShmUnmap = pass<&Methods::xShmUnmap>,
       .xFetch = nullptr,
       .xUnfetch = nullptr,
   };
