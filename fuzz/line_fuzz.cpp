@@ -1,9 +1,9 @@
 // Lines from the harness: whatever they hold, every answer is one whole JSON line.
 
-#include "base/environment.h"
 #include "fuzz/input.h"
 #include "harness/fake_client.h"
 #include "harness/fake_clock.h"
+#include "harness/fake_environment.h"
 #include "json/value.h"
 #include "mcp/stdio_server.h"
 #include "model/coding.h"
@@ -55,7 +55,7 @@ void checkMessage(const std::string& message) {
 void serve(std::string_view bytes, std::size_t pieceBytes) {
   testing::FakeClock clock;
   PlainApp app(clock);
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   testing::FakeInput input(bytes, pieceBytes);
   testing::FakeOutput output;
   TeamworkStdioServer server("S1", {clock, environment, app}, output);

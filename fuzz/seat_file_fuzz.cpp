@@ -1,12 +1,12 @@
 // The seat file, the token file, and the paths that are made from them.
 
-#include "base/environment.h"
 #include "base/files.h"
 #include "base/unicode.h"
 #include "bridge/discovery.h"
 #include "bridge/transport.h"
 #include "bridge/unix_socket.h"
 #include "fuzz/input.h"
+#include "harness/fake_environment.h"
 
 #include <filesystem>
 #include <fstream>
@@ -33,7 +33,7 @@ void tryFile(std::string_view bytes) {
   const std::filesystem::path file = disk.base / "Quillpost" / "agent-seat";
   std::ofstream(file, std::ios::binary).write(bytes.data(), static_cast<long>(bytes.size()));
 
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   const std::optional<std::string> seat =
       BridgeDiscovery::seatSocketPath({environment, disk.base.string()});
   if (seat) {

@@ -6,6 +6,7 @@
 #include "harness/dice.h"
 #include "harness/fake_bridge.h"
 #include "harness/fake_client.h"
+#include "harness/fake_environment.h"
 #include "harness/fake_lifetime.h"
 #include "harness/json_object.h"
 #include "harness/sanitized.h"
@@ -198,7 +199,7 @@ class Twins {
   }
 
   testing::TempDir home_;
-  MapEnvironment environment_;
+  testing::FakeEnvironment environment_;
   Way tool_, command_;
   testing::FakeOutput client_, shell_, errors_;
   testing::FakeLifetime lifetime_;

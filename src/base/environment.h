@@ -3,10 +3,8 @@
 // The process environment as a door: a name to an optional text.
 
 #include <cstdlib>
-#include <map>
 #include <optional>
 #include <string>
-#include <utility>
 
 namespace quillpost {
 
@@ -26,21 +24,6 @@ struct ProcessEnvironment final : Environment {
     if (value == nullptr) return std::nullopt;
     return std::string(value);
   }
-};
-
-/// An environment made of the entries it was given.
-struct MapEnvironment final : Environment {
-  MapEnvironment() = default;
-  explicit MapEnvironment(std::map<std::string, std::string> entries)
-      : variables(std::move(entries)) {}
-
-  std::optional<std::string> get(const char* name) const override {
-    const auto found = variables.find(name);
-    if (found == variables.end()) return std::nullopt;
-    return found->second;
-  }
-
-  std::map<std::string, std::string> variables;
 };
 
 }  // namespace quillpost

@@ -40,14 +40,12 @@ void JsonRpcWriter::sendError(const json::Tree* id, int64_t code, std::string_vi
 bool JsonRpcWriter::sendProgress(const json::Tree& progressToken, int64_t progress,
                                  std::string_view message) {
   message_.append(envelope).append(R"("method":"notifications/progress","params":)");
-  {
-    std::string token;
-    json::appendTree(token, progressToken);
-    json::Object(message_)
-        .addJson("progressToken", token)
-        .add("progress", progress)
-        .add("message", message);
-  }
+  std::string token;
+  json::appendTree(token, progressToken);
+  json::Object(message_)
+      .addJson("progressToken", token)
+      .add("progress", progress)
+      .add("message", message);
   message_.push_back('}');
   writeMessage();
   return connected_;

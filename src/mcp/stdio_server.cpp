@@ -45,28 +45,31 @@ const json::TreeObject& orEmpty(const json::TreeObject* object) {
 
 std::string initializeResult() {
   std::string text;
-  {
-    json::Object result(text);
+  json::appendObject(text, [](json::Object& result) {
     result.add("protocolVersion", "2024-11-05");
     result.object("capabilities").object("tools").add("listChanged", false);
     result.object("serverInfo").add("name", "quillpost-teamwork").add("version", programVersion());
     result.add("instructions", texts::serverInstructions);
-  }
+  });
   return text;
 }
 
 }  // namespace
 
-// clang-format off
-constexpr std::array<TeamworkStdioServer::Method, 6> TeamworkStdioServer::methods = {{
-    {"initialize",                &TeamworkStdioServer::answerInitialize},
-    {"notifications/initialized", &TeamworkStdioServer::ignoreNotification},
-    {"notifications/cancelled",   &TeamworkStdioServer::ignoreNotification},
-    {"ping",                      &TeamworkStdioServer::answerPing},
-    {"tools/list",                &TeamworkStdioServer::answerToolsList},
-    {toolsCall,                   &TeamworkStdioServer::answerToolsCall},
-}};
-// clang-format on
+const TeamworkStdioServer::Method* TeamworkStdioServer::methodNamed(std::string_view name) {
+  // clang-format off
+  static constexpr auto methods = std::to_array<Method>({
+      {"initialize",                &TeamworkStdioServer::answerInitialize},
+      {"notifications/initialized", &TeamworkStdioServer::ignoreNotification},
+      {"notifications/cancelled",   &TeamworkStdioServer::ignoreNotification},
+      {"ping",                      &TeamworkStdioServer::answerPing},
+      {"tools/list",                &TeamworkStdioServer::answerToolsList},
+      {toolsCall,                   &TeamworkStdioServer::answerToolsCall},
+  });
+  // clang-format on
+  const Method* const found = std::ranges::find(methods, name, &Method::name);
+  return found == methods.end() ? nullptr : found;
+}
 
 TeamworkStdioServer::TeamworkStdioServer(std::string sessionID, const SeatDoors& doors,
                                          Output& output)
@@ -100,8 +103,7 @@ void TeamworkStdioServer::handle(std::string_view line) {
   const std::string_view name = json::findText(*object, "method").value_or("");
   // Nothing but another call is likely to need as much again.
   if (name != toolsCall) seat_.memory.giveBack();
-  const auto* method = std::ranges::find(methods, name, &Method::name);
-  if (method != methods.end()) {
+  if (const Method* const method = methodNamed(name)) {
     (this->*method->answer)(message);
   } else if (message.id != nullptr) {
     writer_.sendError(message.id, methodNotFound, text::cat("Method not found: ", name));

@@ -43,7 +43,8 @@ class TeamworkStdioServer {
     std::string_view name;
     void (TeamworkStdioServer::*answer)(const Message& message);
   };
-  static const std::array<Method, 6> methods;
+  /// Null for a name that is none of the protocol's.
+  static const Method* methodNamed(std::string_view name);
 
   void answerInitialize(const Message& message);
   void answerPing(const Message& message);

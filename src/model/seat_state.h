@@ -46,4 +46,20 @@ void absorbClientName(SeatState& state, std::string_view clientName);
 /// Counts a wait whose outcome is about to be rendered.
 void absorbWaitEnd(SeatState& state);
 
+/// What a process has learnt in this seat while another may have been in it too: what it began
+/// with, and what it ended with.
+struct SeatLesson {
+  const SeatState& before;
+  const SeatState& after;
+  /// Whether it is about another board than the state that takes it, so that the two revisions say
+  /// nothing of each other.
+  bool isOfOtherBoard = false;
+};
+
+/// Takes what the process has learnt, and leaves alone what it only remembered. Of two revisions
+/// the later one counts, so that a slow process never takes back what a quick one has seen; but a
+/// board that itself has gone back, as one that was restored does, is believed. Waits add up. The
+/// client's profile stays.
+void absorbLesson(SeatState& state, const SeatLesson& lesson);
+
 }  // namespace quillpost

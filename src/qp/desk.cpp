@@ -14,8 +14,12 @@ Desk::Desk(const Surroundings& around)
       threadTag_(before_.threadTag),
       seat_{.doors = around.doors, .sessionID = around.sessionID, .state = before_.state} {}
 
-ToolReply Desk::call(std::string_view tool, const json::TreeObject& arguments) {
+ToolReply Desk::call(ToolName tool, const json::TreeObject& arguments) {
   return learnt(callBoard(tool, Arguments(arguments), seat_));
+}
+
+ToolReply Desk::call(const Tool& tool, const json::TreeObject& arguments) {
+  return learnt(callBoard(tool.name, Arguments(arguments), seat_));
 }
 
 ToolReply Desk::wait(const json::TreeObject& arguments, const Listener& listener) {

@@ -10,10 +10,11 @@
 #include "qp/line.h"
 #include "qp/seat_file.h"
 #include "qp/status.h"
+#include "tools/tool.h"
+#include "tools/tool_name.h"
 
 #include <functional>
 #include <string>
-#include <string_view>
 
 namespace quillpost {
 
@@ -48,14 +49,21 @@ struct Surroundings {
   std::function<Places()> places;
 };
 
-/// One seat for the length of a command.
+/// One seat for the length of a command. What it learns is written as soon as it is learnt; when
+/// that cannot be, nothing is said: the command goes on with it to its end, and the next one begins
+/// with what was written last. `doctor` says where the memory is, and when there is no place for
+/// it.
 class Desk {
  public:
   /// Takes up what the seat remembers.
   explicit Desk(const Surroundings& around);
 
-  /// Makes one call as a client would, and remembers what it told.
-  ToolReply call(std::string_view tool, const json::TreeObject& arguments);
+  /// Makes one call as a client would, and remembers what it told. Of any tool but the one that
+  /// waits.
+  ToolReply call(ToolName tool, const json::TreeObject& arguments);
+
+  /// The same for a tool that a line of words named.
+  ToolReply call(const Tool& tool, const json::TreeObject& arguments);
 
   /// Waits for a listener, and remembers what it told.
   ToolReply wait(const json::TreeObject& arguments, const Listener& listener);

@@ -1,11 +1,9 @@
 #include "qp/memory.h"
 
 #include "base/files.h"
-#include "base/text.h"
 #include "json/decoder.h"
 #include "json/record.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <tuple>
 #include <utility>
@@ -59,33 +57,6 @@ MemoryRecord recordOf(const SeatMemory& memory) {
   return record;
 }
 
-/// Takes what the command has learnt anew, and leaves alone what it only remembered.
-template <class Value>
-void learn(Value& kept, const Value& before, const Value& after) {
-  if (after != before) kept = after;
-}
-
-/// Whether the answers of this command came from a board that had gone back behind what was known
-/// when it was asked.
-bool hasGoneBack(const Lesson& lesson) {
-  return lesson.after.state.lastSeenRev < lesson.before.state.lastSeenRev;
-}
-
-void learnRevision(SeatMemory& kept, const Lesson& lesson) {
-  const SeatState& after = lesson.after.state;
-  if (!after.hasCursor) return;
-  const bool isOtherBoard =
-      !lesson.after.threadTag.empty() && lesson.after.threadTag != kept.threadTag;
-  const bool isNoticedFirst =
-      hasGoneBack(lesson) && kept.state.lastSeenRev >= lesson.before.state.lastSeenRev;
-  if (isOtherBoard || isNoticedFirst || !kept.state.hasCursor) {
-    kept.state.lastSeenRev = after.lastSeenRev;
-  } else {
-    kept.state.lastSeenRev = std::max(kept.state.lastSeenRev, after.lastSeenRev);
-  }
-  kept.state.hasCursor = true;
-}
-
 }  // namespace
 
 std::string encodeMemory(const SeatMemory& memory) {
@@ -102,30 +73,22 @@ std::optional<SeatMemory> decodeMemory(std::string text) {
   std::optional<MemoryRecord> record = json::decode<MemoryRecord>(std::move(text));
   if (!record || record->version != currentVersion) return std::nullopt;
   if (record->waits < 0) return std::nullopt;
-  SeatMemory memory;
-  memory.threadTag = std::move(record->thread);
-  SeatState& state = memory.state;
-  state.lastSeenRev = record->rev;
-  state.hasCursor = record->hasCursor;
-  state.waitSeq = record->waits;
-  state.selfFingerprint = std::move(record->fingerprint);
-  state.selfHandle = std::move(record->handle);
-  state.lastObligations = std::move(record->obligations);
-  state.lastAudience = record->audience;
-  return memory;
+  return SeatMemory{.state = {.lastSeenRev = record->rev,
+                              .hasCursor = record->hasCursor,
+                              .selfFingerprint = std::move(record->fingerprint),
+                              .selfHandle = std::move(record->handle),
+                              .lastObligations = std::move(record->obligations),
+                              .lastAudience = record->audience,
+                              .waitSeq = record->waits},
+                    .threadTag = std::move(record->thread)};
 }
 
 SeatMemory merged(SeatMemory kept, const Lesson& lesson) {
-  const SeatState& before = lesson.before.state;
-  const SeatState& after = lesson.after.state;
-  learnRevision(kept, lesson);
-  if (!lesson.after.threadTag.empty()) kept.threadTag = lesson.after.threadTag;
-  learn(kept.state.selfFingerprint, before.selfFingerprint, after.selfFingerprint);
-  learn(kept.state.selfHandle, before.selfHandle, after.selfHandle);
-  learn(kept.state.lastObligations, before.lastObligations, after.lastObligations);
-  learn(kept.state.lastAudience, before.lastAudience, after.lastAudience);
-  const int64_t waits = text::saturatingSubtract(after.waitSeq, before.waitSeq);
-  kept.state.waitSeq = text::saturatingAdd(kept.state.waitSeq, std::max(waits, int64_t{0}));
+  const std::string& thread = lesson.after.threadTag;
+  absorbLesson(kept.state, {.before = lesson.before.state,
+                            .after = lesson.after.state,
+                            .isOfOtherBoard = !thread.empty() && thread != kept.threadTag});
+  if (!thread.empty()) kept.threadTag = thread;
   return kept;
 }
 

@@ -31,9 +31,8 @@ struct Lesson {
   const SeatMemory& after;
 };
 
-/// `kept`, as it is on disk now, with what the command learnt. Of two revisions of one Thread the
-/// later one counts, so that a slow command never takes back what a quick one has seen; but a board
-/// that itself has gone back, as one that was restored does, is believed. Waits add up.
+/// `kept`, as it is on disk now, with what the command learnt (`absorbLesson`), and the Thread that
+/// it was about when that is known.
 SeatMemory merged(SeatMemory kept, const Lesson& lesson);
 
 /// Whether two memories would be written alike.

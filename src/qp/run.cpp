@@ -145,7 +145,7 @@ ToolReply follow(const Call& call, Desk& desk, const Surroundings& around) {
 }
 
 ToolReply replyTo(const Call& call, Desk& desk, const Surroundings& around) {
-  if (call.tool->name != waitForChanges) return desk.call(call.tool->name, call.arguments);
+  if (call.tool->name != waitForChanges) return desk.call(*call.tool, call.arguments);
   if (Arguments(call.options).flag("follow").value_or(false)) return follow(call, desk, around);
   RenewedToken token(around.doors.bridge);
   return desk.wait(call.arguments, listenerFor(around, desk, token));
@@ -249,7 +249,7 @@ Status complete(const std::vector<std::string>& words, const Surroundings& aroun
   if (candidates.fromBoard == BoardWords::none) return Status::done;
   const bool wantsTasks = candidates.fromBoard == BoardWords::tasks;
   Desk desk(around);
-  const ToolReply reply = desk.call(wantsTasks ? "list_tasks" : "list_agents", {});
+  const ToolReply reply = wantsTasks ? desk.call("list_tasks", {}) : desk.call("list_agents", {});
   write(boardWordsIn(reply.text.json(), candidates));
   return Status::done;
 }

@@ -1,5 +1,6 @@
 #include "base/support_directory.h"
 
+#include "harness/fake_environment.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -15,8 +16,8 @@ namespace {
 
 using testing::TempDir;
 
-MapEnvironment with(std::map<std::string, std::string> variables) {
-  return MapEnvironment(std::move(variables));
+testing::FakeEnvironment with(std::map<std::string, std::string> variables) {
+  return testing::FakeEnvironment(std::move(variables));
 }
 
 std::string homeOfThisUser() {
@@ -30,7 +31,7 @@ TEST(HomeDirectory, IsTheVariableWhenItNamesOne) {
 }
 
 TEST(HomeDirectory, IsThePasswordDatabasesWhenTheVariableIsEmptyOrUnset) {
-  EXPECT_EQ(homeDirectory(MapEnvironment()).value_or(""), homeOfThisUser());
+  EXPECT_EQ(homeDirectory(testing::FakeEnvironment()).value_or(""), homeOfThisUser());
   EXPECT_EQ(homeDirectory(with({{"HOME", ""}})).value_or(""), homeOfThisUser());
 }
 
@@ -120,7 +121,7 @@ TEST(SupportDirectory, IsTheFirstThatExistsAndElseTheFallback) {
        }) {
     const TempDir root;
     if (!row.made.empty()) root.makeDirectory(row.made);
-    MapEnvironment environment = with({{"HOME", root.pathOf("home")}});
+    testing::FakeEnvironment environment = with({{"HOME", root.pathOf("home")}});
     if (row.variable) environment.variables["XDG_DATA_HOME"] = root.pathOf(*row.variable);
     EXPECT_EQ(supportDirectory(environment), root.pathOf(row.directory)) << row.name;
   }
@@ -128,13 +129,13 @@ TEST(SupportDirectory, IsTheFirstThatExistsAndElseTheFallback) {
 
 TEST(SupportDirectory, IsNoPlainFile) {
   const TempDir root;
-  const MapEnvironment environment =
+  const testing::FakeEnvironment environment =
       with({{"HOME", "/h"}, {"XDG_DATA_HOME", root.write("data", "")}});
   EXPECT_EQ(supportDirectory(environment), "/h/Library/Application Support");
 }
 #else
 TEST(SupportDirectory, IsInTheHomeDirectoryAsTheSystemReportsIt) {
-  const MapEnvironment environment = with({{"HOME", "/h"}, {"XDG_DATA_HOME", "/"}});
+  const testing::FakeEnvironment environment = with({{"HOME", "/h"}, {"XDG_DATA_HOME", "/"}});
   EXPECT_EQ(supportDirectory(environment), "/h/Library/Application Support");
 }
 #endif

@@ -2,6 +2,7 @@
 
 #include "base/text.h"
 #include "bridge/unix_socket.h"
+#include "harness/fake_environment.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 
@@ -111,7 +112,7 @@ class Discovery : public ::testing::Test {
   }
 
   TempDir base;
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
 };
 
 // The seat file

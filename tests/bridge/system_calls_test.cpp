@@ -7,6 +7,7 @@
 #include "base/text.h"
 #include "bridge/discovery.h"
 #include "bridge/transport.h"
+#include "harness/fake_environment.h"
 #include "harness/scripted_app.h"
 #include "harness/temp_dir.h"
 
@@ -415,7 +416,7 @@ TEST_F(SystemCalls, OfTheScanLookAtNothingThatIsNamedOtherwise) {
                            "Quillpost/mcp-A.sock", "Quillpost/agent-seat", "Quillpost/mounted/file",
                            "QuillpostX/teamwork-B.sock", "Mounted/teamwork-C.sock", "file"})
     directory.write(name, "");
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   stage.isWatching = true;
   BridgeDiscovery::candidates(BridgeDiscovery::Kind::teamwork, {environment, directory.path()});
   stage.isWatching = false;

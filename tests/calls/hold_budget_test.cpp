@@ -1,5 +1,7 @@
 #include "calls/hold_budget.h"
 
+#include "harness/fake_environment.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -19,7 +21,7 @@ constexpr std::array<Profile, 5> profiles = {Profile::claude, Profile::codex, Pr
                                              Profile::cursor, Profile::unknown};
 
 HoldSettings settingsFrom(std::map<std::string, std::string> variables) {
-  return readHoldSettings(MapEnvironment(std::move(variables)));
+  return readHoldSettings(testing::FakeEnvironment(std::move(variables)));
 }
 
 TEST(HoldSettings, AreWholeDecimalIntegersOrUnset) {

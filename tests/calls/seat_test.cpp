@@ -1,6 +1,7 @@
 #include "calls/seat.h"
 
 #include "harness/fake_bridge.h"
+#include "harness/fake_environment.h"
 
 #include <gtest/gtest.h>
 
@@ -11,7 +12,7 @@ TEST(Seat, SendsItsEnvelopeAndNothingElse) {
   testing::FakeClock clock;
   testing::FakeBridge bridge(clock);
   bridge.tokens = {"first", "second"};
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   const Seat seat = {.doors = {.clock = clock, .environment = environment, .bridge = bridge},
                      .sessionID = "ses",
                      .state = {}};
@@ -25,7 +26,7 @@ TEST(Seat, SendsItsEnvelopeAndNothingElse) {
 TEST(Seat, SendsOnceAndTellsItsMemoryHowLargeTheAnswerWas) {
   testing::FakeClock clock;
   testing::FakeBridge bridge(clock);
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   Seat seat = {.doors = {.clock = clock, .environment = environment, .bridge = bridge}};
   const TeamworkRequest request = requestFrom(seat, "heartbeat");
 

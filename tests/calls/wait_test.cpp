@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "calls/plain_reply.h"
 #include "harness/fake_bridge.h"
+#include "harness/fake_environment.h"
 #include "harness/golden.h"
 #include "harness/json_object.h"
 #include "tools/tool_name.h"
@@ -77,7 +78,7 @@ struct Wait : ::testing::Test {
 
   FakeClock clock;
   FakeBridge bridge{clock};
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
             .sessionID = "ses",
             .state = {}};

@@ -1,6 +1,7 @@
 #include "entry/settings.h"
 
 #include "base/text.h"
+#include "harness/fake_environment.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -97,7 +98,7 @@ TEST(Settings, ComeFromTheEnvironmentAndElseFromDisk) {
       ::unlink(found.c_str());
     }
     std::vector<std::string> probed;
-    const MapEnvironment environment(row.environment);
+    const testing::FakeEnvironment environment(row.environment);
     const Settings settings =
         readSettings({environment, base.path()}, [&](const std::string& path) {
           probed.push_back(path);
@@ -114,7 +115,7 @@ TEST(Settings, ComeFromTheEnvironmentAndElseFromDisk) {
 TEST(Settings, NameNoSocketThatNobodyAnswersAt) {
   const TempDir base;
   base.write("Quillpost/teamwork-L.sock", "");
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   EXPECT_EQ(readSettings({environment, base.path()}), Settings()) << "a file is no live socket";
 }
 

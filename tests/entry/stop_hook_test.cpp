@@ -1,6 +1,7 @@
 #include "entry/stop_hook.h"
 
 #include "harness/fake_bridge.h"
+#include "harness/fake_environment.h"
 
 #include <gtest/gtest.h>
 
@@ -28,7 +29,7 @@ const HookResult silent{0, ""};
 struct StopHook : ::testing::Test {
   FakeClock clock;
   FakeBridge bridge{clock};
-  const MapEnvironment environment{};
+  const testing::FakeEnvironment environment{};
   Seat seat{.doors = {.clock = clock, .environment = environment, .bridge = bridge},
             .sessionID = "S1"};
 };

@@ -3,6 +3,7 @@
 #include "base/text.h"
 #include "harness/fake_bridge.h"
 #include "harness/fake_client.h"
+#include "harness/fake_environment.h"
 #include "harness/golden.h"
 #include "harness/json_object.h"
 #include "harness/paths.h"
@@ -82,7 +83,7 @@ struct Server : ::testing::Test {
 
   FakeClock clock;
   FakeBridge bridge{clock};
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   FakeOutput output;
   TeamworkStdioServer server{
       "ses", {.clock = clock, .environment = environment, .bridge = bridge}, output};
@@ -577,7 +578,7 @@ TEST_F(Server, TakesEveryByteWithoutFalling) {
 struct LeavingClient : ::testing::Test {
   FakeClock clock;
   FakeBridge bridge{clock};
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   FakeOutput output;
   TeamworkStdioServer server{
       "ses", {.clock = clock, .environment = environment, .bridge = bridge}, output};

@@ -239,5 +239,84 @@ TEST(AbsorbWaitEnd, StaysAtTheHighestCount) {
   EXPECT_EQ(state.waitSeq, std::numeric_limits<int64_t>::max());
 }
 
+SeatState at(int64_t rev) {
+  SeatState state;
+  state.lastSeenRev = rev;
+  state.hasCursor = true;
+  return state;
+}
+
+int64_t revisionLearnt(SeatState state, const SeatState& before, const SeatState& after,
+                       bool isOfOtherBoard = false) {
+  absorbLesson(state, {.before = before, .after = after, .isOfOtherBoard = isOfOtherBoard});
+  EXPECT_TRUE(state.hasCursor);
+  return state.lastSeenRev;
+}
+
+TEST(AbsorbLesson, TakesTheLaterOfTwoRevisions) {
+  EXPECT_EQ(revisionLearnt(at(10), at(10), at(12)), 12);
+  EXPECT_EQ(revisionLearnt(at(15), at(10), at(12)), 15) << "a quicker process has seen more";
+  EXPECT_EQ(revisionLearnt({}, {}, at(3)), 3);
+  EXPECT_EQ(revisionLearnt({}, {}, at(-3)), -3) << "without a revision there is none to keep";
+  EXPECT_EQ(revisionLearnt(at(5), at(5), at(5)), 5);
+}
+
+TEST(AbsorbLesson, BelievesABoardThatHasGoneBack) {
+  EXPECT_EQ(revisionLearnt(at(400), at(400), at(5)), 5);
+  EXPECT_EQ(revisionLearnt(at(500), at(400), at(5)), 5) << "whatever others have seen before";
+  EXPECT_EQ(revisionLearnt(at(7), at(400), at(5)), 7) << "another process noticed it first";
+}
+
+TEST(AbsorbLesson, TakesTheRevisionOfAnotherBoardWhateverItIs) {
+  EXPECT_EQ(revisionLearnt(at(400), at(3), at(5)), 400);
+  EXPECT_EQ(revisionLearnt(at(400), at(3), at(5), true), 5);
+}
+
+TEST(AbsorbLesson, LearnsNoRevisionWhereThereWasNone) {
+  EXPECT_EQ(revisionLearnt(at(10), {}, {}), 10);
+  EXPECT_EQ(revisionLearnt(at(10), {}, {}, true), 10);
+  SeatState state;
+  absorbLesson(state, {.before = {}, .after = {}});
+  EXPECT_FALSE(state.hasCursor);
+}
+
+TEST(AbsorbLesson, LeavesAloneWhatWasOnlyRemembered) {
+  SeatState state = seenAll(), after = seenAll();
+  state.selfHandle = "NEW";
+  state.selfFingerprint = "#b001";
+  state.lastObligations = owing("d000009");
+  state.lastAudience = peers(7);
+  state.clientProfile = TeamworkClientProfile::Profile::cursor;
+  const SeatState expected = state;
+  absorbLesson(state, {.before = seenAll(), .after = after});
+  expectSame(state, expected);
+}
+
+TEST(AbsorbLesson, TakesWhatWasLearntAnewButTheProfile) {
+  SeatState state = seenAll(), after = seenAll();
+  after.selfHandle = "NEW";
+  after.selfFingerprint = "#b001";
+  after.lastObligations = owing("d000009");
+  after.lastAudience = peers(7);
+  SeatState expected = after;
+  after.clientProfile = TeamworkClientProfile::Profile::cursor;
+  absorbLesson(state, {.before = seenAll(), .after = after});
+  expectSame(state, expected);
+}
+
+TEST(AbsorbLesson, AddsTheWaitsUpAndNeverTakesOneBack) {
+  SeatState state = seenAll(), after = seenAll();
+  state.waitSeq = 9;
+  after.waitSeq = 7;
+  absorbLesson(state, {.before = seenAll(), .after = after});
+  EXPECT_EQ(state.waitSeq, 11);
+  after.waitSeq = 1;
+  absorbLesson(state, {.before = seenAll(), .after = after});
+  EXPECT_EQ(state.waitSeq, 11);
+  after.waitSeq = state.waitSeq = std::numeric_limits<int64_t>::max();
+  absorbLesson(state, {.before = {}, .after = after});
+  EXPECT_EQ(state.waitSeq, std::numeric_limits<int64_t>::max());
+}
+
 }  // namespace
 }  // namespace quillpost

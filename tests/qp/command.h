@@ -3,6 +3,7 @@
 // A command of `qp` in a test: a scripted app, a memory in a folder of its own, and what it prints.
 
 #include "harness/fake_bridge.h"
+#include "harness/fake_environment.h"
 #include "harness/fake_lifetime.h"
 #include "harness/fake_output.h"
 #include "harness/json_object.h"
@@ -63,7 +64,7 @@ struct CommandTest : ::testing::Test {
   testing::FakeBridge bridge{clock};
   testing::FakeLifetime lifetime;
   testing::FakeOutput out, err;
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   std::string sessionID = "ses";
   std::string otherwise = R"({"kind":"written","message":"Taken."})";
   std::optional<std::string> input;

@@ -1,5 +1,6 @@
 // A wait that lasts a day, on a clock that has it pass in a moment.
 
+#include "harness/fake_environment.h"
 #include "harness/json_object.h"
 #include "harness/sanitized.h"
 #include "harness/temp_dir.h"
@@ -123,7 +124,7 @@ class Day final : public Lifetime {
 void expectNoGrowth(const std::vector<std::string>& words, bool bringsNews) {
   constexpr std::size_t noise = std::size_t{512} << 10;  // what the allocator may still take
   const testing::TempDir home;
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   PassingClock clock;
   DaysBoard board(clock, bringsNews);
   Day day(clock);

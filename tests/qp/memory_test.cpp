@@ -85,37 +85,32 @@ TEST(Memory, StaysSmallWhateverIsOwed) {
   EXPECT_EQ(back->state.lastSeenRev, 41);
 }
 
-TEST(Memory, TakesTheLaterOfTwoRevisions) {
+TEST(Memory, TakesTheRevisionOfAnotherThreadWhateverItIs) {
   EXPECT_EQ(revisionOf(at(10), at(10), at(12)), 12);
   EXPECT_EQ(revisionOf(at(15), at(10), at(12)), 15) << "a quicker command has seen more";
   EXPECT_EQ(revisionOf({}, {}, at(3)), 3);
-  EXPECT_EQ(revisionOf(at(5), at(5), at(5)), 5);
-}
-
-TEST(Memory, BelievesABoardThatHasGoneBack) {
-  EXPECT_EQ(revisionOf(at(400), at(400), at(5)), 5);
-  EXPECT_EQ(revisionOf(at(7), at(400), at(5)), 7) << "another command noticed it first";
   EXPECT_EQ(revisionOf(at(400, "T-1"), at(400, "T-1"), at(5, "T-2")), 5);
   EXPECT_EQ(revisionOf(at(9, "T-2"), at(400, "T-1"), at(5, "T-2")), 9);
+  EXPECT_EQ(revisionOf(at(10), at(10), at(3, "")), 3)
+      << "a board that tells no tag may go back too";
+  EXPECT_EQ(revisionOf(at(12), at(10), at(11, "")), 12) << "and is no other board for that";
 }
 
-TEST(Memory, LeavesAloneWhatACommandOnlyRemembered) {
+TEST(Memory, TakesTheThreadOfTheCommandWhenItIsKnown) {
+  const auto threadOf = [](const SeatMemory& kept, const SeatMemory& after) {
+    return merged(kept, {.before = kept, .after = after}).threadTag;
+  };
+  EXPECT_EQ(threadOf(at(10, "T-1"), at(10, "T-2")), "T-2");
+  EXPECT_EQ(threadOf(at(10, "T-1"), at(10, "")), "T-1");
+}
+
+TEST(Memory, LearnsWhatTheCommandLearntAndNothingElse) {
   SeatMemory before = fullMemory(), kept = fullMemory(), after = fullMemory();
   kept.state.selfHandle = "NEW";
-  kept.state.lastObligations = TeamworkObligations{};
   after.state.lastSeenRev = 50;
-  after.state.waitSeq = 8;
-  kept.state.waitSeq = 9;
   const SeatMemory result = merged(kept, {.before = before, .after = after});
   EXPECT_EQ(result.state.selfHandle, "NEW");
-  EXPECT_EQ(result.state.lastObligations, TeamworkObligations{});
   EXPECT_EQ(result.state.lastSeenRev, 50);
-  EXPECT_EQ(result.state.waitSeq, 10) << "waits of several commands add up";
-}
-
-TEST(Memory, LearnsNothingOfTheRevisionFromAnAnswerWithoutOne) {
-  EXPECT_EQ(revisionOf(at(10), {}, {}), 10);
-  EXPECT_TRUE(merged(at(10), {.before = {}, .after = {}}).state.hasCursor);
 }
 
 }  // namespace

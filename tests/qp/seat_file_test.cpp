@@ -3,6 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "harness/fake_clock.h"
+#include "harness/fake_environment.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -174,12 +175,13 @@ TEST_F(SeatFileTest, LeavesNothingBesideItself) {
 
 TEST(MemoryPlaces, AreInTheRuntimeDirectoryAndInTheTemporaryOne) {
   const std::string own = text::cat("quillpost-", uint64_t{::geteuid()});
-  const MemoryPlaces both =
-      memoryPlaces(MapEnvironment({{"XDG_RUNTIME_DIR", "/run/user/7"}, {"TMPDIR", "/var/t/"}}));
+  const MemoryPlaces both = memoryPlaces(
+      testing::FakeEnvironment({{"XDG_RUNTIME_DIR", "/run/user/7"}, {"TMPDIR", "/var/t/"}}));
   EXPECT_EQ(both.runtime, "/run/user/7/quillpost");
   EXPECT_EQ(both.temporary, "/var/t/" + own);
-  for (const MapEnvironment& environment :
-       {MapEnvironment(), MapEnvironment({{"XDG_RUNTIME_DIR", ""}, {"TMPDIR", "relative"}})}) {
+  for (const testing::FakeEnvironment& environment :
+       {testing::FakeEnvironment(),
+        testing::FakeEnvironment({{"XDG_RUNTIME_DIR", ""}, {"TMPDIR", "relative"}})}) {
     EXPECT_EQ(memoryPlaces(environment).runtime, "");
     EXPECT_EQ(memoryPlaces(environment).temporary, "/tmp/" + own);
   }

@@ -1,7 +1,7 @@
 #include "simulation/session.h"
 
-#include "base/environment.h"
 #include "base/text.h"
+#include "harness/fake_environment.h"
 #include "mcp/stdio_server.h"
 #include "simulation/client_lines.h"
 #include "simulation/live_blocks.h"
@@ -21,9 +21,9 @@ namespace {
 
 using text::cat;
 
-MapEnvironment anyEnvironment(Dice& dice) {
+testing::FakeEnvironment anyEnvironment(Dice& dice) {
   constexpr std::array<std::string_view, 7> values = {"", "5", "20", "45", "+60", "99999", "1e2"};
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   if (dice.oneIn(5))
     environment.variables["QUILLPOST_COLLAB_WAIT_BUDGET_SECONDS"] = dice.oneOf(values);
   if (dice.oneIn(5))
@@ -106,7 +106,7 @@ class SimClient final : public Input, public Output {
 
 std::optional<std::string> playSession(uint64_t seed, Tally& tally, std::string* trace) {
   Dice dice(seed, {.optionalOneIn = 5, .longestList = 2});
-  const MapEnvironment environment = anyEnvironment(dice);
+  const testing::FakeEnvironment environment = anyEnvironment(dice);
   SimClock clock(dice);
   const std::string sessionID = dice.oneIn(15) ? "" : "S1";
   Judge judge({clock, environment, sessionID}, tally);

@@ -1,6 +1,7 @@
 #include "board/person/command_path.h"
 
 #include "base/text.h"
+#include "harness/fake_environment.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -20,7 +21,8 @@ struct CommandPath : ::testing::Test {
     ::chmod(home.pathOf("qp").c_str(), 0755);
   }
   std::string lineWith(const std::string& path) const {
-    return commandPathLine(home.pathOf("quillpost-board"), MapEnvironment({{"PATH", path}}));
+    return commandPathLine(home.pathOf("quillpost-board"),
+                           testing::FakeEnvironment({{"PATH", path}}));
   }
   std::string folder() const { return std::filesystem::canonical(home.path()).string(); }
 
@@ -35,7 +37,7 @@ TEST_F(CommandPath, PutsTheFolderOfQpBehindWhatIsThere) {
 TEST_F(CommandPath, IsLeftAloneWhereQpIsFoundAlready) {
   EXPECT_EQ(lineWith(folder()), "");
   EXPECT_EQ(lineWith(text::cat("/usr/bin:", folder(), ":/bin")), "");
-  EXPECT_EQ(commandPathLine("quillpost-board", MapEnvironment()), "");
+  EXPECT_EQ(commandPathLine("quillpost-board", testing::FakeEnvironment()), "");
 }
 
 TEST_F(CommandPath, IsLeftAloneWhereNoQpStands) {
@@ -43,7 +45,7 @@ TEST_F(CommandPath, IsLeftAloneWhereNoQpStands) {
   EXPECT_EQ(lineWith("/usr/bin"), "") << "nobody can run it";
   std::filesystem::remove(home.pathOf("qp"));
   EXPECT_EQ(lineWith("/usr/bin"), "");
-  EXPECT_EQ(commandPathLine("/nowhere/quillpost-board", MapEnvironment()), "");
+  EXPECT_EQ(commandPathLine("/nowhere/quillpost-board", testing::FakeEnvironment()), "");
 }
 
 TEST_F(CommandPath, StandsFirstForWhatTheProgramStarts) {

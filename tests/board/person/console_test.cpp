@@ -1,5 +1,7 @@
 #include "board/person/console.h"
 
+#include "harness/fake_environment.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -15,7 +17,7 @@ TEST(Console, WhatIsNoTerminalHasNoWidthAndNoColour) {
   std::FILE* const file = std::tmpfile();
   ASSERT_NE(file, nullptr);
   ::dup2(::fileno(file), STDOUT_FILENO);
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   environment.variables["TERM"] = "xterm-256color";
   const Page page = pageOf(environment);
   const std::size_t lines = terminalLines();

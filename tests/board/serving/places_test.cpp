@@ -2,6 +2,7 @@
 
 #include "base/support_directory.h"
 #include "base/text.h"
+#include "harness/fake_environment.h"
 #include "harness/temp_dir.h"
 
 #include <gtest/gtest.h>
@@ -15,7 +16,7 @@ using testing::TempDir;
 
 #if defined(__APPLE__)
 TEST(Places, AreInTheDirectoryWhereAgentsLook) {
-  const MapEnvironment environment;
+  const testing::FakeEnvironment environment;
   EXPECT_EQ(defaultDirectory(environment),
             supportDirectory(environment).value_or("") + "/Quillpost-board");
 }
@@ -25,7 +26,7 @@ TEST(Places, AreWhereAgentsLookOnceTheBoardHasMadeThem) {
   for (const auto& [variable, data] :
        {std::pair("", ".local/share"), {"data/of/mine", "data/of/mine"}}) {
     SCOPED_TRACE(variable);
-    MapEnvironment environment;
+    testing::FakeEnvironment environment;
     environment.variables["HOME"] = home.path();
     if (*variable != '\0') environment.variables["XDG_DATA_HOME"] = home.pathOf(variable);
     const std::string place = text::cat(data, "/Quillpost-board");
@@ -37,7 +38,7 @@ TEST(Places, AreWhereAgentsLookOnceTheBoardHasMadeThem) {
 
 TEST(Places, ABoardOfAnEarlierReleaseStaysWhereItLies) {
   const TempDir home;
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   environment.variables["HOME"] = home.path();
   const std::string former = "Library/Application Support/Quillpost-board";
   home.write(former + "/board.db", "");
@@ -47,7 +48,7 @@ TEST(Places, ABoardOfAnEarlierReleaseStaysWhereItLies) {
 }
 
 TEST(Places, NeedNoHomeWhereThereIsADataHome) {
-  MapEnvironment environment;
+  testing::FakeEnvironment environment;
   environment.variables["XDG_DATA_HOME"] = "/data";
   EXPECT_EQ(defaultDirectory(environment), "/data/Quillpost-board");
 }
