@@ -49,9 +49,15 @@ int run(const std::vector<std::string>& arguments, const Surroundings& around) {
 }  // namespace quillpost::board
 
 int main(int argc, char** argv, char** variables) {
-  quillpost::board::Surroundings around;
-  around.program = argc > 0 ? argv[0] : "";
-  for (char** variable = variables; *variable != nullptr; ++variable)
-    around.variables.emplace_back(*variable);
-  return quillpost::board::run({argv + std::min(argc, 1), argv + argc}, around);
+  try {
+    quillpost::board::Surroundings around;
+    around.program = argc > 0 ? argv[0] : "";
+    for (char** variable = variables; *variable != nullptr; ++variable)
+      around.variables.emplace_back(*variable);
+    return quillpost::board::run({argv + std::min(argc, 1), argv + argc}, around);
+  } catch (...) {
+    // What a library throws when memory runs out.
+    std::fputs("quillpost-board: there is not enough memory\n", stderr);
+    return quillpost::board::failure;
+  }
 }

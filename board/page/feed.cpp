@@ -48,16 +48,24 @@ bool Feed::waitForReaders() {
   return !isOver_;
 }
 
-void Feed::tell(Event event, bool isLost) {
-  {
-    const std::lock_guard lock(mutex_);
-    // A board that stays lost is told of once.
-    if (isLost && isLost_) return;
-    isLost_ = isLost;
-    events_.push_back(std::move(event));
-    ++last_;
-    if (events_.size() > eventsKept) events_.pop_front();
-  }
+void Feed::tellSheet(std::string sheet) {
+  const std::lock_guard lock(mutex_);
+  isLost_ = false;
+  push({"sheet", std::move(sheet)});
+}
+
+/// A board that stays lost is told of once.
+void Feed::tellLoss(std::string why) {
+  const std::lock_guard lock(mutex_);
+  if (std::exchange(isLost_, true)) return;
+  push({"lost", json::encode(Loss{std::move(why)})});
+}
+
+/// For whoever holds the lock.
+void Feed::push(Event event) {
+  events_.push_back(std::move(event));
+  ++last_;
+  if (events_.size() > eventsKept) events_.pop_front();
   changed_.notify_all();
 }
 
@@ -81,9 +89,9 @@ void Feed::poll() {
     since.reset();
     if (head) {
       since = head->rev;
-      tell({"sheet", std::move(response->message).value_or("")}, false);
+      tellSheet(std::move(response->message).value_or(""));
     } else {
-      tell({"lost", json::encode(Loss{std::move(why)})}, true);
+      tellLoss(std::move(why));
     }
     std::unique_lock lock(mutex_);
     changed_.wait_for(lock, head ? moveRest : lostRest, [this] { return isOver_; });

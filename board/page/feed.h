@@ -73,7 +73,9 @@ class Feed {
  private:
   void poll();
   bool waitForReaders();
-  void tell(Event event, bool isLost);
+  void tellSheet(std::string sheet);
+  void tellLoss(std::string why);
+  void push(Event event);
 
   const AskBoard ask_;
   const std::string thread_;

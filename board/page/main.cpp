@@ -12,7 +12,7 @@
 #include "board/person/options.h"
 #include "board/person/spawn.h"
 #include "board/person/stopping.h"
-#include "board/serving/names.h"
+#include "board/rules/names.h"
 #include "board/serving/places.h"
 #include "board/verbs/person.h"
 
@@ -123,7 +123,7 @@ int servePage(const Line& line, const Surroundings& around) {
   print(address);
   std::fflush(stdout);
   std::optional<Signpost> post;
-  if (line.openOnly) {
+  if (line.opensBrowser) {
     post.emplace(files::joinPath(line.directory, text::cat("page-", *suffix, ".html")), address);
     openBrowser(post->path(), around);
   }
@@ -155,5 +155,11 @@ int run(int argc, char** argv, char** variables) {
 }  // namespace quillpost::board
 
 int main(int argc, char** argv, char** variables) {
-  return quillpost::board::run(argc, argv, variables);
+  try {
+    return quillpost::board::run(argc, argv, variables);
+  } catch (...) {
+    // What a library throws when memory runs out, or when there can be no more threads.
+    std::fputs("quillpost-page: there is not enough memory\n", stderr);
+    return quillpost::board::failure;
+  }
 }

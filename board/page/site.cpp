@@ -235,7 +235,8 @@ void Site::Inside::route(httplib::Server& server) {
     request.method = personHistory;
     request.status = "all";
     request.taskID = given(in, "task");
-    if (const auto since = given(in, "since")) request.holdMs = text::parseInteger(*since);
+    if (const std::optional<std::string> since = given(in, "since"))
+      request.holdMs = text::parseInteger(*since);
   });
   onGet("/api/helpers",
         [](const httplib::Request&, TeamworkRequest& request) { request.method = personHelpers; });

@@ -45,7 +45,8 @@ class Site {
   /// Takes a port of 127.0.0.1, and of ::1 where there is one; any free one for 0. The port, or 0
   /// when it is taken.
   int bind(int port);
-  /// Serves on threads of its own until this object ends.
+  /// Serves on threads of its own until this object ends. To be called once, when `bind` has given
+  /// a port: only then is there an address to be asked at.
   void start();
 
  private:

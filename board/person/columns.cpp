@@ -115,12 +115,12 @@ constexpr ColumnRow columnRows[] = {
 }  // namespace
 
 ColumnRow columnNamed(std::string_view name) {
-  const auto* const found = std::ranges::find(columnRows, name, &ColumnRow::name);
+  const ColumnRow* const found = std::ranges::find(columnRows, name, &ColumnRow::name);
   return found == std::end(columnRows) ? ColumnRow{name, words, {}} : *found;
 }
 
 SectionRow sectionNamed(std::string_view name) {
-  const auto* const found = std::ranges::find(sectionRows, name, &SectionRow::name);
+  const SectionRow* const found = std::ranges::find(sectionRows, name, &SectionRow::name);
   return found == std::end(sectionRows) ? SectionRow{name, {}, Form::table, {}} : *found;
 }
 

@@ -3,7 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "board/person/console.h"
-#include "board/serving/names.h"
+#include "board/rules/names.h"
 
 #include <algorithm>
 #include <filesystem>

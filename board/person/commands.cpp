@@ -95,7 +95,8 @@ constexpr Option optionRows[] = {
     {"--host",      "USER@HOST", &Line::host,    "run", "run it on that machine, by ssh"},
     {"--json",      "",        &Line::asJson,    showing, "print JSON"},
     {"--mine",      "",        &Line::mineOnly,  "show watch", "only what needs you; of show the status is then 1 when there is something"},
-    {"--open",      "",        &Line::openOnly,  "show watch page serve", "no task that is done, declined or deleted; of page and serve: open the page in the browser"},
+    {"--open",      "",        &Line::opensBrowser, "page serve", "open the page in the browser"},
+    {"--open",      "",        &Line::openOnly,  "show watch", "no task that is done, declined or deleted"},
     {"--all",       "",        &Line::all,       "show watch", "every task, those that are done too"},
     {"--exec",      "COMMAND", &Line::exec,      "watch", "what to run when something new needs you"},
     {"--agent",     "HANDLE",  &TeamworkRequest::to, "history", "only what this agent did; \"human\" is you"},
@@ -119,6 +120,13 @@ constexpr Option optionRows[] = {
 };
 // clang-format on
 
+// What is read before the command is known must be read alike for every command.
+static_assert(std::ranges::all_of(optionRows, [](const Option& one) {
+  return std::ranges::all_of(optionRows, [&one](const Option& other) {
+    return one.name != other.name || one.value.empty() == other.value.empty();
+  });
+}));
+
 }  // namespace
 
 std::span<const Command> commands() { return commandRows; }
@@ -135,8 +143,14 @@ bool takes(const Command& command, const Option& option) {
   // A name of two words is written there as one.
   std::string name(command.name);
   std::ranges::replace(name, ' ', '-');
-  const auto names = text::split(option.commands, ' ');
+  const std::vector<std::string_view> names = text::split(option.commands, ' ');
   return std::ranges::find(names, name) != names.end();
+}
+
+const Option* optionOf(const Command& command, std::string_view name) {
+  for (const Option& option : optionRows)
+    if (option.name == name && takes(command, option)) return &option;
+  return nullptr;
 }
 
 std::string usualDatabase(const Line& line) { return files::joinPath(line.directory, "board.db"); }

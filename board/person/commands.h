@@ -33,7 +33,7 @@ struct Line {
   bool isLogged = false;
   bool asJson = false;
   bool mineOnly = false;
-  /// Of what is shown only what is open; of the page, whether to open it in the browser.
+  /// Of what is shown only what is open.
   bool openOnly = false;
   bool all = false;
   /// How far back a reader of the history looks; 0 for all of it.
@@ -47,6 +47,8 @@ struct Line {
   /// it.
   std::string port;
   bool withPage = false;
+  /// Whether the page is to be opened in the browser.
+  bool opensBrowser = false;
   /// Where a helper is started; empty for here. The two marks of its record, and whether the person
   /// has made up their mind.
   std::string startIn;
@@ -97,7 +99,8 @@ using Target =
                  std::optional<int64_t> TeamworkRequest::*, std::optional<bool> TeamworkRequest::*,
                  std::optional<std::vector<std::string>> TeamworkRequest::*>;
 
-/// One option.
+/// One option. Where two commands mean different things by one name, it has a row for each; either
+/// all rows of a name have a value or none has.
 struct Option {
   std::string_view name;
   /// What its value is called; empty for a flag.
@@ -119,6 +122,9 @@ const Command* commandNamed(std::string_view name);
 
 /// Whether the command takes the option.
 bool takes(const Command& command, const Option& option);
+
+/// What the command means by an option of that name; null when it takes none.
+const Option* optionOf(const Command& command, std::string_view name);
 
 /// Where a board is kept when nobody says where.
 std::string usualDatabase(const Line& line);

@@ -59,13 +59,14 @@ int keep(const Line& line, const Surroundings&) {
   request.body = std::filesystem::absolute(line.file, failed).string();
   std::string why;
   // A file that is named is that file, and not the one of whichever board is served.
-  const auto served = isUsual(line) ? findServed(line.directory, line.suffix, why) : std::nullopt;
+  const std::optional<std::string> served =
+      isUsual(line) ? findServed(line.directory, line.suffix, why) : std::nullopt;
   if (served && request.method == personImport) {
     return complain(
         "the board is served: stop it first, since lines are taken into a file that "
         "nobody has open");
   }
-  const auto response =
+  const std::optional<TeamworkResponse> response =
       served ? askBoard(line.directory, *served, request, why) : keepHere(line, request, why);
   return response ? told(*response) : complain(why);
 }

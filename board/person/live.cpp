@@ -90,7 +90,7 @@ Section agentRows(const Board& board, Moment at) {
 
 /// How many open discussions hang on a task, and whether one of them waits for the person.
 std::string debatesOn(const Board& board, const Task& task) {
-  const auto open = openOn(board, task.id);
+  const std::vector<const TeamworkDiscussion*> open = openOn(board, task.id);
   if (open.empty()) return {};
   const bool isMine = std::ranges::any_of(
       open, [](const TeamworkDiscussion* debate) { return owes(*debate, human); });

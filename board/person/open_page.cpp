@@ -26,7 +26,7 @@ std::vector<std::string> pageWords(const Line& line, std::string_view program) {
   add("--suffix", line.suffix);
   add("--thread", line.thread);
   add("--port", line.port);
-  if (line.openOnly) words.emplace_back("--open");
+  if (line.opensBrowser) words.emplace_back("--open");
   return words;
 }
 

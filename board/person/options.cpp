@@ -128,7 +128,8 @@ bool placeWords(const Command& command, std::vector<std::string> words, Line& li
   return words.empty() && (command.words != "on|off" || readSwitch(line.request));
 }
 
-/// Everything that was written, before it is known what it means.
+/// Everything that was written, before it is known what it means: of each option the first row of
+/// its name.
 struct Parts {
   std::vector<std::string> words;
   std::vector<std::pair<const Option*, std::string>> options;
@@ -253,13 +254,13 @@ std::optional<Line> readLine(std::span<const std::string> arguments, Misuse& mis
   line.command = &command;
   line.request.method = command.method;
   for (const auto& [option, value] : parts.options) {
-    if (!takes(command, *option)) {
+    const Option* const own = optionOf(command, option->name);
+    if (own == nullptr) {
       misuse.why = text::cat(command.name, " takes no ", option->name);
       return std::nullopt;
     }
-    if (!put(*option, value, line)) {
-      misuse.why =
-          text::cat("\"", value, "\" makes no sense for ", option->name, ": ", option->gist);
+    if (!put(*own, value, line)) {
+      misuse.why = text::cat("\"", value, "\" makes no sense for ", own->name, ": ", own->gist);
       return std::nullopt;
     }
   }

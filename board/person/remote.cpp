@@ -6,7 +6,7 @@
 #include "base/unicode.h"
 #include "board/person/console.h"
 #include "board/person/spawn.h"
-#include "board/serving/names.h"
+#include "board/rules/names.h"
 
 #include <array>
 #include <cerrno>
@@ -94,11 +94,12 @@ class Connection {
       why = "cannot make a folder in /tmp";
       return std::nullopt;
     }
-    auto spawned = spawn({{"ssh", "-M", "-S", control_, "-o", "ControlPersist=no", "-T", host_,
-                           text::cat("exec sh -c ", quotedForShell(keeper))},
-                          variables_,
-                          Streams::piped},
-                         why);
+    std::optional<Spawned> spawned =
+        spawn({{"ssh", "-M", "-S", control_, "-o", "ControlPersist=no", "-T", host_,
+                text::cat("exec sh -c ", quotedForShell(keeper))},
+               variables_,
+               Streams::piped},
+              why);
     if (!spawned) return std::nullopt;
     keeper_ = *std::move(spawned);
     FdOutput(keeper_.input.get()).write(text::cat(token, "\n", session, "\n"));
@@ -110,7 +111,7 @@ class Connection {
   /// Lets a socket there stand for one here. False when ssh or the other machine does not.
   bool carry(const std::string& there, const std::string& here) {
     std::string why;
-    const auto spawned =
+    const std::optional<Spawned> spawned =
         spawn({{"ssh", "-S", control_, "-O", "forward", "-R", text::cat(there, ":", here), host_},
                variables_},
               why);
@@ -124,7 +125,7 @@ class Connection {
     for (const std::string& word : command) there += text::cat(" ", quotedForShell(word));
     const bool hasTerminal = ::isatty(STDIN_FILENO) != 0 && ::isatty(STDOUT_FILENO) != 0;
     std::string why;
-    const auto spawned =
+    const std::optional<Spawned> spawned =
         spawn({{"ssh", "-S", control_, hasTerminal ? "-t" : "-T", host_, there}, variables_}, why);
     if (!spawned) return complain(why);
     passTo(spawned->pid);

@@ -7,6 +7,7 @@
 #include "board/person/console.h"
 #include "board/person/open_page.h"
 #include "board/person/stopping.h"
+#include "board/person/views.h"
 #include "board/serving/listener.h"
 #include "board/serving/publication.h"
 #include "board/serving/service.h"
@@ -71,7 +72,7 @@ int serve(const Line& line, const Surroundings& around) {
            std::chrono::duration_cast<std::chrono::milliseconds>(clock.now() - start).count();
   };
   const std::string suffix = line.suffix.empty() ? "board" : line.suffix;
-  auto publication = Publication::open(line.directory, suffix, random, why);
+  std::optional<Publication> publication = Publication::open(line.directory, suffix, random, why);
   if (!publication) return complain(why);
   const BoardFiles& files = publication->files();
   Listener* listening = nullptr;
@@ -81,17 +82,18 @@ int serve(const Line& line, const Surroundings& around) {
       complain(text::cat(files.socket, " was deleted, and is published again"));
     }
   };
-  Settings settings{publication->token(),
-                    publication->personToken(),
-                    line.leaseMs,
-                    files.socket,
-                    files.token,
-                    report,
-                    care};
-  if (line.isLogged) settings.log = logRequest;
   SpawnedProcesses processes;
-  settings.processes = &processes;
-  settings.news = processes.news();
+  Settings settings{.token = publication->token(),
+                    .personToken = publication->personToken(),
+                    .leaseMs = line.leaseMs,
+                    .socketPath = files.socket,
+                    .tokenPath = files.token,
+                    .say = report,
+                    .care = care,
+                    .processes = &processes,
+                    .news = processes.news(),
+                    .viewing = viewing};
+  if (line.isLogged) settings.log = logRequest;
   Service service(*store, std::move(loaded->boards), std::move(settings), now, random);
   Listener listener(publication->takeSocket(), service, clock);
   listening = &listener;

@@ -7,9 +7,9 @@
 #include "board/rules/debates.h"
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
+#include "board/rules/names.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
-#include "board/serving/names.h"
 
 #include <algorithm>
 #include <array>

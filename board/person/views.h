@@ -4,6 +4,7 @@
 
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
+#include "board/serving/service.h"
 #include "board/serving/store.h"
 #include "model/request.h"
 #include "model/response.h"
@@ -24,6 +25,9 @@ TeamworkResponse view(std::span<const Board* const> boards, const Store& store,
 
 /// Whether whoever asks has seen all that there is to show, so that the answer may be held back.
 bool isUpToDate(std::span<const Board* const> boards, const TeamworkRequest& request);
+
+/// All three, for the desk.
+inline constexpr Viewing viewing = {.shows = isViewing, .isUpToDate = isUpToDate, .view = view};
 
 /// The revision of all these Threads together, which goes up whenever one of theirs does.
 int64_t revisionOf(std::span<const Board* const> boards);

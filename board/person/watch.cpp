@@ -48,7 +48,8 @@ void runFor(const Section& needs, const Section::Row& row, const Line& line,
   add("QUILLPOST_NEED_KIND", "kind");
   add("QUILLPOST_NEED", "question");
   std::string why;
-  const auto spawned = spawn({{"sh", "-c", line.exec}, std::move(variables)}, why);
+  const std::optional<Spawned> spawned =
+      spawn({{"sh", "-c", line.exec}, std::move(variables)}, why);
   if (spawned) {
     waitFor(spawned->pid);
   } else {
@@ -140,7 +141,7 @@ int watchBoard(const Line& line, const Surroundings& around) {
       continue;
     }
     rev = sheet->rev;
-    const auto fresh = newNeeds(*sheet, known);
+    const std::vector<const Section::Row*> fresh = newNeeds(*sheet, known);
     if (!isFirst) tellFresh(*sheet, fresh, line, around);
     isFirst = false;
   }

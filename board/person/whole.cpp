@@ -170,7 +170,7 @@ Sheet helperSheet(const Board& board, Moment at) {
   Section suggested{"suggested", {"helper", "by", "arguments", "text", "reason", "do"}, {}};
   for (const auto& [name, suggestion] : board.suggestions) {
     std::string why;
-    const auto words = commandWords(suggestion.command, why);
+    const std::optional<std::vector<std::string>> words = commandWords(suggestion.command, why);
     suggested.add(name, suggestion.by, words ? shownWords(*words) : why, suggestion.explanation,
                   suggestion.reason,
                   text::cat("quillpost-board helper approve ", shownWords({name}), ", or refuse"));
@@ -185,7 +185,7 @@ std::optional<Sheet> wholeSheet(const Board& board, std::string_view what, Momen
   const std::string id = wholeID(what);
   if (const Task* task = board.tasks.find(id)) return taskSheet(board, *task, at);
   if (const Task* task = board.trash.find(id)) return taskSheet(board, *task, at);
-  if (const auto* discussion = board.discussions.find(id)) {
+  if (const TeamworkDiscussion* discussion = board.discussions.find(id)) {
     return debateSheet(board, *discussion, at);
   }
   const Seat* seat = seatAt(board, what);

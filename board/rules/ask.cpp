@@ -38,7 +38,8 @@ Ask splitAsk(std::string_view stored) {
   const std::string_view marked = stored.substr(askMarkerBegin.size());
   const std::size_t end = closingOf(marked);
   if (end == std::string_view::npos) return {std::nullopt, std::string(stored)};
-  auto payload = json::decode<TeamworkHumanAsk::Payload>(std::string(marked.substr(0, end)));
+  std::optional<TeamworkHumanAsk::Payload> payload =
+      json::decode<TeamworkHumanAsk::Payload>(std::string(marked.substr(0, end)));
   if (!payload) return {std::nullopt, std::string(stored)};
   return {std::move(payload), std::string(unicode::trim(marked.substr(end + askMarkerEnd.size())))};
 }

@@ -42,7 +42,7 @@ constexpr Special specials[] = {
 
 /// What a shell would see at the beginning of this; empty when a plain character.
 std::string_view specialAt(std::string_view rest) {
-  const auto* const found = std::ranges::find_if(
+  const Special* const found = std::ranges::find_if(
       specials, [&](const Special& special) { return rest.starts_with(special.text); });
   return found == std::end(specials) ? std::string_view() : found->what;
 }

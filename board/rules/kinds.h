@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 
 namespace quillpost::board {
 
@@ -95,6 +96,7 @@ struct json::Names<board::MoveKind> {
   };
   // clang-format on
   static_assert(allDifferent(rows));
+  static_assert(rows.size() == static_cast<std::size_t>(Kind::helperStopped) + 1);
 };
 
 template <>
@@ -130,6 +132,7 @@ struct json::Names<board::WakeKind> {
   };
   // clang-format on
   static_assert(allDifferent(rows));
+  static_assert(rows.size() == static_cast<std::size_t>(Kind::helperEnded) + 1);
 };
 
 }  // namespace quillpost
@@ -138,8 +141,8 @@ namespace quillpost::board {
 
 /// Whether a move ends only the waits that ask for changes of state too.
 constexpr bool isQuiet(MoveKind kind) {
-  const auto& rows = json::Names<MoveKind>::rows;
-  return std::ranges::find(rows, kind, &MoveName::value)->loudness == Loudness::quiet;
+  return std::ranges::find(json::Names<MoveKind>::rows, kind, &MoveName::value)->loudness ==
+         Loudness::quiet;
 }
 
 }  // namespace quillpost::board

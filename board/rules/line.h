@@ -1,6 +1,7 @@
 #pragma once
 
-// One line of a task's log.
+// One line of a task's log, as it is kept. board/rules/log.h writes lines and shows them, and its
+// test tries both.
 
 #include "json/record.h"
 
@@ -16,7 +17,7 @@ enum class LogKind { progress, comment, gist, handOff };
 
 /// One line of a task's log.
 struct LogLine {
-  /// The task's id and the number of the line.
+  /// The task's id and the number of the line, as `lineID` (ids.h) puts them together.
   std::string id;
   LogKind kind = LogKind::progress;
   /// The author's fingerprint, "human", or empty for the board itself.

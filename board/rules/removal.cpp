@@ -46,7 +46,7 @@ std::optional<std::string> whyNotDeletable(const Board& board, const Task& task)
 }
 
 void deleteTask(Board& board, Task& task, const Move& move, const std::string& reason) {
-  const auto notices =
+  const std::vector<Notice> notices =
       noticesOfRemoval(board, task, WakeKind::taskDeleted,
                        text::cat(calling(board, move.by), " deleted ", named(task)));
   forgetSecret(task);
@@ -65,7 +65,7 @@ void deleteTask(Board& board, Task& task, const Move& move, const std::string& r
 }
 
 void declineTask(Board& board, Task& task, const Move& move) {
-  const auto notices =
+  const std::vector<Notice> notices =
       noticesOfRemoval(board, task, WakeKind::taskRejected,
                        text::cat(calling(board, move.by), " declined ", named(task)));
   task.state = TaskState::rejected;
@@ -84,11 +84,11 @@ std::optional<std::string> whyNotRestorable(const Board& board, const Task& dele
                    "first.");
 }
 
-Task& restoreTask(Board& board, const std::string& id, const Move& move, Moment at) {
-  Task task = *board.trash.find(id);
+Task& restoreTask(Board& board, const Task& deleted, const Move& move, Moment at) {
+  Task task = deleted;
   task.deletedAtMs = 0;
   task.deleteReason.clear();
-  board.trash.remove(id);
+  board.trash.remove(task.id);
   const Seat* holder = seatOf(board, task.owner);
   if (task.state == TaskState::claimed && (holder == nullptr || !isLive(*holder))) {
     task.state = TaskState::open;

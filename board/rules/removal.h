@@ -29,8 +29,8 @@ void declineTask(Board& board, Task& task, const Move& move);
 /// Why a deleted task cannot be put back; nothing when it can.
 std::optional<std::string> whyNotRestorable(const Board& board, const Task& deleted);
 
-/// Puts a deleted task back as it was. A claim goes on when its holder is still here, with its full
-/// lease; otherwise the task is in the pool.
-Task& restoreTask(Board& board, const std::string& id, const Move& move, Moment at);
+/// Puts a deleted task, one of the board's trash, back as it was; `deleted` is gone then. A claim
+/// goes on when its holder is still here, with its full lease; otherwise the task is in the pool.
+Task& restoreTask(Board& board, const Task& deleted, const Move& move, Moment at);
 
 }  // namespace quillpost::board

@@ -267,7 +267,8 @@ TeamworkObligations obligationsOf(const Board& board, const Seat& seat, Moment a
   if (!seat.registered) return owed;
   const std::string& self = seat.fingerprint;
   for (const TeamworkDiscussion* discussion : board.discussions.with({openByParty, self})) {
-    auto& list = owes(*discussion, self) ? owed.oweReply : owed.awaitingReply;
+    std::vector<TeamworkObligations::DebateRef>& list =
+        owes(*discussion, self) ? owed.oweReply : owed.awaitingReply;
     list.push_back({discussion->id, discussion->taskID, discussion->question,
                     counterpart(board, *discussion, self)});
   }

@@ -154,7 +154,7 @@ int Listener::timeoutMs(Duration atMost) {
     wait = std::min<Duration>(wait, milliseconds(*due));
   }
   // Rounded up, so that what is waited for is due when the wait ends.
-  const auto wholeMs = std::chrono::ceil<milliseconds>(std::max(wait, Duration::zero()));
+  const milliseconds wholeMs = std::chrono::ceil<milliseconds>(std::max(wait, Duration::zero()));
   return static_cast<int>(std::min(wholeMs, milliseconds(std::chrono::hours(1))).count());
 }
 

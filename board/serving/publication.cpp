@@ -3,7 +3,7 @@
 #include "base/files.h"
 #include "base/text.h"
 #include "base/unicode.h"
-#include "board/serving/names.h"
+#include "board/rules/names.h"
 #include "board/serving/system.h"
 #include "bridge/unix_socket.h"
 

@@ -3,7 +3,7 @@
 // A board made known: its socket and its tokens as files in a directory where agents look for them.
 
 #include "base/unique_fd.h"
-#include "board/verbs/methods.h"
+#include "board/rules/names.h"
 
 #include <optional>
 #include <string>

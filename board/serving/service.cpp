@@ -1,14 +1,13 @@
 #include "board/serving/service.h"
 
 #include "base/text.h"
-#include "board/person/views.h"
 #include "board/rules/feed.h"
 #include "board/rules/limits.h"
+#include "board/rules/names.h"
 #include "board/rules/people.h"
 #include "board/rules/runs.h"
 #include "board/rules/views.h"
 #include "board/serving/keeping.h"
-#include "board/serving/names.h"
 #include "board/verbs/person.h"
 #include "tools/tool_name.h"
 
@@ -197,7 +196,7 @@ std::optional<int64_t> Service::tick() {
   }
   std::optional<int64_t> next;
   const auto consider = [&](int64_t dueMs) { next = std::min(next.value_or(dueMs), dueMs); };
-  if (const auto due = hands_.press(nowMs)) consider(std::max(*due, retryAtMs_));
+  if (const std::optional<int64_t> due = hands_.press(nowMs)) consider(std::max(*due, retryAtMs_));
   if (store_.isFile() || settings_.care) consider(lookAtMs_);
   for (Board& board : boards_) {
     if (nowMs >= retryAtMs_) {
@@ -303,7 +302,9 @@ Answer Service::answerPerson(const TeamworkRequest& request) {
   std::vector<Board*> meant;
   for (Board& board : boards_)
     if (isFor(board, name)) meant.push_back(&board);
-  if (isViewing(request.method)) return answerViewer(meant, request);
+  const Viewing& viewing = settings_.viewing;
+  if (viewing.shows != nullptr && viewing.shows(request.method))
+    return answerViewer(meant, request);
   if (meant.size() > 1) {
     return {refused(
         text::cat("There are several threads (",
@@ -339,10 +340,11 @@ Answer Service::answerViewer(const std::vector<Board*>& meant, const TeamworkReq
   }
   const std::vector<const Board*> boards(meant.begin(), meant.end());
   Answer answer;
-  if (isUpToDate(boards, request)) {
+  if (settings_.viewing.isUpToDate(boards, request)) {
     answer.holdMs = std::clamp<int64_t>(request.holdMs.value_or(0), 0, holdLimitMs);
   }
-  if (answer.holdMs == 0) answer.response = view(boards, store_, request, moment());
+  if (answer.holdMs == 0)
+    answer.response = settings_.viewing.view(boards, store_, request, moment());
   return answer;
 }
 

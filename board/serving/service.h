@@ -15,6 +15,7 @@
 #include <map>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,6 +35,19 @@ inline constexpr int64_t repetitionMs = 2000;
 
 /// How often, in milliseconds, the file is looked at, and tried again when it could not be written.
 inline constexpr int64_t storeCareMs = 1000;
+
+/// The person's methods that show something. The desk knows them by what is handed in here, and
+/// none when nothing is.
+struct Viewing {
+  /// Whether a method is one of these.
+  bool (*shows)(std::string_view method) = nullptr;
+  /// Whether whoever asks has seen all that there is to show, so that the answer may be held back.
+  bool (*isUpToDate)(std::span<const Board* const> boards,
+                     const TeamworkRequest& request) = nullptr;
+  /// What the Threads that are meant have to show.
+  TeamworkResponse (*view)(std::span<const Board* const> boards, const Store& store,
+                           const TeamworkRequest& request, Moment at) = nullptr;
+};
 
 /// What a desk needs to know.
 struct Settings {
@@ -55,6 +69,7 @@ struct Settings {
   /// ever started.
   Processes* processes = nullptr;
   int news = -1;
+  Viewing viewing = {};
 };
 
 /// The time in milliseconds since 1970.

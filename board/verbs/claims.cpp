@@ -104,7 +104,8 @@ TeamworkResponse claimTask(const Call& call, Task& task) {
     renewClaim(call.board, task, call.at);
     return written(text::cat("You hold ", named(task), " already; the lease is renewed."));
   }
-  if (const auto reason = whyNotClaimable(call, task)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyNotClaimable(call, task))
+    return refused(*reason);
   takeClaim(call.board, task, call.seat, call.at);
   announce(call.board, call.move(MoveKind::taskClaimed, task.id, task.title));
   return written(text::cat("You hold ", named(task), " for ", call.at.leaseMs / 1000,
@@ -133,7 +134,7 @@ TeamworkResponse completeTask(const Call& call, Task& task) {
   if (summary.empty()) {
     return refused("A `summary` is required: the outcome and how you verified it.");
   }
-  const auto debates = openOn(call.board, task.id);
+  const std::vector<const TeamworkDiscussion*> debates = openOn(call.board, task.id);
   if (!debates.empty()) {
     return refused(text::cat("The open discussion ", debates.front()->id,
                              " holds this completion back. resolve_discussion first."));
@@ -184,7 +185,7 @@ TeamworkResponse requestRelease(const Call& call, Task& task) {
 
 TeamworkResponse assignTask(const Call& call, Task& task) {
   const std::string to = call.request.to.value_or("");
-  if (const auto reason = whyUnreachable(call, to)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyUnreachable(call, to)) return refused(*reason);
   if (!isOpen(task)) return refused(text::cat(named(task), " is closed."));
   if (task.state == TaskState::claimed) {
     return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),

@@ -4,10 +4,10 @@
 #include "board/rules/limits.h"
 #include "board/rules/log.h"
 #include "board/rules/moves.h"
+#include "board/rules/names.h"
 #include "board/rules/people.h"
 #include "board/rules/readiness.h"
 #include "board/rules/runs.h"
-#include "board/serving/names.h"
 #include "board/verbs/methods.h"
 
 #include <algorithm>
@@ -132,7 +132,7 @@ TeamworkResponse requestHands(const Call& call) {
   if (request.taskID.has_value() != title.empty()) {
     return refused("Give `taskID` for work on the board or `title` to file it, never both.");
   }
-  if (const auto reason = whyNoHelper(call)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyNoHelper(call)) return refused(*reason);
   const Helper* helper = call.board.helpers.empty() ? nullptr : &call.board.helpers.begin()->second;
   if (request.agent && !request.agent->empty()) helper = call.board.helpers.find(*request.agent);
   if (request.taskID) {
@@ -142,7 +142,8 @@ TeamworkResponse requestHands(const Call& call) {
       return written(text::cat(named(*task), " is on the board for every peer to claim."),
                      std::string(noneAllowed));
     }
-    if (const auto reason = whyNotHanded(call, *task)) return refused(*reason);
+    if (const std::optional<std::string> reason = whyNotHanded(call, *task))
+      return refused(*reason);
     return startHelper(call, *task, seatHelper(call, *helper), "", std::move(notice));
   }
   Task task;

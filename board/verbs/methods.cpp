@@ -17,8 +17,9 @@ void markActive(Seat& seat) {
 }
 
 const Method* findMethod(std::string_view name) {
-  for (const auto& methods : {seatMethods(), planMethods(), taskMethods(), claimMethods(),
-                              writingMethods(), helperMethods()}) {
+  for (const std::span<const Method> methods :
+       {seatMethods(), planMethods(), taskMethods(), claimMethods(), writingMethods(),
+        helperMethods()}) {
     const auto found = std::ranges::find(methods, name, &Method::name);
     if (found != methods.end()) return &*found;
   }

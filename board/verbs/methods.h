@@ -6,12 +6,12 @@
 #include "board/rules/board.h"
 #include "board/rules/leases.h"
 #include "board/rules/moves.h"
+#include "board/rules/names.h"
 #include "model/request.h"
 #include "model/response.h"
 #include "tools/tool_name.h"
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <span>
 #include <string>
@@ -20,9 +20,6 @@
 #include <variant>
 
 namespace quillpost::board {
-
-/// Where unguessable and merely different names come from: 32 random bits at each call.
-using Random = std::function<uint32_t()>;
 
 /// One request on its way: who asks, when, on which board.
 struct Call {

@@ -47,7 +47,7 @@ std::string behind(const std::string& reason) {
 
 /// Why a change of what a task waits on cannot be; nothing when it can.
 std::optional<std::string> whyNotWaiting(const Deed& deed, const std::string& id) {
-  const auto& waitsOn = deed.request.waitsOn;
+  const std::optional<std::vector<std::string>>& waitsOn = deed.request.waitsOn;
   if (!waitsOn || !wouldWaitOnItself(deed.board, id, *waitsOn)) return std::nullopt;
   return text::cat(id, " would wait on itself around corners.");
 }
@@ -64,7 +64,7 @@ TeamworkResponse add(const Deed& deed) {
   const TeamworkRequest request = withWholeIDs(deed.request);
   if (oneLine(request.title.value_or("")).empty()) return refused("A task needs a title.");
   const std::string id = taskID(deed.board.counted().tasksFiled + 1);
-  if (const auto reason = whyNotWaiting({deed.board, request, deed.at}, id)) {
+  if (const std::optional<std::string> reason = whyNotWaiting({deed.board, request, deed.at}, id)) {
     return refused(*reason);
   }
   Task fresh;
@@ -88,7 +88,8 @@ TeamworkResponse edit(const Deed& deed) {
   if (task == nullptr) return noSuchTask(deed);
   std::string notice;
   const TeamworkRequest request = withWholeIDs(deed.request);
-  if (const auto reason = whyNotWaiting({deed.board, request, deed.at}, task->id)) {
+  if (const std::optional<std::string> reason =
+          whyNotWaiting({deed.board, request, deed.at}, task->id)) {
     return refused(*reason);
   }
   const Task before = *task;
@@ -132,7 +133,8 @@ TeamworkResponse release(const Deed& deed) {
   const std::string holder = task->owner;
   const std::string reason = reasonOf(deed, notice);
   addRemark(deed, *task, "released", reason);
-  const auto notices = toldTo(holder, text::cat("took ", named(*task), " back", behind(reason)));
+  const std::vector<Notice> notices =
+      toldTo(holder, text::cat("took ", named(*task), " back", behind(reason)));
   const bool isHandedOver = giveUpClaim(
       deed.board, *task, deed.move(MoveKind::taskReleased, task->id, reason), deed.at, notices);
   return written(text::cat("Took ", named(*task), " from ", calling(deed.board, holder), ". ",
@@ -194,7 +196,7 @@ TeamworkResponse remove(const Deed& deed) {
   Task* task = deed.board.tasks.touch(deed.subject());
   if (task == nullptr) return noSuchTask(deed);
   if (!deed.request.acknowledgeOpenTasks.value_or(false)) {
-    if (const auto reason = whyNotDeletable(deed.board, *task)) {
+    if (const std::optional<std::string> reason = whyNotDeletable(deed.board, *task)) {
       return refused(text::cat(*reason, " With --anyway it is deleted all the same."));
     }
   }
@@ -210,10 +212,10 @@ TeamworkResponse restore(const Deed& deed) {
   if (deleted == nullptr) {
     return refused(text::cat("No deleted task is called ", deed.subject(), "."));
   }
-  if (const auto reason = whyNotRestorable(deed.board, *deleted)) return refused(*reason);
-  const Task& restored =
-      restoreTask(deed.board, std::string(deleted->id),
-                  deed.move(MoveKind::taskAdded, deleted->id, deleted->title), deed.at);
+  if (const std::optional<std::string> reason = whyNotRestorable(deed.board, *deleted))
+    return refused(*reason);
+  const Task& restored = restoreTask(
+      deed.board, *deleted, deed.move(MoveKind::taskAdded, deleted->id, deleted->title), deed.at);
   return written(text::cat("Put back ", named(restored), "."));
 }
 

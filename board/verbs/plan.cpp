@@ -87,7 +87,7 @@ TeamworkResponse proposeGoalComplete(const Call& call) {
   const Thread& thread = call.board.thread();
   if (thread.goal.empty()) return refused("There is no goal yet to be complete: set_goal first.");
   if (thread.goalComplete) return written("The goal is complete already; the person confirmed it.");
-  const auto debates = openOn(call.board, "");
+  const std::vector<const TeamworkDiscussion*> debates = openOn(call.board, "");
   if (!debates.empty()) {
     return refused(text::cat("An open discussion of the whole board holds this back: ",
                              debates.front()->id, ". resolve_discussion first."));

@@ -55,7 +55,7 @@ TeamworkResponse ownSeat(const Call& call) {
 }
 
 void deliverMessages(const Call& call, TeamworkResponse& response) {
-  auto messages = messagesFor(call.board, call.seat, call.at);
+  std::vector<TeamworkSquadMessage> messages = messagesFor(call.board, call.seat, call.at);
   if (!messages.empty()) response.messages = std::move(messages);
 }
 
@@ -152,7 +152,7 @@ TeamworkResponse queryWake(const Call& call) {
 
 TeamworkResponse sendMessage(const Call& call) {
   const std::string to = call.request.to.value_or("");
-  if (const auto reason = whyUnreachable(call, to)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyUnreachable(call, to)) return refused(*reason);
   const std::string words(unicode::trim(call.request.body.value_or("")));
   if (words.empty()) return refused("There is nothing to send: pass the note as `text`.");
   if (unicode::countCharacters(words) > messageLimit) {

@@ -35,7 +35,8 @@ TeamworkResponse addTask(const Call& call) {
   task.title = lineOf(request.title.value_or(""), "title", notice);
   if (task.title.empty()) return refused("A task needs a `title`.");
   if (request.to) {
-    if (const auto reason = whyUnreachable(call, *request.to)) return refused(*reason);
+    if (const std::optional<std::string> reason = whyUnreachable(call, *request.to))
+      return refused(*reason);
     task.reportsTo = call.seat.handle;
   }
   task.waitsOn = entriesOf(request.waitsOn, "waitsOn", notice);
@@ -132,7 +133,8 @@ TeamworkResponse deleteOne(const Call& call, Task& task) {
     return refused(text::cat(named(task), " is held by ", calling(call.board, task.owner),
                              ". Ask them with comment_task or open_discussion."));
   }
-  if (const auto reason = whyNotDeletable(call.board, task)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyNotDeletable(call.board, task))
+    return refused(*reason);
   std::string notice;
   const std::string words = named(task);
   const std::string reason = lineOf(call.request.releaseReason.value_or(""), "reason", notice);

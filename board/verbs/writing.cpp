@@ -189,8 +189,10 @@ void writeComment(const Call& call, Task& task, const std::string& words, std::s
 
 TeamworkResponse updateTask(const Call& call, Task& task) {
   const TeamworkRequest& request = call.request;
-  if (const auto reason = whyNotUpdatable(call, task)) return refused(*reason);
-  if (const auto reason = whyNotBlockable(request, task)) return refused(*reason);
+  if (const std::optional<std::string> reason = whyNotUpdatable(call, task))
+    return refused(*reason);
+  if (const std::optional<std::string> reason = whyNotBlockable(request, task))
+    return refused(*reason);
   std::string ignored;
   if (wouldWaitOnItself(call.board, task.id, entriesOf(request.waitsOn, "waitsOn", ignored))) {
     return refused(text::cat(named(task), " would wait on itself."));

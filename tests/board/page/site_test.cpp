@@ -5,6 +5,7 @@
 #include "base/clock.h"
 #include "board/page/guard.h"
 #include "board/person/commanded.h"
+#include "harness/sanitized.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -275,6 +276,20 @@ TEST_F(Served, TheBrowserIsOpenedWithAFileAndNotWithTheKey) {
   EXPECT_EQ(page.waitForExit(), 0);
   EXPECT_FALSE(std::filesystem::exists(words));
 }
+
+#if QUILLPOST_SANITIZED == 0 && defined(__linux__)
+// A sanitizer wants more room than this to start with, and elsewhere there is no such limit.
+TEST_F(Served, WithoutRoomForAThreadThePageEndsInWordsAndTheBoardGoesOn) {
+  testing::Process page({"/bin/sh",
+                         {"-c", "ulimit -s 1000000 && ulimit -v 900000 && exec \"$@\"", "sh",
+                          testing::boardProgram(), "--dir", board_.directory().path(), "page"},
+                         {{"PATH", "/usr/bin:/bin"}}});
+  EXPECT_EQ(page.waitForExit(), 1);
+  EXPECT_EQ(page.restOfOutput(), "");
+  EXPECT_EQ(page.errors(), "quillpost-page: there is not enough memory\n");
+  EXPECT_EQ(board_.type({"show"}).status, 0);
+}
+#endif
 
 }  // namespace
 }  // namespace quillpost::board

@@ -26,15 +26,33 @@ TEST(Commands, EachStandsOnceAndOptionsNameOnlyThese) {
     std::ranges::replace(name, ' ', '-');
     written.insert(name);
   }
-  std::set<std::string_view> options_;
+  for (const Command& command : commands()) {
+    std::set<std::string_view> taken;
+    for (const Option& option : options()) {
+      if (!takes(command, option)) continue;
+      EXPECT_TRUE(taken.insert(option.name).second) << command.name << " " << option.name;
+      EXPECT_EQ(optionOf(command, option.name), &option) << command.name << " " << option.name;
+    }
+  }
   for (const Option& option : options()) {
-    EXPECT_TRUE(options_.insert(option.name).second) << option.name;
     EXPECT_TRUE(option.name.starts_with("--")) << option.name;
     if (option.commands.empty()) continue;
     for (const std::string_view name : text::split(option.commands, ' '))
       EXPECT_TRUE(written.contains(std::string(name)))
           << option.name << " is said to be of " << name;
   }
+}
+
+TEST(Commands, AnOptionIsWhatTheCommandMeansByIt) {
+  const Option* const ofPage = optionOf(*commandNamed("page"), "--open");
+  const Option* const ofShow = optionOf(*commandNamed("show"), "--open");
+  ASSERT_NE(ofPage, nullptr);
+  ASSERT_NE(ofShow, nullptr);
+  EXPECT_EQ(optionOf(*commandNamed("serve"), "--open"), ofPage);
+  EXPECT_EQ(optionOf(*commandNamed("watch"), "--open"), ofShow);
+  EXPECT_NE(ofPage->gist, ofShow->gist);
+  EXPECT_EQ(optionOf(*commandNamed("threads"), "--open"), nullptr);
+  EXPECT_EQ(optionOf(*commandNamed("show"), "--frobnicate"), nullptr);
 }
 
 TEST(Commands, AUsageLineHasTheWordsAndTheCommandsOwnOptions) {

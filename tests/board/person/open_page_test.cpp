@@ -26,7 +26,7 @@ TEST(PageCommand, StartsTheProgramBesideThisOneWithWhatWasMeant) {
   line.suffix = "s";
   line.thread = "t";
   line.port = "80";
-  line.openOnly = true;
+  line.opensBrowser = true;
   EXPECT_THAT(pageWords(line, "./quillpost-board"),
               ElementsAre("./quillpost-page", "--dir", "/d", "--suffix", "s", "--thread", "t",
                           "--port", "80", "--open"));

@@ -60,6 +60,22 @@ TEST(Options, EachFillsItsOwnPlace) {
   EXPECT_TRUE(line->isLogged);
 }
 
+TEST(Options, OneNameMayMeanTwoThingsAndIsReadForItsCommandWhereverItStands) {
+  for (const Words& arguments : {Words{"page", "--open"}, {"--open", "page"}, {"--open"}}) {
+    const auto line = read(arguments);
+    ASSERT_TRUE(line);
+    EXPECT_TRUE(line->opensBrowser);
+    EXPECT_FALSE(line->openOnly);
+  }
+  for (const Words& arguments : {Words{"show", "--open"}, {"--open", "watch"}}) {
+    const auto line = read(arguments);
+    ASSERT_TRUE(line);
+    EXPECT_TRUE(line->openOnly);
+    EXPECT_FALSE(line->opensBrowser);
+  }
+  EXPECT_EQ(whyNot({"threads", "--open"}), "threads takes no --open");
+}
+
 TEST(Options, WordsAfterTheIdNeedNoQuotes) {
   const auto line = read({"comment", "3", "use", "the", "second", "one"});
   ASSERT_TRUE(line);

@@ -2,6 +2,7 @@
 
 #include "board/person/commanded.h"
 #include "board/person/help.h"
+#include "harness/sanitized.h"
 
 #include <gtest/gtest.h>
 
@@ -54,6 +55,20 @@ TEST(BoardProgram, WithoutAHomeThereIsNoBoardToLookFor) {
                             {{"HOME", "/nowhere"}}});
   EXPECT_EQ(process.waitForExit(), 1);
 }
+
+#if QUILLPOST_SANITIZED == 0 && defined(__linux__)
+// A sanitizer wants more room than this to start with, and elsewhere there is no such limit.
+TEST(BoardProgram, WithoutMemoryItEndsInWords) {
+  const testing::TempDir dir;
+  testing::Process process({"/bin/sh",
+                            {"-c", "ulimit -v 150000; head -c 100m /dev/zero | \"$@\"", "sh",
+                             testing::boardProgram(), "--dir", dir.path(), "comment", "t1", "-"},
+                            {{"PATH", "/usr/bin:/bin"}}});
+  EXPECT_EQ(process.waitForExit(), 1);
+  EXPECT_EQ(process.restOfOutput(), "");
+  EXPECT_EQ(process.errors(), "quillpost-board: there is not enough memory\n");
+}
+#endif
 
 }  // namespace
 }  // namespace quillpost::board

@@ -24,6 +24,17 @@ TEST(Log, EveryLineSaysWhenItWasWritten) {
   EXPECT_EQ(lines[1]->atMs, early + 5000);
 }
 
+TEST(Log, ALinesIdIsItsTasksAndItsNumber) {
+  Desk desk;
+  const std::string id = desk.add("one");
+  desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"first")");
+  desk.ask("AA2", "comment_task", Desk::on(id) + R"(,"note":"second")");
+  const auto lines = linesOf(desk.board, id);
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[0]->id, text::cat(id, "/0000001"));
+  EXPECT_EQ(lines[1]->id, text::cat(id, "/0000002"));
+}
+
 TEST(Log, LinesStayInOrderBeyondTheirTenth) {
   Desk desk;
   const std::string id = desk.add("one");

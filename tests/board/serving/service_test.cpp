@@ -3,6 +3,7 @@
 #include "board/desk.h"
 #include "board/fake_processes.h"
 #include "board/full_disk.h"
+#include "board/person/views.h"
 #include "harness/temp_dir.h"
 
 #include <gmock/gmock.h>
@@ -33,8 +34,13 @@ struct ServiceDesk {
   Service make() {
     return Service(
         store, store.load(why)->boards,
-        {"agents", "persons", 900'000, "/d/s.sock", "/d/s.token",
-         [this](const std::string& sentence) { said.push_back(sentence); }},
+        {.token = "agents",
+         .personToken = "persons",
+         .leaseMs = 900'000,
+         .socketPath = "/d/s.sock",
+         .tokenPath = "/d/s.token",
+         .say = [this](const std::string& sentence) { said.push_back(sentence); },
+         .viewing = viewing},
         [this] { return nowMs; }, countingRandom());
   }
   std::string seat(std::string_view members = "") {
@@ -221,6 +227,19 @@ TEST(Service, WhatThePersonSaysIsForgottenOnceItsAnswerWasSent) {
   EXPECT_EQ(desk.ask(desk.first, "add_task", R"("title":"z")").response.notice, std::nullopt);
 }
 
+TEST(Service, KnowsNoMethodThatShowsSomethingUnlessItIsHandedIn) {
+  ServiceDesk desk;
+  const TeamworkRequest request = requestOf("", personShow, "", "persons");
+  EXPECT_EQ(desk.service.answer(request).response.kind, Kind::written);
+  Service blind = Service(
+      desk.store, desk.store.load(desk.why)->boards,
+      {.token = "agents", .personToken = "persons", .socketPath = "", .tokenPath = ""},
+      [&desk] { return desk.nowMs; }, countingRandom());
+  const TeamworkResponse refusal = blind.answer(request).response;
+  EXPECT_EQ(refusal.kind, Kind::error);
+  EXPECT_EQ(refusal.message, "This board does not know that method.");
+}
+
 /// A service over a file whose directory can be taken away.
 struct FileDesk {
   testing::TempDir dir;
@@ -231,8 +250,12 @@ struct FileDesk {
   Store store = *Store::open(path, why);
   Service service = Service(
       store, store.load(why)->boards,
-      {"agents", "persons", 900'000, "", "",
-       [this](const std::string& sentence) { said.push_back(sentence); }},
+      {.token = "agents",
+       .personToken = "persons",
+       .socketPath = "",
+       .tokenPath = "",
+       .say = [this](const std::string& sentence) { said.push_back(sentence); },
+       .viewing = viewing},
       [this] { return nowMs; }, countingRandom());
 
   std::string show() {

@@ -2,12 +2,15 @@
 
 // Names and secrets that the board gives out, and how a shell is told of them.
 
-#include "board/verbs/methods.h"
-
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
 namespace quillpost::board {
+
+/// Where unguessable and merely different names come from: 32 random bits at each call.
+using Random = std::function<uint32_t()>;
 
 /// A Thread's tag: "T-" and six characters.
 std::string mintTag(const Random& random);

@@ -1,4 +1,4 @@
-#include "board/serving/names.h"
+#include "board/rules/names.h"
 
 #include "base/text.h"
 
