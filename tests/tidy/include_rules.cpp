@@ -42,12 +42,17 @@ constexpr FolderRow folderTable[] = {
     {"src/tools/",        {"tools/", "model/", "json/", "base/"}},
     {"src/bridge/",       {"bridge/", "model/", "json/", "base/"}},
     {"src/render/texts/", {"render/texts/", "base/text.h"}},
-    {"src/render/",       {"render/", "tools/", "model/", "json/", "base/"}},
+    {"src/render/",       {"render/", "tools/", "model/", "json/", "base/text.h", "base/unicode.h"}},
     {"src/calls/",        {"calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
     {"src/mcp/",          {"mcp/", "calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
     {"src/qp/",           {"qp/", "calls/", "render/", "tools/", "model/", "json/", "base/", "bridge/bridge.h"}},
     {"src/entry/",        {"entry/", "mcp/", "qp/", "calls/", "render/", "tools/", "bridge/", "model/", "json/", "base/"}},
-    {"board/",            {"board/", "tools/tool_name.h", "model/", "json/", "base/", "bridge/unix_socket.h"}},
+    {"board/rules/",      {"board/rules/", "model/", "json/", "base/"}},
+    {"board/verbs/",      {"board/verbs/", "board/rules/", "tools/tool_name.h", "model/", "json/", "base/"}},
+    {"board/serving/",    {"board/serving/", "board/verbs/", "board/rules/", "tools/tool_name.h", "model/", "json/", "base/", "bridge/unix_socket.h"}},
+    {"board/person/",     {"board/person/", "board/serving/", "board/verbs/", "board/rules/", "tools/tool_name.h", "model/", "json/", "base/", "bridge/unix_socket.h"}},
+    {"board/page/",       {"board/page/", "board/person/", "board/serving/", "board/verbs/", "board/rules/", "model/", "json/", "base/"}},
+    {"board/",            {"board/person/", "board/serving/", "base/"}},
 };
 // clang-format on
 
@@ -61,21 +66,24 @@ bool mayInclude(const FolderRow& row, std::string_view path) {
 /// A system header and the only files of the programs that may include it.
 struct HeaderRow {
   std::string_view header;
-  std::array<std::string_view, 3> onlyIn;
+  std::array<std::string_view, 5> onlyIn;
 };
 
 // clang-format off
 constexpr HeaderRow headerTable[] = {
-    {"sys/socket.h", {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "board/"}},
-    {"sys/un.h",     {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "board/"}},
-    {"netinet/in.h", {}},
-    {"arpa/inet.h",  {}},
-    {"netdb.h",      {}},
-    {"iostream",     {"board/"}},
-    {"mutex",        {"board/"}},
-    {"atomic",       {"board/"}},
-    {"future",       {}},
-    {"typeinfo",     {}},
+    {"sys/socket.h",       {"src/bridge/unix_socket.cpp", "src/bridge/transport.cpp", "board/serving/", "board/person/client.cpp", "board/page/"}},
+    {"sys/un.h",           {"src/bridge/unix_socket.cpp"}},
+    {"netinet/in.h",       {}},
+    {"arpa/inet.h",        {}},
+    {"netdb.h",            {}},
+    {"iostream",           {"board/main.cpp", "board/person/helper.cpp"}},
+    {"thread",             {"src/base/clock.h", "board/page/"}},
+    {"mutex",              {"board/page/"}},
+    {"shared_mutex",       {}},
+    {"condition_variable", {"board/page/"}},
+    {"atomic",             {"board/page/", "board/person/spawn.cpp"}},
+    {"future",             {}},
+    {"typeinfo",           {}},
 };
 // clang-format on
 
