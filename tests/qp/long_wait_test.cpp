@@ -139,7 +139,8 @@ void expectNoGrowth(const std::vector<std::string>& words, bool bringsNews) {
                                 .file = [](const std::string&) { return std::nullopt; }},
                       .places = [] { return Places(); }});
   EXPECT_EQ(status, Status::hungUp);
-  EXPECT_GE(board.requests, wholeDay / 20s) << "a poll and a heartbeat each twenty seconds, and more";
+  EXPECT_GE(board.requests, wholeDay / 20s)
+      << "a poll and a heartbeat each twenty seconds, and more";
   EXPECT_EQ(reader.lines > 1, bringsNews);
   EXPECT_GT(day.afterAnHour, 0u);
   EXPECT_LE(residentBytes(), day.afterAnHour + noise);
