@@ -8,6 +8,7 @@
 #include "harness/json_object.h"
 #include "harness/paths.h"
 #include "tools/tool_name.h"
+#include "tools/tools.h"
 
 #include <gtest/gtest.h>
 
@@ -292,7 +293,7 @@ TEST_F(Server, ListsItsToolsBeforeAndAfterItIsIntroduced) {
   ASSERT_EQ(before.size(), 1u);
   EXPECT_NE(before[0].find(forOthers), std::string::npos);
   EXPECT_EQ(before[0].find(forClaude), std::string::npos);
-  EXPECT_EQ(objectFrom(before[0]).at("result").at("tools").as_array().size(), 33u);
+  EXPECT_EQ(objectFrom(before[0]).at("result").at("tools").as_array().size(), tools.size());
   EXPECT_EQ(answersTo(list), before) << "asked again, it says the same";
 
   answersTo(R"({"method":"initialize","params":{"clientInfo":{"name":"claude"}}})");
