@@ -160,6 +160,17 @@ describe('the page over time', () => {
     await column(tab, 'ready').getByText('Task 1999').waitFor();
   });
 
+  it('goes on in a tab that is not painted any more', async () => {
+    await begin((board) => board.type('add', 'Frame'));
+    const context = await stage.browser.newContext();
+    await context.addInitScript(() => { globalThis.requestAnimationFrame = () => 0; });
+    const tab = await openIn(context);
+    await card(tab, 't000001').waitFor();
+    const ada = await stage.board.agent('Ada');
+    await ada.qp('claim', 't000001', 'then', 'update', 't000001', '--blocked', '--blocker-question', 'Oak?');
+    await tab.waitForFunction(() => document.title.startsWith('(1)'), null, { polling: 100 });
+  });
+
   it('lets no long column keep the others away where they stand under each other', async () => {
     await begin(async (board) => {
       for (let i = 0; i < 30; ++i) await board.ask('person_add', { title: `Task ${i}` });

@@ -80,7 +80,11 @@ describe('what needs the person', () => {
     await tag.getByRole('button', { name: 'Reply' }).click();
     await tag.waitFor({ state: 'detached' });
     const debate = tab.locator('.need.discussion');
-    await debate.getByLabel('Reply in d000001').fill('Glue');
+    const reply = debate.getByLabel('Reply in d000001');
+    await reply.fill('Glue');
+    await bo.qp('reply', 'd000001', 'It should hold for years');
+    await debate.getByText('It should hold for years').waitFor();
+    assert.equal(await reply.inputValue(), 'Glue', 'what is typed stays');
     await debate.getByRole('button', { name: 'Reply' }).click();
     await debate.waitFor({ state: 'detached' });
     assert.match(await stage.board.type('show', 't1'), /Oak it is/);

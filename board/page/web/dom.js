@@ -84,10 +84,18 @@ export function keep(parent, items, keyOf, make, update) {
   parent.kept = now;
 }
 
-// Calls `then` when what has changed so far has been painted; a tab that nobody sees paints nothing.
+const PAINT_MS = 500;
+
+// Calls `then` once when what has changed so far has been painted, or after so long: a tab that nobody
+// sees, or sees no longer, paints nothing.
 export function afterPaint(then) {
-  if (document.hidden) setTimeout(then, 0);
-  else requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(then, 0)));
+  let isDone = false;
+  const once = () => {
+    if (!isDone) then();
+    isDone = true;
+  };
+  setTimeout(once, PAINT_MS);
+  requestAnimationFrame(() => requestAnimationFrame(() => setTimeout(once, 0)));
 }
 
 // A node of a picture.

@@ -20,6 +20,7 @@ export const state = {
   why: '',
 };
 
+const UNSEEN_MS = 250;
 const watchers = [];
 let changed = new Set();
 let isDue = false;
@@ -31,14 +32,15 @@ function touch(...names) {
   for (const name of names) changed.add(name);
   if (isDue) return;
   isDue = true;
-  // The first sight waits for no frame. A tab that nobody sees has none, and its title is read all the
-  // same.
+  // The first sight waits for no frame. A tab that nobody sees, or sees no longer, has none, and its title
+  // is read all the same.
   if (state.rev === 0) queueMicrotask(tellAll);
-  else if (document.hidden) setTimeout(tellAll, 0);
-  else requestAnimationFrame(tellAll);
+  requestAnimationFrame(tellAll);
+  setTimeout(tellAll, UNSEEN_MS);
 }
 
 function tellAll() {
+  if (!isDue) return;
   const told = changed;
   changed = new Set();
   isDue = false;
