@@ -83,9 +83,18 @@ pid_t spawn(const Command& command, int input, int output, int errors) {
   ::posix_spawn_file_actions_adddup2(&actions, input, STDIN_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
   ::posix_spawn_file_actions_adddup2(&actions, errors, STDERR_FILENO);
+  // What these tests were started by may ignore signals, as a shell does for its background.
+  posix_spawnattr_t attributes;
+  ::posix_spawnattr_init(&attributes);
+  sigset_t defaults;
+  sigemptyset(&defaults);
+  for (const int signal : {SIGINT, SIGQUIT, SIGHUP, SIGTERM}) sigaddset(&defaults, signal);
+  ::posix_spawnattr_setsigdefault(&attributes, &defaults);
+  ::posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGDEF);
   pid_t pid = -1;
-  const int error = ::posix_spawn(&pid, command.program.c_str(), &actions, nullptr,
+  const int error = ::posix_spawn(&pid, command.program.c_str(), &actions, &attributes,
                                   pointersTo(arguments).data(), pointersTo(variables).data());
+  ::posix_spawnattr_destroy(&attributes);
   ::posix_spawn_file_actions_destroy(&actions);
   if (error == 0) return pid;
   ADD_FAILURE() << "could not start " << command.program << ": " << std::strerror(error);

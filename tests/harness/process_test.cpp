@@ -63,6 +63,14 @@ TEST(Process, TakesSignalsWhileItRuns) {
   cat.signal(SIGTERM);
 }
 
+TEST(Process, TakesSignalsThatItsStarterIgnores) {
+  const auto before = ::signal(SIGINT, SIG_IGN);
+  Process cat({"/bin/cat", {}, {}});
+  ::signal(SIGINT, before);
+  cat.signal(SIGINT);
+  EXPECT_EQ(cat.waitForExit(), 128 + SIGINT);
+}
+
 TEST(Process, IsKilledAtTheEndWhateverHoldsItsStreams) {
   SteadyClock clock;
   const Instant start = clock.now();
