@@ -135,6 +135,14 @@ TEST_F(Served, EveryAnswerBindsTheBrowserAndAllowsNoOtherPage) {
   }
 }
 
+TEST_F(Served, EndsWithoutWaitingForTheBoardOrForAClient) {
+  Caller stream(port_), silent(port_);
+  stream.send(head("GET /api/moves", key()));
+  EXPECT_THAT(stream.receive("event: sheet"), StartsWith("HTTP/1.1 200"));
+  page_->signal(SIGTERM);
+  EXPECT_EQ(page_->waitForExit(std::chrono::seconds(clientPatience - 1)), 0);
+}
+
 TEST_F(Served, AnotherHostOrOriginOrKindOfBodyIsTurnedAway) {
   Caller caller(port_);
   caller.send("GET / HTTP/1.1\r\nHost: evil.example\r\n\r\n");
