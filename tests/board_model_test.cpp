@@ -22,7 +22,7 @@ namespace quillpost::board_model {
 namespace {
 
 /// As many are played with every change.
-constexpr uint64_t usualSessions = QUILLPOST_SANITIZED ? 300 : 2'000;
+constexpr uint64_t usualSessions = QUILLPOST_SANITIZED ? 150 : 2'000;
 
 /// So many sessions reach everything that a board is for.
 constexpr uint64_t enoughSessions = 1'000;

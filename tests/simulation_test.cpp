@@ -20,7 +20,7 @@ namespace quillpost::simulation {
 namespace {
 
 /// As many are played with every change.
-constexpr uint64_t usualSessions = QUILLPOST_SANITIZED ? 1'500 : 20'000;
+constexpr uint64_t usualSessions = QUILLPOST_SANITIZED ? 1'000 : 20'000;
 
 TEST(Simulation, BreaksNoRuleInAnySession) {
   Tally tally;

@@ -8,7 +8,7 @@
 namespace quillpost {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 struct Sample {
   const char* name;

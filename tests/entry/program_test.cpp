@@ -18,7 +18,9 @@
 namespace quillpost {
 namespace {
 
+using testing::Ending;
 using testing::Process;
+using testing::runToEnd;
 using testing::ScriptedApp;
 using testing::TempDir;
 
@@ -27,12 +29,6 @@ constexpr std::string_view line =
     "keep "
     "listening\n";
 constexpr std::string_view pendingWake = R"({"kind":"wake","wakePending":true})";
-
-/// What came of one run.
-struct Ending {
-  std::optional<int> status;
-  std::string output, errors;
-};
 
 class Program : public ::testing::Test {
  protected:
@@ -48,10 +44,7 @@ class Program : public ::testing::Test {
 
   Ending run(std::vector<std::string> arguments, Variables environment,
              const std::string& input = "") {
-    Process process({testing::seatProgram(), std::move(arguments), std::move(environment)});
-    process.write(input);
-    process.closeInput();
-    return endOf(process);
+    return runToEnd({testing::seatProgram(), std::move(arguments), std::move(environment)}, input);
   }
 
   Ending runHook(Variables environment, const std::string& input = "{}") {
@@ -60,17 +53,10 @@ class Program : public ::testing::Test {
 
   /// Runs the hook by way of a shell, which can close or redirect its descriptors.
   Ending runHookWith(const std::string& redirections) {
-    Process process(
+    return runToEnd(
         {"/bin/sh",
          {"-c", "exec '" + testing::seatProgram() + "' --wake-stop-hook " + redirections},
          seat()});
-    process.closeInput();
-    return endOf(process);
-  }
-
-  static Ending endOf(Process& process) {
-    const std::optional<int> status = process.waitForExit();
-    return {status, process.restOfOutput(), process.errors()};
   }
 
   TempDir home;

@@ -28,7 +28,9 @@ namespace quillpost {
 namespace {
 
 using namespace std::chrono_literals;
+using testing::Ending;
 using testing::Process;
+using testing::runToEnd;
 using testing::ScriptedApp;
 using testing::TempDir;
 using testing::Terminal;
@@ -36,11 +38,6 @@ using testing::Terminal;
 constexpr std::string_view quietFeed =
     R"({"kind":"changes","changes":{"rev":7,"changed":false,"goal":"","goalComplete":false,)"
     R"("pendingGoalComplete":false,"changeKinds":[],"tasks":[]}})";
-
-struct Ending {
-  std::optional<int> status;
-  std::string output, errors;
-};
 
 bool comesTrue(const std::function<bool()>& condition, Duration patience = 60s) {
   SteadyClock clock;
@@ -71,25 +68,16 @@ class QpProgram : public ::testing::Test {
             {"QUILLPOST_COLLAB_SOCKET", app.path()}};
   }
 
-  static Ending endOf(Process& process) {
-    const std::optional<int> status = process.waitForExit();
-    return {status, process.restOfOutput(), process.errors()};
-  }
-
   Ending run(std::vector<std::string> arguments, Variables environment,
              const std::string& input = "") {
-    Process process({testing::commandProgram(), std::move(arguments), std::move(environment)});
-    process.write(input);
-    process.closeInput();
-    return endOf(process);
+    return runToEnd({testing::commandProgram(), std::move(arguments), std::move(environment)},
+                    input);
   }
   Ending run(std::vector<std::string> arguments) { return run(std::move(arguments), seat()); }
 
   /// A command for bash in this seat.
   Ending shell(const std::string& command) {
-    Process process({"/bin/bash", {"-c", command}, seat()});
-    process.closeInput();
-    return endOf(process);
+    return runToEnd({"/bin/bash", {"-c", command}, seat()});
   }
 
   /// Waits for the process whose number the file will hold, and gives it.

@@ -252,4 +252,16 @@ void Process::awaitExit() {
   changed_.notify_all();
 }
 
+Ending endOf(Process& process) {
+  const std::optional<int> status = process.waitForExit();
+  return {status, process.restOfOutput(), process.errors()};
+}
+
+Ending runToEnd(const Command& command, std::string_view input) {
+  Process process(command);
+  process.write(input);
+  process.closeInput();
+  return endOf(process);
+}
+
 }  // namespace quillpost::testing

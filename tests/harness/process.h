@@ -90,4 +90,15 @@ class Process {
   std::thread waiter_;
 };
 
+/// What came of a program: its status as of `waitForExit`, and what it wrote that nobody has read.
+struct Ending {
+  std::optional<int> status;
+  std::string output, errors;
+};
+
+/// Waits for the end of a program that runs.
+Ending endOf(Process& process);
+/// Runs a program with this input, and nothing after it, to its end.
+Ending runToEnd(const Command& command, std::string_view input = "");
+
 }  // namespace quillpost::testing
