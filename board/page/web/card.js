@@ -55,10 +55,6 @@ function footing(task) {
   return task.parked || task.note;
 }
 
-// Three lines of the narrowest column hold about as much. Cutting text off after some lines is slow to
-// lay out, and few titles need it.
-const LONG_TITLE = 40;
-
 // A card without anything on it yet.
 export function makeCard(task) {
   const parts = {
@@ -87,7 +83,6 @@ export function updateCard(node, task) {
   say(parts.priority, task.priority > 0 ? `▲${task.priority}` : task.priority < 0 ? `▼${-task.priority}` : '');
   parts.priority.title = task.priority ? `priority ${task.priority}` : '';
   say(parts.title, task.title);
-  parts.title.classList.toggle('long', task.title.length > LONG_TITLE);
   const name = agentAt(task.holder)?.name ?? '';
   const who = `${task.holder} ${name}`;
   if (parts.who.dataset.who !== who) {
