@@ -30,6 +30,16 @@ TEST(Registering, ALongRoleIsShortenedWithAnEllipsis) {
   EXPECT_EQ(desk.seat("AA2").role, std::string(119, 'r') + "…");
 }
 
+TEST(Registering, TheNextAgentOfASeatHasNoneOfTheRightsOfTheOneBefore) {
+  Desk desk;
+  desk.ask("AA2", "register", R"("role":"reviewer")");
+  EXPECT_EQ(desk.seat("AA2").authority, "reviewer");
+  desk.ask("AA2", "unregister");
+  desk.ask("AA2", "register");
+  EXPECT_EQ(desk.seat("AA2").role, "");
+  EXPECT_EQ(desk.seat("AA2").authority, "contributor");
+}
+
 TEST(Registering, LeavingReturnsWhatIsHeld) {
   Desk desk;
   const std::string id = desk.add("one");
