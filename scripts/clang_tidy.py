@@ -25,14 +25,15 @@ CONFIGURATION = (ROOT / ".clang-tidy").read_text(encoding="utf-8")
 # Together they include much twice, and a local name may be another source's: the formatter and the
 # compiler see to both in each source.
 JOINED = ["--checks=-readability-duplicate-include,-clang-diagnostic-shadow"]
-# How many lines a part has about. The headers of each take as long as 1,500 lines of ours.
+# How many lines a part has about. The headers of each take as long as 3,000 lines of ours.
 PART_LINES = 5000
 PROCESSORS = 2
 # The states of one function that the analyzer follows before it lets go of it. With its own limit of
 # 225,000 it takes four fifths of the whole time, with this one a sixth.
 DEPTH = ["-Xclang", "-analyzer-config", "-Xclang", "max-nodes=10000"]
 # What the compiler tells here at no cost, where a check of its own is slow.
-MORE = [f"--extra-arg={word}" for word in [*DEPTH, "-Wreserved-identifier"]]
+MORE = [f"--extra-arg={word}" for word in [*DEPTH, "-Wreserved-identifier",
+                                                "-Wreserved-macro-identifier"]]
 INCLUDE = re.compile(r'^#include "([^"]+)"', re.MULTILINE)
 TEXTS = {}
 
@@ -139,10 +140,11 @@ def parts(sources):
     program's start, of which a part can have one only, stands at the end of a part."""
     starts = [source for source in sources if source.name.endswith("main.cpp")]
     lines = {source: len(text_of(source).splitlines()) for source in sources}
-    count = PROCESSORS * max(1, round(sum(lines.values()) / PROCESSORS / PART_LINES))
+    total = sum(lines.values())
+    count = PROCESSORS * max(1, round(total / PROCESSORS / PART_LINES))
     joined, done = [[] for _ in range(count)], 0
     for source in (source for source in sources if source not in starts):
-        joined[count * done // sum(lines.values())].append(source)
+        joined[count * done // total].append(source)
         done += lines[source]
     for number, start in enumerate(starts):
         joined[number % len(joined)].append(start)
