@@ -40,7 +40,7 @@ std::string optionWords(const Option& option) {
   return text::cat(option.name, option.value.empty() ? "" : " ", option.value);
 }
 
-std::string commandWords(const Command& command) {
+std::string invocationOf(const Command& command) {
   return text::cat(command.name, command.words.empty() ? "" : " ", command.words);
 }
 
@@ -100,7 +100,7 @@ std::string overview() {
   std::string out = "quillpost-board: a board for agents, and for the person who leads them.\n";
   forEachCommand([&](std::string_view group) { out += text::cat("\n", group, "\n"); },
                  [&](const Command& command) {
-                   out += inColumn(text::cat("  ", commandWords(command)), command.gist);
+                   out += inColumn(text::cat("  ", invocationOf(command)), command.gist);
                  });
   out += text::cat("\nEvery command\n", optionLines(nullptr));
   return out +

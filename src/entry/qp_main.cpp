@@ -127,7 +127,7 @@ Console consoleFor(FdOutput& output, FdOutput& errors, const Environment& enviro
           .hasColour = isTerminal && !isPlain};
 }
 
-int run(const std::vector<std::string>& words) {
+int runCommandLine(const std::vector<std::string>& words) {
   const ProcessEnvironment environment;
   const std::string sessionID = environment.get("QUILLPOST_SESSION_ID").value_or("");
   SteadyClock clock;
@@ -153,7 +153,7 @@ int main(int count, char** arguments) {
   quillpost::fillStandardDescriptors();
   quillpost::keepMemoryBetweenCalls();
   try {
-    return quillpost::run({arguments + std::min(count, 1), arguments + count});
+    return quillpost::runCommandLine({arguments + std::min(count, 1), arguments + count});
   } catch (...) {
     // What a library throws when memory runs out.
     return static_cast<int>(quillpost::Status::noBoard);

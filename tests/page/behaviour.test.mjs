@@ -1,28 +1,9 @@
-// How the page behaves over time: reloads, a board that dies and returns, several tabs, the keyboard,
-// many tasks, small screens, and whoever cannot see it.
+// How the page behaves over time: reloads, a board that dies and returns, several tabs, many tasks.
 
 import assert from 'node:assert/strict';
 import { describe, it } from 'node:test';
 
-import { begin, card, column, drawer, findings, openIn, openTab, setTheStage, stage } from './stage.mjs';
-
-/** An agent with a question, a discussion and a review on a board of some tasks. */
-async function busyBoard(board) {
-  await board.type('squad', 'on');
-  for (const title of ['Publish bread.json', 'Show the bread', 'Read the till', 'Say when it is closed'])
-    await board.type('add', title, '--resources', 'site', '--priority', '1', '--body', 'Whole loaves.');
-  await board.type('add', 'Put it together', '--waits-on', '1,2');
-  const ada = await board.agent('Ada');
-  const bo = await board.agent('Bo');
-  await ada.qp('claim', 't000001', 'then', 'update', 't000001', '--blocked', '--blocker-kind', 'decision',
-    '--blocker-question', 'Grey it out or hide it?', '--blocker-options', 'Grey it out,Hide it');
-  await bo.qp('claim', 't000002', 'then', 'update', 't000002', '--progress', 'drawing', 'then', 'request-review', 't000002');
-  await bo.qp('claim', 't000003', 'then', 'done', 't000003', 'It reads');
-  await ada.qp('discuss', 'Bolts or glue?', '--task-id', 't000002', '--address-to', 'human');
-  await bo.qp('suggest', '--name', 'scout', '--command', "scout -p 'a b'", '--explanation', 'Reads code', '--reason', 'To look around');
-  await board.type('helper', 'allow', 'counter', '--explanation', 'adds up', '--', 'counter', '-p');
-  return { ada, bo };
-}
+import { begin, busyBoard, card, column, openIn, openTab, setTheStage, stage } from './stage.mjs';
 
 describe('the page over time', () => {
   setTheStage();
@@ -63,70 +44,19 @@ describe('the page over time', () => {
 
   it('has tabs that agree, and one stream for all of them', async () => {
     await begin(busyBoard);
+    // All streams that the server has but one.
+    const streams = await Promise.all(Array.from({ length: 11 }, () => stage.page.moves()));
     const context = await stage.browser.newContext();
-    // More tabs than the server would have streams for.
-    const tabs = [];
-    for (let i = 0; i < 14; ++i) tabs.push(await openIn(context));
+    const tabs = await Promise.all(Array.from({ length: 3 }, () => openIn(context)));
+    for (const tab of tabs) await tab.locator('.link.live').waitFor();
+    assert.deepEqual(streams.map(({ status }) => status), Array(11).fill(200));
+    assert.equal((await stage.page.moves()).status, 503);
     await card(tabs.at(-1), 't000001').waitFor();
     await tabs[0].locator('.need').getByRole('button', { name: 'Hide it' }).click();
     for (const tab of tabs) await tab.locator('.need.question').waitFor({ state: 'detached' });
     await tabs[0].close();
     await stage.board.type('add', 'Later on');
     for (const tab of tabs.slice(1)) await column(tab, 'ready').getByText('Later on').waitFor();
-  });
-
-  it('can be used with the keyboard alone', async () => {
-    await begin(busyBoard);
-    const tab = await openTab();
-    await card(tab, 't000004').waitFor();
-    const focused = () => tab.evaluate(() => document.activeElement.textContent || document.activeElement.getAttribute('aria-label'));
-    await tab.keyboard.press('?');
-    await tab.getByRole('dialog', { name: 'Keys' }).waitFor();
-    await tab.keyboard.press('Escape');
-    await tab.keyboard.press('/');
-    await tab.keyboard.type('closed');
-    await card(tab, 't000005').waitFor({ state: 'detached' });
-    await tab.keyboard.press('Escape');
-    await card(tab, 't000005').waitFor();
-    await tab.keyboard.press('j');
-    assert.match(await focused(), /^t4/);
-    await tab.keyboard.press('j');
-    await tab.keyboard.press('k');
-    assert.match(await focused(), /^t4/);
-    await tab.keyboard.press('Enter');
-    await drawer(tab).getByRole('heading', { name: 'Say when it is closed' }).waitFor();
-    assert.match(tab.url(), /#t000004$/);
-    await tab.keyboard.press('Escape');
-    await drawer(tab).waitFor({ state: 'hidden' });
-    assert.match(await focused(), /^t4/);
-    await tab.keyboard.press('2');
-    await tab.locator('#lanes .bar').first().waitFor();
-    await tab.keyboard.press('1');
-    await tab.keyboard.press('n');
-    assert.equal(await focused(), 'Grey it out');
-    await tab.keyboard.press('Enter');
-    await tab.locator('.need.question').waitFor({ state: 'detached' });
-    await tab.keyboard.press('n');
-    await tab.keyboard.type('Glue');
-    await tab.keyboard.press('Enter');
-    await tab.locator('.need.discussion').waitFor({ state: 'detached' });
-    await tab.keyboard.press('n');
-    assert.equal(await focused(), 'Look and allow …');
-    await tab.keyboard.press('Enter');
-    await tab.getByRole('dialog', { name: 'Suggested helper' }).waitFor();
-    await tab.keyboard.press('Escape');
-    assert.equal(await focused(), 'Look and allow …');
-    await tab.keyboard.press('Tab');
-    assert.equal(await focused(), 'Refuse');
-    await tab.keyboard.press('Enter');
-    await tab.locator('.need').waitFor({ state: 'detached' });
-    await tab.keyboard.press('h');
-    await tab.getByRole('dialog', { name: 'Helpers' }).waitFor();
-    await tab.keyboard.press('Escape');
-    await tab.keyboard.press('c');
-    await tab.keyboard.type('By keys');
-    await tab.keyboard.press('Enter');
-    await column(tab, 'ready').getByText('By keys').waitFor();
   });
 
   it('stays fluid with 2,000 tasks', async (test) => {
@@ -215,37 +145,4 @@ describe('the page over time', () => {
     assert.match(told[0], /Ada: Oak or steel\?/);
     assert.equal(tones, 1);
   });
-
-  for (const [width, colorScheme] of [[380, 'light'], [1280, 'dark'], [2560, 'light']]) {
-    it(`can be used and read by everybody at ${width} pixels, ${colorScheme}`, async () => {
-      await begin(busyBoard);
-      const tab = await openTab(stage.page.address, { viewport: { width, height: 900 }, colorScheme });
-      await card(tab, 't000001').waitFor();
-      const isCut = () => tab.evaluate(() => document.documentElement.scrollWidth > innerWidth);
-      for (const view of ['Board', 'Who did what', 'What waits', 'History']) {
-        await tab.getByRole('button', { name: view }).click();
-        await tab.waitForTimeout(100);
-        assert.deepEqual(await findings(tab), [], view);
-        assert.equal(await isCut(), false, view);
-      }
-      await tab.evaluate(() => { location.hash = 't000002'; });
-      await drawer(tab).getByRole('heading', { name: 'Show the bread' }).waitFor();
-      assert.deepEqual(await findings(tab), [], 'the drawer');
-      assert.equal(await isCut(), false, 'the drawer');
-      await tab.keyboard.press('Escape');
-      await tab.getByRole('button', { name: 'New task' }).click();
-      assert.deepEqual(await findings(tab), [], 'the form');
-      await tab.keyboard.press('Escape');
-      await tab.getByRole('button', { name: 'Helpers', exact: true }).click();
-      const helpers = tab.getByRole('dialog', { name: 'Helpers' });
-      await helpers.getByLabel('Command').fill("scout --model 'a long name of a model' --never-stop 'until it is done, and then some more words'");
-      await helpers.getByRole('button', { name: 'Show what would run' }).click();
-      await helpers.getByRole('button', { name: 'Allow exactly this' }).waitFor();
-      assert.deepEqual(await findings(tab), [], 'the helpers');
-      assert.equal(await isCut(), false, 'the helpers');
-      await helpers.getByRole('button', { name: 'Look and allow …' }).click();
-      await tab.getByRole('dialog', { name: 'Suggested helper' }).getByText('a b', { exact: true }).waitFor();
-      assert.deepEqual(await findings(tab), [], 'a suggestion');
-    });
-  }
 });

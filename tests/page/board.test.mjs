@@ -142,10 +142,11 @@ describe('the page', () => {
     assert.match(await bar.locator('a').getAttribute('aria-label'), /t1 Frame: done, .*1 question/);
     await ada.qp('claim', 't000002');
     await tab.locator('#lanes .bar.now').waitFor();
-    const width = () => bar.locator('rect').first().evaluate((node) => Number(node.getAttribute('width')));
-    const before = await width();
+    const left = (kind) => tab.locator(`#lanes .bar.${kind} rect`).first().evaluate((node) => Number(node.getAttribute('x')));
+    const between = async () => (await left('now')) - (await left('done'));
+    const before = await between();
     await tab.getByRole('button', { name: 'Zoom in' }).click();
-    assert.ok((await width()) > before);
+    assert.ok((await between()) > before);
     await tab.getByRole('button', { name: 'All' }).click();
     await bar.locator('a').focus();
     await tab.keyboard.press('Enter');

@@ -16,7 +16,7 @@ const axe = await readFile(createRequire(import.meta.url).resolve('axe-core/axe.
 
 /** What axe finds in a tab that is serious or worse. */
 export async function findings(tab) {
-  await tab.evaluate(axe);
+  if (!(await tab.evaluate(() => 'axe' in globalThis))) await tab.evaluate(axe);
   const { violations } = await tab.evaluate(() => globalThis.axe.run(document, { resultTypes: ['violations'] }));
   return violations.filter(({ impact }) => impact === 'serious' || impact === 'critical')
     .map(({ id, nodes }) => `${id}: ${nodes.map((node) => node.html.slice(0, 120)).join(' | ')}`);
@@ -43,6 +43,24 @@ export async function begin(setUp = async () => {}) {
   await stage.board.type('goal', 'The bakery shows what bread is left');
   await setUp(stage.board);
   stage.page = await Page.start(stage.board);
+}
+
+/** An agent with a question, a discussion and a review on a board of some tasks. */
+export async function busyBoard(board) {
+  await board.type('squad', 'on');
+  for (const title of ['Publish bread.json', 'Show the bread', 'Read the till', 'Say when it is closed'])
+    await board.type('add', title, '--resources', 'site', '--priority', '1', '--body', 'Whole loaves.');
+  await board.type('add', 'Put it together', '--waits-on', '1,2');
+  const ada = await board.agent('Ada');
+  const bo = await board.agent('Bo');
+  await ada.qp('claim', 't000001', 'then', 'update', 't000001', '--blocked', '--blocker-kind', 'decision',
+    '--blocker-question', 'Grey it out or hide it?', '--blocker-options', 'Grey it out,Hide it');
+  await bo.qp('claim', 't000002', 'then', 'update', 't000002', '--progress', 'drawing', 'then', 'request-review', 't000002');
+  await bo.qp('claim', 't000003', 'then', 'done', 't000003', 'It reads');
+  await ada.qp('discuss', 'Bolts or glue?', '--task-id', 't000002', '--address-to', 'human');
+  await bo.qp('suggest', '--name', 'scout', '--command', "scout -p 'a b'", '--explanation', 'Reads code', '--reason', 'To look around');
+  await board.type('helper', 'allow', 'counter', '--explanation', 'adds up', '--', 'counter', '-p');
+  return { ada, bo };
 }
 
 /** A tab that shows the page, in a browser session of its own. */

@@ -103,6 +103,11 @@ export class Page {
     return page;
   }
 
+  /** A stream of what moves, begun and not read. */
+  async moves() {
+    return fetch(new URL('/api/moves', this.url), { headers: { Authorization: `Bearer ${this.key}` } });
+  }
+
   async stop() {
     if (this.process.exitCode === null && this.process.signalCode === null) {
       this.process.kill('SIGTERM');
