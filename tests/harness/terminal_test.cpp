@@ -33,7 +33,9 @@ TEST(Terminal, TakesWhatRunsInItAlongWhenItIsClosed) {
   const TempDir home;
   Terminal terminal(Terminal::Kind::interactive,
                     {{"HOME", home.path()}, {"PATH", "/usr/bin:/bin"}});
-  terminal.type("sleep 100 & echo $! >~/pid");
+  // What runs in the foreground: a shell that sees its terminal's end before it is told of it leaves
+  // the background alone.
+  terminal.type("sh -c 'echo $$ >~/pid; exec sleep 100'");
   const pid_t pid = std::stoi(awaited(home.pathOf("pid")));
   EXPECT_TRUE(isRunning(pid));
   terminal.close();

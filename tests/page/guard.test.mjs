@@ -88,6 +88,31 @@ describe('what the page lets in', () => {
     await card(tab, 't000001').waitFor();
   });
 
+  it('asks for the key though that comes out only while the page is put together', async () => {
+    await begin();
+    const context = await stage.browser.newContext();
+    const hold = async (path) => {
+      let release;
+      const held = new Promise((resolve) => { release = resolve; });
+      await context.route(path, async (route) => {
+        await held;
+        await route.continue();
+      });
+      return release;
+    };
+    const answer = await hold('**/api/board*');
+    const rest = await hold('**/rest.js');
+    const coming = context.waitForEvent('page');
+    const opened = openIn(context, `${stage.page.url.origin}/#key=${'0'.repeat(32)}`);
+    const tab = await coming;
+    await tab.locator('.column.ready').waitFor();
+    answer();
+    await tab.getByText('This page needs its key').waitFor();
+    rest();
+    await opened;
+    await tab.evaluate(() => import('/rest.js'));
+  });
+
   it('has its key in no address, no request line and no lasting storage', async () => {
     await begin((board) => board.type('add', 'Frame'));
     const context = await stage.browser.newContext();

@@ -12,6 +12,13 @@ import { setLink, state, take, watch } from './store.js';
 import { startClock } from './times.js';
 
 let isAsking = false;
+let isShut = false;
+
+// The page is no longer there, and nothing may be put on it.
+function shut() {
+  isShut = true;
+  showGate();
+}
 
 // Asks for everything; tried again by the next event when it fails.
 async function refresh() {
@@ -21,7 +28,7 @@ async function refresh() {
     take(await ask('board'));
     if (state.thread) settleThread(state.thread.tag);
   } catch (refusal) {
-    if (refusal.status === 401) showGate();
+    if (refusal.status === 401) shut();
     else setLink('lost', refusal.message);
   } finally {
     isAsking = false;
@@ -36,7 +43,7 @@ function hear(kind, data) {
   } else if (kind === 'gap') {
     refresh();
   } else if (kind === 'denied') {
-    showGate();
+    shut();
   } else {
     setLink(kind, data.why);
   }
@@ -48,6 +55,7 @@ const PATIENCE_MS = 250;
 // Brings what is not seen at first, and what tells of moves; the page is busy until then.
 async function complete() {
   const { mountRest } = await import('./rest.js');
+  if (isShut) return;
   mountRest();
   startClock();
   listen(hear);
@@ -78,4 +86,4 @@ function start() {
 }
 
 if (takeKey()) start();
-else showGate();
+else shut();
