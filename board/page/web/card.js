@@ -1,7 +1,7 @@
 // One task on the board.
 
 import { el, put, say, short } from './dom.js';
-import { agentAt, state } from './store.js';
+import { agentAt, state, tasksInHand } from './store.js';
 import { sinceNode, untilBar } from './times.js';
 
 // A hue for a handle, the same everywhere.
@@ -22,12 +22,7 @@ export function agentName(handle) {
 // The tasks that are being worked on and touch one of these resources, without the task itself.
 export function rivalsOf(task) {
   if (task.resources.length === 0 || task.column === 'done') return [];
-  const rivals = [];
-  for (const other of state.tasks.values()) {
-    if (other.state !== 'working' && other.state !== 'blocked') continue;
-    if (other.id !== task.id && other.resources.some((name) => task.resources.includes(name))) rivals.push(other);
-  }
-  return rivals;
+  return tasksInHand().filter((other) => other.id !== task.id && other.resources.some((name) => task.resources.includes(name)));
 }
 
 function marks(task) {

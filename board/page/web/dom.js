@@ -31,9 +31,10 @@ export function el(tag, props = {}, ...children) {
 }
 
 function add(node, children) {
-  for (const child of children.flat(2)) {
+  for (const child of children) {
     if (child === null || child === undefined || child === false) continue;
-    node.append(child instanceof Node ? child : shown(child));
+    if (Array.isArray(child)) add(node, child);
+    else node.append(child instanceof Node ? child : shown(child));
   }
 }
 

@@ -24,6 +24,7 @@ const UNSEEN_MS = 250;
 const watchers = [];
 let changed = new Set();
 let isDue = false;
+let inHand = null;
 
 // Calls `tell(changed)` after each change: names of parts of the state, and ids of tasks.
 export function watch(tell) { watchers.push(tell); }
@@ -79,11 +80,14 @@ function putTask(row) {
   if (before && isSame(before, task)) return;
   state.tasks.set(task.id, task);
   state.deleted.delete(task.id);
+  inHand = null;
   touch('tasks', task.id);
 }
 
 function dropTask(id) {
-  if (state.tasks.delete(id)) touch('tasks', id);
+  if (!state.tasks.delete(id)) return;
+  inHand = null;
+  touch('tasks', id);
 }
 
 function putAll(sheet) {
@@ -143,6 +147,12 @@ export function setLink(link, why = '') {
   state.link = link;
   state.why = why;
   touch('link');
+}
+
+// The tasks that somebody is at, found anew after a change.
+export function tasksInHand() {
+  inHand ??= [...state.tasks.values()].filter((task) => task.state === 'working' || task.state === 'blocked');
+  return inHand;
 }
 
 // The agent of that handle.
