@@ -33,8 +33,8 @@ TEST(Terminal, TakesWhatRunsInItAlongWhenItIsClosed) {
   const TempDir home;
   Terminal terminal(Terminal::Kind::interactive,
                     {{"HOME", home.path()}, {"PATH", "/usr/bin:/bin"}});
-  // What runs in the foreground: a shell that sees its terminal's end before it is told of it leaves
-  // the background alone.
+  // What runs in the foreground: a shell that sees its terminal's end before it is told of it
+  // leaves the background alone.
   terminal.type("sh -c 'echo $$ >~/pid; exec sleep 100'");
   const pid_t pid = std::stoi(awaited(home.pathOf("pid")));
   EXPECT_TRUE(isRunning(pid));
