@@ -57,6 +57,7 @@ describe('the page over time', () => {
     await tabs[0].close();
     await stage.board.type('add', 'Later on');
     for (const tab of tabs.slice(1)) await column(tab, 'ready').getByText('Later on').waitFor();
+    for (const { body } of streams) await body.cancel();
   });
 
   it('stays fluid with 2,000 tasks', async (test) => {

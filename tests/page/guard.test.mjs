@@ -17,6 +17,19 @@ const HOSTILE = [
   '{{constructor.constructor("alert(1)")()}} ${alert(1)}',
 ];
 
+/** Holds back what is asked for at a path, until the function that it gives is called. */
+async function hold(context, path) {
+  let release;
+  const held = new Promise((resolve) => { release = resolve; });
+  await context.route(path, async (route) => {
+    await held;
+    await route.continue();
+  });
+  return release;
+}
+
+const wrongAddress = () => `${stage.page.url.origin}/#key=${'0'.repeat(32)}`;
+
 describe('what the page lets in', () => {
   setTheStage();
 
@@ -77,7 +90,7 @@ describe('what the page lets in', () => {
 
   it('asks for the key when there is none or a wrong one, and takes the address that was printed', async () => {
     await begin((board) => board.type('add', 'Frame'));
-    const wrong = await openTab(`${stage.page.url.origin}/#key=${'0'.repeat(32)}`);
+    const wrong = await openTab(wrongAddress());
     await wrong.getByText('This page needs its key').waitFor();
     const tab = await openTab(`${stage.page.url.origin}/#t000001`);
     await tab.getByText('This page needs its key').waitFor();
@@ -91,19 +104,10 @@ describe('what the page lets in', () => {
   it('asks for the key though that comes out only while the page is put together', async () => {
     await begin();
     const context = await stage.browser.newContext();
-    const hold = async (path) => {
-      let release;
-      const held = new Promise((resolve) => { release = resolve; });
-      await context.route(path, async (route) => {
-        await held;
-        await route.continue();
-      });
-      return release;
-    };
-    const answer = await hold('**/api/board*');
-    const rest = await hold('**/rest.js');
+    const answer = await hold(context, '**/api/board*');
+    const rest = await hold(context, '**/rest.js');
     const coming = context.waitForEvent('page');
-    const opened = openIn(context, `${stage.page.url.origin}/#key=${'0'.repeat(32)}`);
+    const opened = openIn(context, wrongAddress());
     const tab = await coming;
     await tab.locator('.column.ready').waitFor();
     answer();
@@ -111,6 +115,20 @@ describe('what the page lets in', () => {
     rest();
     await opened;
     await tab.evaluate(() => import('/rest.js'));
+  });
+
+  it('asks for the key once, and keeps what is typed though it is refused again', async () => {
+    await begin();
+    const context = await stage.browser.newContext();
+    const answer = await hold(context, '**/api/board*');
+    const tab = await openIn(context, wrongAddress());
+    // The stream of moves is refused first.
+    await tab.getByLabel('Address').fill('half an addr');
+    const refused = tab.waitForResponse((response) => response.url().includes('/api/board'));
+    answer();
+    assert.equal((await refused).status(), 401);
+    await tab.waitForTimeout(100);
+    assert.equal(await tab.getByLabel('Address').inputValue(), 'half an addr');
   });
 
   it('has its key in no address, no request line and no lasting storage', async () => {

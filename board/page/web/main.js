@@ -14,8 +14,10 @@ import { startClock } from './times.js';
 let isAsking = false;
 let isShut = false;
 
-// The page is no longer there, and nothing may be put on it.
+// The page is no longer there, and nothing may be put on it: neither what was still to come, nor a second
+// gate over what is typed into the first.
 function shut() {
+  if (isShut) return;
   isShut = true;
   showGate();
 }
